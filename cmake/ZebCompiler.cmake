@@ -1,0 +1,27 @@
+# Compiler settings that every target shares, as two interface libraries:
+#   zeb_compiler   warnings (errors when ZEB_WERROR), reproducible paths, the checked standard library, the sanitizers
+#   zeb_hardening  what a release binary or shared object is linked with
+option(ZEB_WERROR "Treat warnings as errors" OFF)
+option(ZEB_SANITIZE "Build with the address and undefined-behaviour sanitizers" OFF)
+
+add_library(zeb_compiler INTERFACE)
+target_compile_options(zeb_compiler INTERFACE
+  -Wall -Wextra -Wpedantic -Wconversion -Wshadow
+  -ffile-prefix-map=${CMAKE_SOURCE_DIR}=. -ffile-prefix-map=${CMAKE_BINARY_DIR}=build
+  $<$<BOOL:${ZEB_WERROR}>:-Werror>)
+target_compile_definitions(zeb_compiler INTERFACE _GLIBCXX_ASSERTIONS)
+
+add_library(zeb_hardening INTERFACE)
+
+if(ZEB_SANITIZE)
+  target_compile_options(zeb_compiler INTERFACE
+    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(zeb_compiler INTERFACE -fsanitize=address,undefined)
+else()
+  target_compile_options(zeb_compiler INTERFACE
+    -fstack-protector-strong -fstack-clash-protection -fcf-protection=full
+    $<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE> $<$<NOT:$<CONFIG:Debug>>:-D_FORTIFY_SOURCE=2>)
+  target_link_options(zeb_hardening INTERFACE
+    -Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack -Wl,--build-id=none -static-libstdc++ -static-libgcc
+    $<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:-pie>)
+endif()

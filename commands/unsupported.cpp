@@ -1,0 +1,40 @@
+// Commands that have a row but no behaviour yet.
+#include "commands/handlers.h"
+
+#include "log/raidctl.h"
+#include "log/zebcli_log.h"
+#include "main/zebcli_cmd_com/source.h"
+
+namespace {
+
+int refuseCommand(const char* source, const char* handler, int line = __builtin_LINE()) {
+    dumpLog(source, line, handler);
+    CliLogging(kPrintAndLog, source, line, "Error - This command is not supported at the current configuration.");
+    return 1;
+}
+
+} // namespace
+
+int CliCmdExecAdpPR(int, char**, _AFCONT*, int) {
+    return refuseCommand(kCtrlSource, __func__);
+}
+
+int CliCmdExecCfgLDEasyMakeAdd(int, char**, _AFCONT*, int) {
+    return refuseCommand(kLdSource, __func__);
+}
+
+int CliCmdExecCfgLDCustomMakeAdd(int, char**, _AFCONT*, int) {
+    return refuseCommand(kLdSource, __func__);
+}
+
+int CliCmdExecCfgLDDel(int, char**, _AFCONT*, int) {
+    return refuseCommand(kLdSource, __func__);
+}
+
+int CliCmdExecSSEnableEasy(int, char**, _AFCONT*, int) {
+    return refuseCommand(kLdSource, __func__);
+}
+
+int CliCmdExecSnapshot(int, char**, _AFCONT*, int) {
+    return refuseCommand(kLdSource, __func__);
+}

@@ -1,0 +1,101 @@
+// The cache backup report and the learn cycle.
+#include "commands/handlers.h"
+
+#include "log/raidctl.h"
+#include "log/zebcli_log.h"
+#include "main/zebcli_cmd_com/calendar.h"
+#include "main/zebcli_cmd_com/controller_options.h"
+#include "main/zebcli_cmd_com/report.h"
+#include "main/zebcli_cmd_com/source.h"
+#include "storelib/common/StoreLib/cache_backup.h"
+#include "storelib/records/status.h"
+
+#include <span>
+
+namespace {
+
+constexpr unsigned kSecondsPerDay = 86400;
+
+struct CacheBackupData {
+    _MR_BBU_STATUS status{};
+    _MR_BBU_PROPERTIES properties{};
+    _MR_BBU_DESIGN_INFO design{};
+};
+
+/// Says that there is no unit to report on and leaves the trace of the query that told so.
+bool succeeded(std::uint32_t status, const char* text, unsigned char contNo, int line = __builtin_LINE()) {
+    if (status == kSlSuccess)
+        return true;
+    CliLogging(kPrintAndLog, kCtrlSource, line, "Error - This command is not supported at the current configuration.");
+    Utillogging(kCtrlSource, line, kTraceError, "func=%s: %s, contNo=%u", "CliCmdExecCacheBkupInfo", text, contNo);
+    return false;
+}
+
+bool queryCacheBackup(unsigned char contNo, CacheBackupData& data) {
+    return succeeded(SLGetCacheBkupStatus(contNo, &data.status), "SLGetCacheBkupStatus error", contNo) &&
+           succeeded(SLGetCacheBkupProperties(contNo, &data.properties), "SLGetCacheBkupProperties error", contNo) &&
+           succeeded(SLGetCacheBkupDesignInfo(contNo, &data.design), "SLGetCacheBkupDesignInfo error", contNo);
+}
+
+const char* wordOf(std::span<const char* const> words, unsigned code) {
+    return code < words.size() ? words[code] : "Not defined";
+}
+
+void reportCacheBackup(unsigned char contNo, const CacheBackupData& data) {
+    static constexpr const char* kTypes[] = {"No Battery", "IBBU", "BBU", "ZCR_LEGACY", "iTBBU3", "iBBU08", "SuperCAP"};
+    static constexpr const char* kLearnModes[] = {"Automatic", "Disabled", "Warning Only"};
+    const CalendarTime next = SecondToDate(data.properties.nextLearnTime);
+    const int remaining = data.status.remainingCapacityLow + 256 * data.status.remainingCapacityHigh;
+    Report report(kCtrlSource);
+    report.add("%s: %d\r\n\r\n", "RAID Controller", contNo);
+    report.add("%s\r\n", "### General Information ###");
+    report.add("%s        : %s\r\n", "Cache Backup Type", wordOf(kTypes, data.status.type));
+    report.add("%s            : %d\r\n", "Serial Number", data.design.serialNo);
+    report.add("%s            : %d Joules\r\n", "Full Capacity", data.design.designCapacity);
+    report.add("%s       : %d Joules\r\n", "Remaining Capacity", remaining);
+    report.add("%s              : %d C\r\n", "Temperature", data.status.temperature);
+    report.add("%s                  : %d mV\r\n", "Voltage", data.status.voltage);
+    report.add("%s                  : %d mA\r\n", "Current", data.status.current);
+    report.add("%s    : %s\r\n", "Automatic Learn Cycle", wordOf(kLearnModes, data.properties.autoLearnMode));
+    report.add("%s        : %d Days\r\n", "Auto Learn Period",
+               static_cast<int>(data.properties.learnPeriod / kSecondsPerDay));
+    report.add("%s         : %d/%d/%d ; %d:%d:%d\r\n", "Next Learn Cycle", next.year, next.month, next.day, next.hour,
+               next.minute, next.second);
+    report.emit();
+}
+
+} // namespace
+
+int CliCmdExecCacheBkupInfo(int argc, char** argv, _AFCONT* /*conts*/, int contCount) {
+    dumpLog(kCtrlSource, __LINE__, __func__);
+    Options options;
+    if (!parseControllers(kCtrlSource, argc, argv, contCount, options))
+        return 1;
+    for (const unsigned char contNo : selectedControllers(options.ctrls, contCount)) {
+        CacheBackupData data;
+        if (!queryCacheBackup(contNo, data))
+            return 1;
+        reportCacheBackup(contNo, data);
+    }
+    return 0;
+}
+
+int CliCmdExecCacheBkup(int argc, char** argv, _AFCONT* /*conts*/, int contCount) {
+    dumpLog(kCtrlSource, __LINE__, __func__);
+    Options options;
+    if (!parseControllers(kCtrlSource, argc, argv, contCount, options))
+        return 1;
+    for (const unsigned char contNo : selectedControllers(options.ctrls, contCount)) {
+        if (SLLearnCacheBkup(contNo) == kSlSuccess)
+            CliLogging(kPrint, kCtrlSource, __LINE__,
+                       "Information - Controller[%d] Learn cycle has been started.\n"
+                       "Please confirm OS event log for the completion.\n",
+                       contNo);
+        else
+            CliLogging(kPrintAndLog, kCtrlSource, __LINE__,
+                       "Error - Controller[%d] Failed to start learn cycle.\n"
+                       "Please confirm OS event log whether there is no problem with Cache Backup.\n",
+                       contNo);
+    }
+    return 0;
+}

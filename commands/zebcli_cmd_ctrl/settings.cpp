@@ -1,0 +1,189 @@
+// Controller settings and automatic rebuild.
+#include "commands/handlers.h"
+
+#include "log/raidctl.h"
+#include "log/zebcli_log.h"
+#include "main/zebcli_cmd_com/options.h"
+#include "main/zebcli_cmd_com/prompts.h"
+#include "main/zebcli_cmd_com/snapshot.h"
+#include "main/zebcli_cmd_com/source.h"
+#include "storelib/common/StoreLib/controller.h"
+#include "storelib/records/status.h"
+
+#include <array>
+
+namespace {
+
+enum SettingBit : unsigned {
+    kTaskRateHigh = 0x001,
+    kTaskRateMiddle = 0x002,
+    kTaskRateLow = 0x004,
+    kHddCopybackEnable = 0x008,
+    kHddCopybackDisable = 0x010,
+    kSsdCopybackEnable = 0x020,
+    kSsdCopybackDisable = 0x040,
+    kPdFailEnable = 0x080,
+    kPdFailDisable = 0x100,
+};
+constexpr unsigned kTaskRates = kTaskRateHigh | kTaskRateMiddle | kTaskRateLow;
+constexpr unsigned kHddCopyback = kHddCopybackEnable | kHddCopybackDisable;
+constexpr unsigned kSsdCopyback = kSsdCopybackEnable | kSsdCopybackDisable;
+constexpr unsigned kPdFail = kPdFailEnable | kPdFailDisable;
+constexpr unsigned kCopybackEnable = kHddCopybackEnable | kSsdCopybackEnable;
+constexpr unsigned kCopybackDisable = kHddCopybackDisable | kSsdCopybackDisable;
+
+constexpr auto kSettingWords = std::to_array<OptionWord>({
+    {"trh", kTaskRateHigh, kTaskRates},
+    {"trm", kTaskRateMiddle, kTaskRates},
+    {"trl", kTaskRateLow, kTaskRates},
+    {"hddcpybkenbl", kHddCopybackEnable, kHddCopyback},
+    {"hddcpybkdsbl", kHddCopybackDisable, kHddCopyback},
+    {"ssdcpybkenbl", kSsdCopybackEnable, kSsdCopyback},
+    {"ssdcpybkdsbl", kSsdCopybackDisable, kSsdCopyback},
+    {"pdfailenbl", kPdFailEnable, kPdFail},
+    {"pdfaildsbl", kPdFailDisable, kPdFail},
+});
+constexpr OptionTable kSettingOptions{kCtrlSource, BadToken::Before, kSettingWords, true, false, false};
+
+enum RebuildBit : unsigned { kRebuildEnable = 1, kRebuildDisable = 2 };
+constexpr unsigned kRebuildModes = kRebuildEnable | kRebuildDisable;
+constexpr auto kRebuildWords = std::to_array<OptionWord>({
+    {"enbl", kRebuildEnable, kRebuildModes},
+    {"dsbl", kRebuildDisable, kRebuildModes},
+});
+constexpr OptionTable kRebuildOptions{kCtrlSource, BadToken::Before, kRebuildWords, true, false, false};
+
+/// Reads the arguments of a command that needs at least one option word; a missing one names the third argument.
+bool parse(const OptionTable& table, int argc, char** argv, int contCount, Options& options) {
+    if (!parseOptions(table, argc, argv, contCount, options))
+        return false;
+    if (options.bits == 0) {
+        refuseToken(kCtrlSource, __LINE__, argc > 2 ? argv[2] : nullptr);
+        return false;
+    }
+    return selectDefaultTargets(table, contCount, options);
+}
+
+/// Failing a drive on SMART errors and copying it back on SMART errors exclude each other.
+void refuseBoth(unsigned char contNo) {
+    CliLogging(kPrintAndLog, kCtrlSource, __LINE__,
+               "Controller[%d] Cannot change both -hddcpybk/-ssdcpybk and -pdfail to \"Enabled\".\n"
+               "Please change either -hddcpybk/-ssdcpybk or -pdfail to \"Disabled\".",
+               contNo);
+}
+
+void sayChanged(unsigned char contNo) {
+    CliLogging(kPrint, kCtrlSource, __LINE__, "Information - Controller[%d] Settings have been changed.", contNo);
+}
+
+void sayFailed(const char* handler, const char* text, unsigned char contNo, int line = __builtin_LINE()) {
+    Utillogging(kCtrlSource, line, kTraceError, "func=%s: %s, contNo=%u", handler, text, contNo);
+    CliLogging(kPrintAndLog, kCtrlSource, line,
+               "Error - Failed to change Controller[%d] Settings.\n"
+               "Please confirm OS event log whether there is no problem with RAID controller.\n",
+               contNo);
+}
+
+bool chosenOrCurrent(const Options& options, unsigned enable, unsigned disable, bool current) {
+    return options.has(disable) ? false : options.has(enable) || current;
+}
+
+std::uint8_t taskRate(const Options& options, std::uint8_t current) {
+    if (options.has(kTaskRateHigh))
+        return 90;
+    if (options.has(kTaskRateMiddle))
+        return 60;
+    return options.has(kTaskRateLow) ? 30 : current;
+}
+
+/// The settings to write. Copyback as a whole is off exactly when neither kind of drive copies back on SMART errors.
+SL_CTRL_SETTING_INFO makeSettings(const Options& options, const _MR_CTRL_PROP& current) {
+    SL_CTRL_SETTING_INFO settings{};
+    settings.taskRate = taskRate(options, current.rebuildRate);
+    settings.smartCopybackHdd =
+        chosenOrCurrent(options, kHddCopybackEnable, kHddCopybackDisable, (current.onOff & kPropSmartCopybackHdd) != 0);
+    settings.smartCopybackSsd =
+        chosenOrCurrent(options, kSsdCopybackEnable, kSsdCopybackDisable, (current.onOff & kPropSmartCopybackSsd) != 0);
+    settings.copybackDisabled = settings.smartCopybackHdd == 0 && settings.smartCopybackSsd == 0;
+    return settings;
+}
+
+/// Whether drives fail on SMART errors: as asked for, else coupled to copyback on SMART errors, else as it is.
+std::uint8_t pdFailValue(const Options& options, const SL_CTRL_SETTING_INFO& settings, std::uint8_t current) {
+    if (options.has(kPdFail))
+        return options.has(kPdFailEnable) ? 1 : 0;
+    if (options.has(kCopybackEnable))
+        return 0;
+    return options.has(kCopybackDisable) && settings.copybackDisabled != 0 ? 1 : current;
+}
+
+/// Changes one controller. Returns false when the command is over.
+bool changeSettings(unsigned char contNo, const Options& options, const _AFCONT& cont) {
+    constexpr char kHandler[] = "CliCmdExecAdpSetProp";
+    const auto trace = [&](int line, const char* text) {
+        Utillogging(kCtrlSource, line, kTraceError, "func=%s: %s, contNo=%u", kHandler, text, contNo);
+        return false;
+    };
+    _MR_CTRL_INFO info{};
+    if (SLGetCtrlInfo(contNo, &info) != kSlSuccess)
+        return trace(__LINE__, "SLGetCtrlInfo error");
+    _MR_MFC_DEFAULTS defaults{};
+    if (SLGetMFCDefaults(contNo, &defaults) != kSlSuccess)
+        return trace(__LINE__, "SLGetMFCDefaults error");
+    if (SLIsCopybackSupported(&cont.ctrlInfo) == 0 && options.has(kHddCopyback | kSsdCopyback | kPdFail)) {
+        CliLogging(kPrintAndLog, kCtrlSource, __LINE__,
+                   "Error - The specified parameter is not supported at the current configuration.");
+        return true;
+    }
+    const SL_CTRL_SETTING_INFO settings = makeSettings(options, info.properties);
+    const bool copybackNow = (info.properties.onOff & kPropCopybackDisabled) == 0;
+    if (options.has(kPdFailEnable) && copybackNow && settings.copybackDisabled == 0) {
+        refuseBoth(contNo);
+        return true;
+    }
+    if (SLSetCtrlProp(contNo, &settings) != kSlSuccess) {
+        sayFailed(kHandler, "SLSetCtrlProp error", contNo);
+        return false;
+    }
+    if (SLSetFailPDOnSmartTer(contNo, pdFailValue(options, settings, defaults.failPdOnSmartError)) != kSlSuccess) {
+        sayFailed(kHandler, "SLSetFailPDOnSmartTer error", contNo);
+        return false;
+    }
+    sayChanged(contNo);
+    return true;
+}
+
+} // namespace
+
+int CliCmdExecAdpSetProp(int argc, char** argv, _AFCONT* conts, int contCount) {
+    dumpLog(kCtrlSource, __LINE__, __func__);
+    Options options;
+    if (!parse(kSettingOptions, argc, argv, contCount, options))
+        return 1;
+    if (options.has(kPdFailEnable) && options.has(kCopybackEnable)) {
+        refuseBoth(options.ctrls[0]);
+        return 1;
+    }
+    for (const unsigned char contNo : selectedControllers(options.ctrls, contCount))
+        if (!changeSettings(contNo, options, conts[contNo]))
+            return 1;
+    return 0;
+}
+
+int CliCmdExecAdpRbldMode(int argc, char** argv, _AFCONT* /*conts*/, int contCount) {
+    dumpLog(kCtrlSource, __LINE__, __func__);
+    Options options;
+    if (!parse(kRebuildOptions, argc, argv, contCount, options))
+        return 1;
+    const bool disable = options.has(kRebuildDisable);
+    for (const unsigned char contNo : selectedControllers(options.ctrls, contCount)) {
+        if (disable && ComChk(nullptr, nullptr, nullptr, kAskDisableAutoRebuild, 0) == 0)
+            return 1;
+        if (SLSetCtrlRbldMode(contNo, disable ? 1 : 0) != kSlSuccess) {
+            sayFailed(__func__, "SLSetCtrlRbldMode error", contNo);
+            return 1;
+        }
+        sayChanged(contNo);
+    }
+    return 0;
+}

@@ -1,0 +1,71 @@
+// Test events in the operating system's log.
+#include "commands/handlers.h"
+
+#include "log/os_event.h"
+#include "log/raidctl.h"
+#include "log/zebcli_log.h"
+#include "main/zebcli_cmd_com/options.h"
+#include "main/zebcli_cmd_com/source.h"
+#include "main/zebcli_cmd_com/string_shims.h"
+
+#include <array>
+
+namespace {
+
+enum SeverityBit : unsigned { kInformation = 1, kWarning = 2, kError = 4 };
+constexpr unsigned kSeverities = kInformation | kWarning | kError;
+constexpr auto kSeverityWords = std::to_array<OptionWord>({
+    {"inf", kInformation, kSeverities},
+    {"wrn", kWarning, kSeverities},
+    {"err", kError, kSeverities},
+});
+constexpr OptionTable kOptions{kCtrlSource, BadToken::Before, kSeverityWords, false, false, false};
+
+constexpr char kDetailedCode[] = "FFFFFFFF";
+
+std::uint16_t testEventCode(const Options& options) {
+    if (options.has(kError))
+        return 60009;
+    return options.has(kWarning) ? 60010 : 60011;
+}
+
+void writeTestEvent(std::uint16_t eventCode, std::uint32_t messageId, const ZEBSRV_EVT_INFO& event) {
+    char time[64];
+    GetEvtLogOutputime(time, sizeof time);
+    // The site's text is a format without arguments, so that "%%" in it prints as "%".
+    char message[512];
+    expandFormat(event.message, message, sizeof message);
+    char id[8];
+    wsprintf(id, "%06d", eventCode);
+    RaidLogEvent(messageId, time, kDetailedCode, message, id);
+}
+
+} // namespace
+
+int CliCmdExecTSTEVT(int argc, char** argv, _AFCONT* /*conts*/, int contCount) {
+    dumpLog(kCtrlSource, __LINE__, __func__);
+    Options options;
+    if (!parseOptions(kOptions, argc, argv, contCount, options))
+        return 1;
+    if (options.bits == 0) {
+        refuseToken(kCtrlSource, __LINE__, argc > 2 ? argv[2] : nullptr);
+        return 1;
+    }
+    const std::uint16_t eventCode = testEventCode(options);
+    std::uint32_t messageId = 0;
+    const ZEBSRV_EVT_INFO* event = nullptr;
+    ReadEventInfo();
+    if (GetEvtLogMessageId(eventCode, &messageId, &event) == 0) {
+        Utillogging(kCtrlSource, __LINE__, kTraceError, "func=%s: %s, eventCode=%u", __func__, "pEvt_Info is NULL",
+                    eventCode);
+        return 1;
+    }
+    if (event->suppress != 0)
+        return event->suppress;
+    writeTestEvent(eventCode, messageId, *event);
+    CliLogging(kPrint, kCtrlSource, __LINE__,
+               "Information - Test Event has been registered as OS event log.\n"
+               "Please check it with OS event viewer.");
+    return Utillogging(kCtrlSource, __LINE__, kTracePlain, "func=%s: %s, eventCode=%u", __func__,
+                       "TraidLogEvent finish", eventCode);
+}

@@ -1,0 +1,98 @@
+#include "commands/zebcli_cmd_ld/drive_table.h"
+
+#include "log/zebcli_log.h"
+#include "main/zebcli_cmd_com/lookup.h"
+#include "main/zebcli_cmd_com/source.h"
+#include "main/zebcli_cmd_com/string_shims.h"
+#include "main/zebcli_cmd_com/vocabulary.h"
+#include "storelib/common/StoreLib/enclosure.h"
+#include "storelib/dll_mod.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+namespace {
+
+constexpr std::size_t kLdColumnWidth = 17;
+constexpr std::size_t kCutAt = 14;
+constexpr char kNone[] = "-";
+
+using ColumnText = char[kTextSize];
+
+bool isUnconfigured(unsigned char slotNo) {
+    const auto listed = std::span(unconfiguredPdList).first(std::min(unconfiguredPds, kMaxSlots));
+    return std::find(listed.begin(), listed.end(), slotNo) != listed.end();
+}
+
+const char* levelColumn(std::string_view ldColumn, std::string_view group, unsigned char contNo, unsigned char slotNo,
+                        const _AFCONT* conts) {
+    static constexpr std::string_view kSpares[] = {"GHS", "DHS", "* GHS", "* DHS"};
+    if (std::find(std::begin(kSpares), std::end(kSpares), ldColumn) != std::end(kSpares))
+        return kNone;
+    if (group.starts_with("scRG"))
+        return "RAID0";
+    return raidLevelText(GetRaidLvlFromPD(contNo, slotNo, conts), contNo);
+}
+
+void printRow(const char* pd, const char* ld, const char* group, const char* level, const char* state, const char* type,
+              const char* capacity) {
+    CliLogging(kPrint, kLdSource, __LINE__, "%-6s %-17s %-6s %-10s %-18s %-4s %-12s", pd, ld, group, level, state, type,
+               capacity);
+}
+
+void printDrive(const char* name, unsigned char contNo, unsigned char slotNo, const _AFCONT* conts) {
+    const _MR_PD_INFO& pd = conts[contNo].pdInfo[slotNo];
+    ColumnText assign;
+    mkLDAssignStr(contNo, conts, slotNo, assign);
+    char ld[kTextSize + 2];
+    wsprintf(ld, "%s%s", isUnconfigured(slotNo) ? "* " : "", assign);
+    cutLdColumn(ld);
+    ColumnText group;
+    mkRaidGroupStr(contNo, conts, slotNo, group);
+    ColumnText state;
+    mkPDStateStr(pd.fwState, state);
+    ColumnText type;
+    mkMediaTypeStr(&pd, type);
+    char capacity[32];
+    wsprintf(capacity, "%0.3f", blocksToGb(pd.coercedSize));
+    printRow(name, ld, group, levelColumn(ld, group, contNo, slotNo, conts), state, type, capacity);
+}
+
+int controllerCount() {
+    _SL_CTRL_LIST_T list{};
+    SLGetCtrlList(&list);
+    return static_cast<int>(std::min<unsigned>(list.count, kMaxControllers));
+}
+
+} // namespace
+
+void cutLdColumn(std::span<char> text) {
+    if (strnlen(text.data(), text.size()) > kLdColumnWidth)
+        strcpy_s(text.data() + kCutAt, text.size() - kCutAt, "...");
+}
+
+void SetSelectHDDList(const _SL_CREATE_LD_INFO_T* /*plan*/, _AFCONT* conts, unsigned char contNo, int refresh) {
+    if (refresh == 1 && UpdateDriveInfo(conts, controllerCount()) != 1)
+        return;
+    std::uint16_t slots = 0;
+    if (SLGetSlotNum(contNo, &slots) != kSlSuccess) {
+        Utillogging(kLdSource, __LINE__, kTraceError, "func=%s: %s, contNo=%u", __func__, "SLGetSlotNum error", contNo);
+        return;
+    }
+    std::array<unsigned char, kMaxSlots> present{};
+    GetDeviceFoundList(contNo, conts, present);
+    for (unsigned slot = 0; slot < std::min<unsigned>(slots, kMaxSlots); ++slot) {
+        if (slot == 0)
+            CliLogging(kPrint, kLdSource, __LINE__,
+                       "### Physical Drive(PD) ###\n"
+                       "PD No. LD No.            RG No. RAID Level State              Type Capacity[GB]\n"
+                       "------ ----------------- ------ ---------- ------------------ ---- ------------");
+        char name[8];
+        wsprintf(name, "PD%d", static_cast<int>(slot));
+        if (present[slot] != 0)
+            printDrive(name, contNo, static_cast<unsigned char>(slot), conts);
+        else
+            printRow(name, kNone, kNone, kNone, kNone, kNone, kNone);
+    }
+}

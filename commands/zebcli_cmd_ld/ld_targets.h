@@ -1,0 +1,30 @@
+// What the LD commands share: their way of reading targets and of saying that there are none.
+#pragma once
+
+#include "main/zebcli_cmd_com/lookup.h"
+#include "main/zebcli_cmd_com/options.h"
+#include "main/zebcli_cmd_com/source.h"
+
+#include <span>
+
+/// The option table of an LD command: controllers, LDs and its own words.
+inline constexpr OptionTable ldOptions(std::span<const OptionWord> words) {
+    return {kLdSource, BadToken::Itself, words, true, true, false};
+}
+
+/// The selected LDs of one controller in ascending order.
+struct SelectedLds {
+    std::array<unsigned char, kMaxLds> ldNo;
+    unsigned count;
+    std::span<const unsigned char> list() const& { return std::span(ldNo).first(count); }
+    std::span<const unsigned char> list() const&& = delete; // it would outlive its numbers
+};
+
+/// Collects them; when there are none, says so.
+SelectedLds selectedLds(const LdSelection& selection, unsigned char contNo);
+
+/// The number of drives of an LD over all its spans.
+unsigned short driveCountOf(const _MR_LD_CONFIG& ld);
+
+/// Whether the LD is the source or the repository of snapshots.
+bool isSnapshotLd(const _MR_LD_INFO& ld);

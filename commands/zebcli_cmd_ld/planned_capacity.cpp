@@ -1,0 +1,127 @@
+// Defaults and capacity of planned LDs.
+#include "commands/zebcli_cmd_ld/construction.h"
+
+#include "commands/zebcli_cmd_ld/ld_targets.h"
+#include "commands/zebcli_cmd_ld/setting_tables.h"
+#include "log/zebcli_log.h"
+#include "main/zebcli_cmd_com/string_shims.h"
+#include "storelib/common/StoreLib/physical_drive.h"
+#include "storelib/records/status.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace {
+
+constexpr std::uint8_t kDefaultStripeSize = 7;
+constexpr std::uint64_t kNoSize = std::numeric_limits<std::uint64_t>::max();
+
+std::span<const std::uint8_t> drivesOf(const PlannedArray& array) {
+    return {array.slotNo, std::min<std::size_t>(array.pdCount, std::size(array.slotNo))};
+}
+
+/// The coerced size that the library tells of a drive; false, and a trace, when it does not.
+bool askPdSize(const char* func, unsigned char contNo, unsigned char slotNo, std::uint64_t& size) {
+    _MR_PD_INFO info{};
+    if (SLGetPDInfo(contNo, slotNo, &info) != kSlSuccess) {
+        Utillogging(kLdSource, __LINE__, kTraceError, "func=%s: %s, contNo=%u, pdNo=%u", func, "SLGetPDInfo error",
+                    contNo, slotNo);
+        return false;
+    }
+    size = info.coercedSize;
+    return true;
+}
+
+void setDefaults(PlannedArray& array, std::uint8_t cachePolicy, std::uint8_t initType) {
+    array.accessPolicy = kReadWrite;
+    array.diskCachePolicy = kDiskCacheDisabled;
+    array.defaultCachePolicy = cachePolicy;
+    array.stripeSize = kDefaultStripeSize;
+    for (auto& ld : std::span(array.ld).first(std::min<std::size_t>(array.ldCount, kMaxLds))) {
+        wsprintf(ld.name, "LD_%u", ld.ldNo);
+        ld.initType = initType;
+    }
+}
+
+std::uint64_t smallestOr0(std::uint64_t smallest) {
+    return smallest == kNoSize ? 0 : smallest;
+}
+
+} // namespace
+
+int CreateLDDefaultSet(_SL_CREATE_LD_INFO_T& plan, const _AFCONT* conts, unsigned char contNo, std::uint8_t initType) {
+    const std::uint8_t cachePolicy = IsCacheBkupPresent(conts, contNo) != 0 ? kWriteBack : kWriteThrough;
+    for (PlannedArray& array : std::span(plan.array).first(std::min<std::size_t>(plan.arrayCount, kMaxLds))) {
+        setDefaults(array, cachePolicy, initType);
+        std::uint64_t smallest = kNoSize;
+        for (const std::uint8_t slotNo : drivesOf(array))
+            if (std::uint64_t size = 0; askPdSize(__func__, contNo, slotNo, size))
+                smallest = std::min(smallest, size);
+        if (array.level >= kRaidLevels)
+            return 0;
+        const std::uint64_t capacity = CalcLDCapa(array.level, array.pdCount, smallestOr0(smallest), contNo);
+        for (auto& ld : std::span(array.ld).first(std::min<std::size_t>(array.ldCount, kMaxLds)))
+            ld.size = capacity / array.ldCount;
+    }
+    return 0;
+}
+
+int ConfirmDiffPDSize(const _SL_CREATE_LD_INFO_T& plan, unsigned char contNo) {
+    for (const PlannedArray& array : std::span(plan.array).first(std::min<std::size_t>(plan.arrayCount, kMaxLds))) {
+        bool any = false;
+        std::uint64_t first = 0;
+        for (const std::uint8_t slotNo : drivesOf(array)) {
+            std::uint64_t size = 0;
+            if (!askPdSize(__func__, contNo, slotNo, size))
+                continue;
+            if (any && size != first)
+                return 1;
+            if (!any)
+                first = size;
+            any = true;
+        }
+    }
+    return 0;
+}
+
+std::uint64_t CalcRAIDCapa(const PlannedArray& array, const _AFCONT* conts, unsigned char contNo) {
+    std::uint64_t smallest = kNoSize;
+    for (const std::uint8_t slotNo : drivesOf(array))
+        smallest = std::min<std::uint64_t>(smallest, conts[contNo].pdInfo[slotNo].coercedSize);
+    return CalcLDCapa(array.level, array.pdCount, smallestOr0(smallest), contNo);
+}
+
+std::uint64_t GetLDCapaciity(std::span<const std::uint64_t> sizes, ZEB_RAID_LVL level, unsigned char contNo) {
+    const std::uint64_t smallest = sizes.empty() ? 0 : *std::min_element(sizes.begin(), sizes.end());
+    return CalcLDCapa(level, static_cast<unsigned short>(sizes.size()), smallest, contNo);
+}
+
+void SetLDCapacityText(char (&text)[32], ZEB_RAID_LVL level, bool keepSpare, unsigned spareIndex, const _AFCONT* conts,
+                       unsigned char contNo) {
+    const unsigned available = std::min(unconfiguredPds, kMaxSlots);
+    const unsigned wanted =
+        std::min(available - (keepSpare && available > 0 ? 1 : 0), GetMaxPdNumForRaidLvl(level, conts, contNo));
+    std::uint64_t smallest = kNoSize;
+    unsigned counted = 0;
+    for (unsigned i = 0; i < available && counted < wanted; ++i) {
+        if (keepSpare && i == spareIndex)
+            continue;
+        smallest = std::min<std::uint64_t>(smallest, conts[contNo].pdInfo[unconfiguredPdList[i]].coercedSize);
+        ++counted;
+    }
+    wsprintf(text, "%0.3f",
+             blocksToGb(CalcLDCapa(level, static_cast<unsigned short>(wanted), smallestOr0(smallest), contNo)));
+}
+
+void ShowLDCapacity(char (*texts)[kCapacityTextSize], const _SL_CREATE_LD_INFO_T& plan, const _AFCONT* conts,
+                    unsigned char contNo) {
+    for (const PlannedArray& array : std::span(plan.array).first(std::min<std::size_t>(plan.arrayCount, kMaxLds)))
+        wsprintf(*texts++, "%0.3f", blocksToGb(CalcRAIDCapa(array, conts, contNo)));
+}
+
+std::uint64_t GetLDSize(const _MR_LD_CONFIG* ld, unsigned char contNo) {
+    for (unsigned k = 0; k < std::min<unsigned>(ld->spanDepth, kMaxSpans); ++k)
+        if (ld->span[k].numBlocks != 0)
+            return CalcLDCapa(SLTransLateRAIDLvl(ld), driveCountOf(*ld), ld->span[k].numBlocks, contNo);
+    return 0;
+}

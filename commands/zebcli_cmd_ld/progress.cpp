@@ -1,0 +1,105 @@
+// State and progress of every LD and every PD slot. Printed with plain standard output.
+#include "commands/handlers.h"
+
+#include "commands/zebcli_cmd_ld/drive_table.h"
+#include "log/raidctl.h"
+#include "log/zebcli_log.h"
+#include "main/zebcli_cmd_com/lookup.h"
+#include "main/zebcli_cmd_com/source.h"
+#include "main/zebcli_cmd_com/string_shims.h"
+#include "main/zebcli_cmd_com/vocabulary.h"
+#include "storelib/common/StoreLib/enclosure.h"
+#include "storelib/dll_mod.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+
+namespace {
+
+constexpr char kNone[] = "-";
+constexpr unsigned kErrInfoSize = 32;
+
+void printLd(unsigned char contNo, unsigned char ldNo, const _AFCONT* conts) {
+    const _MR_LD_INFO& ld = conts[contNo].ldInfo[ldNo];
+    char name[8];
+    wsprintf(name, "LD%d", ldNo);
+    char state[kTextSize];
+    mkLDStateStr(contNo, conts, &ld.config, state);
+    char progress[kTextSize];
+    mkLDProgressStr(&ld.progress, progress);
+    char errInfo[kErrInfoSize];
+    mkLDErrInfoStr(contNo, conts, ldNo, errInfo);
+    std::printf("%-7s %-27s %-28s %-14s\r\n", name, state, progress, errInfo);
+}
+
+void printLds(unsigned char contNo, const _AFCONT* conts) {
+    bool first = true;
+    for (const _MR_LD_LIST_ENTRY& entry : ldEntries(conts[contNo])) {
+        if (entry.targetId >= kMaxLds)
+            continue;
+        if (first)
+            std::printf("Controller : %d\r\n"
+                        "\r\nLD No   State                       Progress                     ErrInfo\r\n"
+                        "-------------------------------------------------------------------------------\r\n",
+                        contNo);
+        first = false;
+        printLd(contNo, entry.targetId, conts);
+    }
+}
+
+void printRow(unsigned slot, const char* ld, const char* state, const char* type, const char* progress) {
+    char name[8];
+    wsprintf(name, "PD%d", static_cast<int>(slot));
+    std::printf("%-6s %-17s %-18s %-4s %-28s\r\n", name, ld, state, type, progress);
+}
+
+void printPd(unsigned char contNo, unsigned char slotNo, const _AFCONT* conts) {
+    const _MR_PD_INFO& pd = conts[contNo].pdInfo[slotNo];
+    char ld[kTextSize];
+    mkLDAssignStr(contNo, conts, slotNo, ld);
+    cutLdColumn(ld);
+    char state[kTextSize];
+    mkPDStateStr(pd.fwState, state);
+    char type[kTextSize];
+    mkMediaTypeStr(&pd, type);
+    char progress[kTextSize];
+    mkPDProgressStr(&pd.progress, progress);
+    printRow(slotNo, ld, state, type, progress);
+}
+
+void printPds(unsigned char contNo, const _AFCONT* conts) {
+    std::uint16_t slots = 0;
+    if (SLGetSlotNum(contNo, &slots) != kSlSuccess) {
+        Utillogging(kLdSource, __LINE__, kTraceError, "func=%s: %s, contNo=%u", "CliCmdExecLDPDProg",
+                    "SLGetSlotNum error", contNo);
+        return;
+    }
+    std::array<unsigned char, kMaxSlots> present{};
+    GetDeviceFoundList(contNo, conts, present);
+    for (unsigned slot = 0; slot < std::min<unsigned>(slots, kMaxSlots); ++slot) {
+        if (slot == 0)
+            // The first line ends in "\n" alone, the second in "\r\n".
+            std::printf("\r\nPD No  LD No             State              Type Progress\n"
+                        "-----------------------------------------------------------------------------\r\n");
+        if (present[slot] != 0)
+            printPd(contNo, static_cast<unsigned char>(slot), conts);
+        else
+            printRow(slot, kNone, kNone, kNone, kNone);
+    }
+}
+
+} // namespace
+
+int CliCmdExecLDPDProg(int /*argc*/, char** /*argv*/, _AFCONT* conts, int contCount) {
+    dumpLog(kLdSource, __LINE__, __func__);
+    _SL_CTRL_LIST_T list{};
+    if (SLGetCtrlList(&list) != kSlSuccess)
+        return 1;
+    for (int i = 0; i < contCount; ++i) {
+        const auto contNo = static_cast<unsigned char>(i);
+        printLds(contNo, conts);
+        printPds(contNo, conts);
+    }
+    return 0;
+}

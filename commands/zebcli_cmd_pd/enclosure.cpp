@@ -1,0 +1,152 @@
+// The enclosure report: the first enclosure of each controller, asked now.
+#include "commands/handlers.h"
+
+#include "log/raidctl.h"
+#include "log/zebcli_log.h"
+#include "main/zebcli_cmd_com/controller_options.h"
+#include "main/zebcli_cmd_com/report.h"
+#include "main/zebcli_cmd_com/source.h"
+#include "main/zebcli_cmd_com/text_field.h"
+#include "storelib/common/StoreLib/enclosure.h"
+#include "storelib/common/StoreLib/request_path.h"
+
+#include <algorithm>
+#include <cstring>
+#include <span>
+
+namespace {
+
+constexpr char kHandler[] = "CliCmdExecEnclInfo";
+
+/// What is asked of one enclosure.
+struct EnclosureData {
+    _SL_ENCL_CONFIG_T config{};
+    _MR_SAS_CONNECTORS connectors{};
+};
+
+bool succeeded(std::uint32_t status, const char* text, unsigned char contNo, int line = __builtin_LINE()) {
+    if (status == kSlSuccess)
+        return true;
+    Utillogging(kPdSource, line, kTraceError, "func=%s: %s, contNo=%u", kHandler, text, contNo);
+    return false;
+}
+
+const char* wordOf(std::span<const char* const> words, unsigned code) {
+    return code < words.size() ? words[code] : "Not defined";
+}
+
+const char* GetEnclEleStatusStr(int code) {
+    static constexpr const char* kWords[] = {
+        "Unsupported", "OK", "Critical", "Non Critical", "Unrecoverable", "Not Installed", "Unknown", "Not Available"};
+    return code >= 0 && static_cast<std::size_t>(code) < std::size(kWords) ? kWords[code] : "Invalid";
+}
+
+/// Hands each element of a type to the sink with its number and status word. The elements are grouped by type in the
+/// order of the counts; those that would lie behind the table are absent.
+template <class Sink>
+void forEachElement(const _SL_ENCL_STATUS_EX_T& status, EnclElementType type, Sink sink) {
+    std::size_t first = 0;
+    for (unsigned before = 0; before < type; ++before)
+        first += status.count[before];
+    for (std::size_t i = 0; i < status.count[type] && first + i < kMaxEnclElements; ++i) {
+        const _SL_ENCL_ELEMENT& element = status.element[first + i];
+        sink(static_cast<int>(i), GetEnclEleStatusStr(static_cast<int>(element.status)), element);
+    }
+}
+
+void addComponents(Report& report, const _SL_ENCL_STATUS_EX_T& status) {
+    report.add("%s\r\n", "### Component Information ###");
+    report.add("%s : %d\r\n", "Number of Temperature Sensors", status.count[kElemTemperature]);
+    report.add("%s                : %d\r\n", "Number of Fans", status.count[kElemFan]);
+    report.add("%s      : %d\r\n", "Number of Power Supplies", status.count[kElemPowerSupply]);
+    report.add("%s     : %d\r\n", "Number of Voltage Sensors", status.count[kElemVoltage]);
+}
+
+/// Hundredths of a volt, signed.
+int voltageOf(const _SL_ENCL_ELEMENT& element) {
+    std::int16_t value = 0;
+    std::memcpy(&value, element.value, sizeof value);
+    return value;
+}
+
+void addSensors(Report& report, const _SL_ENCL_STATUS_EX_T& status) {
+    report.add("%s\r\n", "### Sensor Information ###");
+    report.add("%s              %-14s                  %s\r\n", "Sensor", "Status", "Value");
+    forEachElement(status, kElemTemperature, [&](int i, const char* word, const _SL_ENCL_ELEMENT& element) {
+        report.add("Temperature%d        %-14s                  %d (C)\r\n", i, word, element.value[0]);
+    });
+    forEachElement(status, kElemFan, [&](int i, const char* word, const _SL_ENCL_ELEMENT& element) {
+        const int speed = (((element.value[0] & 3) << 8) + element.value[1]) * 10;
+        report.add("Fan%d                %-14s                  %d (RPM)\r\n", i, word, speed);
+    });
+    forEachElement(status, kElemPowerSupply, [&](int i, const char* word, const _SL_ENCL_ELEMENT&) {
+        report.add("Power Supply%d       %-14s                  %s\r\n", i, word, "-");
+    });
+    forEachElement(status, kElemVoltage, [&](int i, const char* word, const _SL_ENCL_ELEMENT& element) {
+        const int value = voltageOf(element);
+        if (value >= 0)
+            report.add("Voltage%d            %-14s                  %0.2f (V)\r\n", i, word, value / 100.0);
+        else
+            report.add("Voltage%d            %-14s                  -%0.2f (V)\r\n", i, word, -value / 100.0);
+    });
+}
+
+void addConnector(Report& report, const _MR_ENCL_ENTRY& enclosure, const _MR_SAS_CONNECTORS& connectors) {
+    static constexpr const char* kLocations[] = {"Unknown", "Not defined", "Internal", "External"};
+    if (enclosure.connectorIndex >= std::min<std::size_t>(connectors.count, std::size(connectors.connector)))
+        return;
+    const _MR_SAS_CONNECTOR& connector = connectors.connector[enclosure.connectorIndex];
+    report.add("%s       : %s\r\n", "Enclosure Location", wordOf(kLocations, connector.location));
+    report.add("%s                : %s\r\n", "Connector", fieldText(connector.name).c_str());
+}
+
+/// Gathers the report of one controller. Returns false when a query failed.
+bool gather(Report& report, int position, unsigned char contNo, _SL_ENCL_STATUS_EX_T& status) {
+    static constexpr const char* kModels[] = {"Unknown", "SAFTE", "SES", "Backplane"};
+    _MR_ENCL_LIST list{};
+    if (!succeeded(SLGetEnclList(contNo, &list), "SLGetEnclList error", contNo))
+        return false;
+    // The first entry is what is reported, whatever the count says.
+    const _MR_ENCL_ENTRY& enclosure = list.encl[0];
+    report.add("%s: %d\r\n\r\n", "RAID Controller", position);
+    report.add("%s\r\n", "### General Information ###");
+    report.add("%s                : %s\r\n", "Vendor ID", "LSI");
+    report.add("%s             : %d\r\n", "Enclosure ID", enclosure.deviceId);
+    report.add("%s          : %s\r\n", "Enclosure Model", wordOf(kModels, enclosure.type));
+    if (enclosure.type == kEnclBackplane) {
+        report.add("%s       : %s\r\n", "Enclosure Location", "Internal");
+        return true;
+    }
+    EnclosureData data;
+    if (!succeeded(SLGetEnclConfig(contNo, enclosure.deviceId, &data.config), "SLGetEnclConfig error", contNo) ||
+        !succeeded(SLGetEnclStatus(contNo, enclosure.deviceId, &status), "SLGetEnclStatus error", contNo) ||
+        !succeeded(SLGetSASConnector(contNo, &data.connectors), "SLGetSASConnector error", contNo))
+        return false;
+    addConnector(report, enclosure, data.connectors);
+    report.add("%s          : %d\r\n", "Number of Slots", enclosure.slotCount);
+    report.add("%s   : %s\r\n", "Product Revision Level", fieldText(data.config.revision).c_str());
+    addComponents(report, status);
+    addSensors(report, status);
+    return true;
+}
+
+} // namespace
+
+int CliCmdExecEnclInfo(int argc, char** argv, _AFCONT* /*conts*/, int contCount) {
+    dumpLog(kPdSource, __LINE__, __func__);
+    Options options;
+    if (!parseControllers(kPdSource, argc, argv, contCount, options))
+        return 1;
+    const auto status = allocateRecord<_SL_ENCL_STATUS_EX_T>();
+    if (!status)
+        return 1;
+    int position = 0;
+    for (const unsigned char contNo : selectedControllers(options.ctrls, contCount)) {
+        *status = _SL_ENCL_STATUS_EX_T{};
+        Report report(kPdSource);
+        if (!gather(report, position++, contNo, *status))
+            return 1;
+        report.emit();
+    }
+    return 0;
+}

@@ -1,0 +1,28 @@
+// What the PD commands share: their targets, and the facts about a drive that several of them compare.
+#pragma once
+
+#include "main/zebcli_cmd_com/options.h"
+#include "main/zebcli_cmd_com/snapshot.h"
+#include "main/zebcli_cmd_com/source.h"
+
+#include <span>
+
+/// The option table of a PD command: controllers, PDs and its own words.
+inline constexpr OptionTable pdOptions(std::span<const OptionWord> words = {}) {
+    return {kPdSource, BadToken::Before, words, true, false, true};
+}
+
+/// The drives of a PD list, in its order.
+std::span<const unsigned char> listedDrives(const PdList& pds);
+
+/// Whether every listed drive exists on every selected controller; the first that does not is said.
+bool allDrivesExist(const Options& options, int contCount, const _AFCONT* conts);
+
+/// Reads the arguments of a command that changes drives. The test says whether all that is required was given; when it
+/// was not, the last argument is named. Returns false when the command is over; what is due has been said.
+bool parsePdCommand(const OptionTable& table, bool (*isComplete)(const Options&), int argc, char** argv, int contCount,
+                    const _AFCONT* conts, Options& options);
+
+/// The interface (SAS, SATA, ...) and the media (HDD, SSD) of a drive as the numbers that are compared.
+unsigned interfaceOf(const _MR_PD_INFO& pd);
+unsigned mediaOf(const _MR_PD_INFO& pd);

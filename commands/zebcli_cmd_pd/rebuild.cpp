@@ -1,0 +1,90 @@
+// Manual rebuild.
+#include "commands/handlers.h"
+
+#include "commands/zebcli_cmd_pd/pd_targets.h"
+#include "commands/zebcli_cmd_pd/start_stop_words.h"
+#include "log/raidctl.h"
+#include "log/zebcli_log.h"
+#include "main/zebcli_cmd_com/number_list.h"
+#include "main/zebcli_cmd_com/raid_groups.h"
+#include "storelib/common/StoreLib/physical_drive.h"
+#include "storelib/records/status.h"
+
+namespace {
+
+constexpr OptionTable kOptions = pdOptions(kStartStopWords);
+
+/// Stands in the failure list for a drive whose allowed operations could not be read.
+constexpr unsigned kNoDriveNumber = 255;
+
+/// Deliberate: a PD list together with a controller option needs "start" or "stop", one without does not. Both words
+/// start a rebuild; there is none that stops it.
+bool isComplete(const Options& options) {
+    return (options.pdGiven && !options.ctrlGiven) || options.bits != 0;
+}
+
+/// The drives of one controller that started to rebuild, and those that did not.
+struct RebuildResult {
+    NumberList started;
+    NumberList failed;
+};
+
+void trace(const char* text, unsigned char contNo, unsigned char slotNo, int line = __builtin_LINE()) {
+    Utillogging(kPdSource, line, kTracePlain, "func=%s: %s, contNo=%u, slotNo=%u", "CliCmdExecPDRbld", text, contNo,
+                slotNo);
+}
+
+void rebuildDrive(unsigned char contNo, unsigned char slotNo, const _AFCONT* conts, RebuildResult& result) {
+    const auto fail = [&](int line) {
+        trace("SLStartRebuild error", contNo, slotNo, line);
+        result.failed.add(slotNo);
+    };
+    _MR_PD_INFO pd{};
+    if (SLGetPDInfo(contNo, slotNo, &pd) != kSlSuccess || (pd.fwState != kPdOffline && pd.fwState != kPdFailed)) {
+        fail(__LINE__);
+        return;
+    }
+    if (GetRaidLvlFromPD(contNo, slotNo, conts) == kRaid0) {
+        CliLogging(kPrintAndLog, nullptr, 0, "Error - Cannot Rebuild/Copyback for RAID0.");
+        return;
+    }
+    _MR_PD_ALLOWED_OPS allowed{};
+    if (SLGetPDAllowedOperation(contNo, slotNo, &allowed) != kSlSuccess) {
+        // Counted twice on purpose: here without a drive number, below as a drive that must not rebuild.
+        trace("SLGetPDAllowedOperation error", contNo, slotNo);
+        CliLogging(kPrint, kPdSource, __LINE__, "%s", "");
+        result.failed.add(kNoDriveNumber);
+        allowed = _MR_PD_ALLOWED_OPS{};
+    }
+    if ((allowed.ops & kPdOpStartRebuild) != 0 && SLStartRebuild(contNo, slotNo) == kSlSuccess)
+        result.started.add(slotNo);
+    else
+        fail(__LINE__);
+}
+
+void rebuildOnController(unsigned char contNo, const PdList& pds, const _AFCONT* conts) {
+    RebuildResult result;
+    for (const unsigned char slotNo : listedDrives(pds))
+        rebuildDrive(contNo, slotNo, conts, result);
+    if (!result.started.empty())
+        CliLogging(kPrint, kPdSource, __LINE__,
+                   "Information - Controller[%d] Start Manual Rebuild on PD(Physical Drive) %s.", contNo,
+                   result.started.c_str());
+    if (!result.failed.empty())
+        CliLogging(kPrintAndLog, kPdSource, __LINE__,
+                   "Error - Controller[%d] Failed to start Manual Rebuild on PD(Physical Drive) %s.\n"
+                   "Please confirm LD(Logical Drive) state.",
+                   contNo, result.failed.c_str());
+}
+
+} // namespace
+
+int CliCmdExecPDRbld(int argc, char** argv, _AFCONT* conts, int contCount) {
+    dumpLog(kPdSource, __LINE__, __func__);
+    Options options;
+    if (!parsePdCommand(kOptions, isComplete, argc, argv, contCount, conts, options))
+        return 1;
+    for (const unsigned char contNo : selectedControllers(options.ctrls, contCount))
+        rebuildOnController(contNo, options.pds, conts);
+    return 0;
+}

@@ -1,0 +1,22 @@
+// Capacity arithmetic. Sizes are blocks of 512 bytes unless a name says otherwise; a GB is 1024 x 1024 x 1024 bytes.
+#pragma once
+
+#include "main/zebcli_cmd_com/raid_level.h"
+
+#include <cstdint>
+#include <span>
+
+/// The size of the buffer that SetLDCapaciityText fills.
+inline constexpr unsigned kCapacityTextSize = 160;
+
+/// Blocks in GB. The step through a single-precision MiB figure is part of the rule: it shows in the third decimal of
+/// large capacities.
+double blocksToGb(std::uint64_t blocks);
+
+/// The usable capacity of an LD of that many drives, each of the given size, in the unit of the size. 0 and a trace
+/// record for a level that is not known.
+std::uint64_t CalcLDCapa(ZEB_RAID_LVL level, unsigned short drives, std::uint64_t size, unsigned char contNo);
+
+/// The usable capacity in GB, as text with three decimals, of an LD on drives of the given sizes; the smallest counts.
+void SetLDCapaciityText(char (&out)[kCapacityTextSize], std::span<const std::uint64_t> sizes, ZEB_RAID_LVL level,
+                        unsigned char contNo);

@@ -1,0 +1,155 @@
+#include "main/zebcli_cmd_com/lookup.h"
+
+#include "log/zebcli_log.h"
+#include "main/zebcli_cmd_com/source.h"
+#include "storelib/common/StoreLib/controller.h"
+#include "storelib/records/status.h"
+
+#include <algorithm>
+
+namespace {
+
+/// The information of the drive that the given one copies back with, null when there is none.
+const _MR_PD_INFO* copybackPartner(unsigned char contNo, unsigned char slotNo, const _AFCONT* conts) {
+    const std::uint16_t deviceId = conts[contNo].pdInfo[slotNo].copybackPartner;
+    unsigned char partnerSlot = 0;
+    if (deviceId == kNoDevice || GetSlotNo(contNo, deviceId, &partnerSlot, conts) == 0)
+        return nullptr;
+    return &conts[contNo].pdInfo[partnerSlot];
+}
+
+} // namespace
+
+int GetSlotNo(unsigned char contNo, unsigned short deviceId, unsigned char* slotNo, const _AFCONT* conts) {
+    int found = 0;
+    for (const _MR_PD_ADDRESS& address : pdAddresses(conts[contNo])) {
+        if (address.scsiDevType != kScsiDisk || address.deviceId != deviceId)
+            continue;
+        *slotNo = address.slotNo;
+        found = 1;
+    }
+    return found;
+}
+
+int GetDeviceId(unsigned char contNo, const _AFCONT* conts, unsigned char slotNo, unsigned short* deviceId) {
+    for (const _MR_PD_ADDRESS& address : pdAddresses(conts[contNo])) {
+        if (address.scsiDevType != kScsiDisk || address.slotNo != slotNo)
+            continue;
+        *deviceId = address.deviceId;
+        return 1;
+    }
+    return 0;
+}
+
+int IsExistPD(unsigned char contNo, unsigned char slotNo, const _AFCONT* conts) {
+    unsigned short deviceId = 0;
+    return GetDeviceId(contNo, conts, slotNo, &deviceId);
+}
+
+int IsExistLD(unsigned char contNo, unsigned char ldNo, const _AFCONT* conts) {
+    const auto entries = ldEntries(conts[contNo]);
+    return std::any_of(entries.begin(), entries.end(),
+                       [&](const _MR_LD_LIST_ENTRY& entry) { return entry.targetId == ldNo; })
+               ? 1
+               : 0;
+}
+
+void GetDeviceFoundList(unsigned char contNo, const _AFCONT* conts, std::array<unsigned char, kMaxSlots>& map) {
+    map.fill(0);
+    for (const _MR_PD_ADDRESS& address : pdAddresses(conts[contNo]))
+        if (address.scsiDevType == kScsiDisk)
+            map[address.slotNo] = 1;
+}
+
+void GetPDInLD(unsigned char contNo, unsigned char ldNo, std::array<unsigned char, kMaxSlots>& slots, unsigned* count,
+               const _AFCONT* conts) {
+    *count = 0;
+    if (ldNo >= kMaxLds)
+        return;
+    const _MR_LD_CONFIG& ld = conts[contNo].ldInfo[ldNo].config;
+    for (unsigned k = 0; k < std::min<unsigned>(ld.spanDepth, kMaxSpans); ++k)
+        for (const _MR_ARRAY& array : arraysOf(conts[contNo])) {
+            if (array.arrayRef != ld.span[k].arrayRef)
+                continue;
+            for (const _MR_ARRAY_PD& drive : drivesOf(array))
+                if (drive.ref.deviceId != kNoDevice && *count < slots.size() &&
+                    GetSlotNo(contNo, drive.ref.deviceId, &slots[*count], conts) != 0)
+                    ++*count;
+        }
+}
+
+PdsInLd pdsInLd(unsigned char contNo, unsigned char ldNo, const _AFCONT* conts) {
+    PdsInLd pds{};
+    GetPDInLD(contNo, ldNo, pds.slots, &pds.count, conts);
+    return pds;
+}
+
+int CheckLDActive(unsigned char contNo, unsigned char ldNo, const _AFCONT* conts) {
+    if (ldNo >= kMaxLds)
+        return kLdIdle;
+    const std::uint32_t active = conts[contNo].ldInfo[ldNo].progress.active;
+    if ((active & kLdProgInit) != 0)
+        return kLdInitializing;
+    if ((active & kLdProgCheck) != 0)
+        return kLdChecking;
+    const PdsInLd pds = pdsInLd(contNo, ldNo, conts);
+    for (const unsigned char slotNo : pds.list()) {
+        if (conts[contNo].pdInfo[slotNo].fwState == kPdRebuild)
+            return kLdRebuilding;
+        if (HddIsDuringCopyBack(contNo, slotNo, conts) != 0)
+            return kLdCopyingBack;
+    }
+    return kLdIdle;
+}
+
+int HddIsDuringCopyBack(unsigned char contNo, unsigned char slotNo, const _AFCONT* conts) {
+    const _MR_PD_INFO* partner = copybackPartner(contNo, slotNo, conts);
+    return partner != nullptr && partner->fwState == kPdCopyback ? 1 : 0;
+}
+
+int IsCacheBkupPresent(const _AFCONT* conts, unsigned char contNo) {
+    return (conts[contNo].ctrlInfo.hwPresent & kHwCacheBackup) != 0 ? 1 : 0;
+}
+
+unsigned IsEnablePF(unsigned char contNo, const _AFCONT* conts) {
+    const _MR_CTRL_INFO& info = conts[contNo].ctrlInfo;
+    unsigned mask = 0;
+    if ((info.adapterOperations & kAdapterOpSnapshot) != 0)
+        mask |= kOptionSnapshot;
+    if (info.cacheCadeCapacity != 0)
+        mask |= kOptionCacheCade;
+    if ((info.ldOperations & kLdOpFastPath) != 0)
+        mask |= kOptionFastPath;
+    return mask;
+}
+
+unsigned GePdSizeList(std::span<std::uint64_t> sizes, const _AFCONT* conts, unsigned char contNo,
+                      const _PD_CANDIDATES_T& candidates) {
+    const auto count = static_cast<unsigned>(
+        std::min({static_cast<std::size_t>(candidates.count), std::size(candidates.slotNo), sizes.size()}));
+    for (unsigned i = 0; i < count; ++i)
+        sizes[i] = conts[contNo].pdInfo[candidates.slotNo[i]].coercedSize;
+    return count;
+}
+
+int IsOSInstallLD(unsigned char contNo, unsigned char ldNo, const _AFCONT* /*conts*/) {
+    _SL_PARTITION_INFO_T partition{};
+    if (SLGetLDPartition(contNo, ldNo, &partition) != kSlSuccess) {
+        Utillogging(kComSource, __LINE__, kTraceError, "func=%s: %s, contNo=%u, ldNo=%u", __func__,
+                    "SLGetLDPartition error", contNo, ldNo);
+        return 0;
+    }
+    return partition.osInstalled != 0 ? 1 : 0;
+}
+
+void getAdpLdArray(const CtrlList& ctrlList, const LdList& ldList, LdSelection& selection, const _AFCONT* conts) {
+    for (auto& lds : selection)
+        lds.fill(kNoTarget);
+    for (const unsigned char contNo : ctrlList) {
+        if (contNo >= selection.size())
+            continue;
+        for (const unsigned char ldNo : ldList)
+            if (ldNo < kMaxLds && IsExistLD(contNo, ldNo, conts) != 0)
+                selection[contNo][ldNo] = ldNo;
+    }
+}

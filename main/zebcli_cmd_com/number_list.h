@@ -1,0 +1,19 @@
+// Numbers joined with ",", as the summaries show them.
+#pragma once
+
+#include "main/zebcli_cmd_com/string_shims.h"
+
+class NumberList {
+  public:
+    void add(unsigned number) {
+        char item[8];
+        wsprintf(item, empty() ? "%u" : ",%u", number);
+        lstrcat(text_, item);
+    }
+    bool empty() const { return text_[0] == '\0'; }
+    const char* c_str() const { return text_; }
+
+  private:
+    /// Room for twice as many numbers of three digits with their commas as a PD list has.
+    char text_[2 * 256 * 4 + 1] = {};
+};

@@ -1,0 +1,72 @@
+// Options of a command, as data: a table per command says its words, what excludes what, which targets it takes and how
+// it names a bad token. One parser reads them all.
+#pragma once
+
+#include "main/zebcli_cmd_com/targets.h"
+
+#include <cstddef>
+#include <span>
+
+/// One option word. A word is refused when a word of its group was given before.
+struct OptionWord {
+    const char* word;
+    unsigned bit;
+    unsigned group; ///< the bits of all words of the group
+    bool takesValue = false;
+};
+
+/// Which argument a refusal names.
+enum class BadToken {
+    Before, ///< the one before the offending argument; deliberate, scripts know it so
+    Itself,
+};
+
+struct OptionTable {
+    const char* source; ///< the source unit that the messages carry
+    BadToken badToken;
+    std::span<const OptionWord> words;
+    bool takesControllers;
+    bool takesLds;
+    bool takesPds;
+};
+
+/// What was given.
+struct Options {
+    unsigned bits = 0;
+    const char* value = nullptr; ///< of the word that takes one
+    bool ctrlGiven = false;
+    bool ldGiven = false;
+    bool pdGiven = false;
+    CtrlList ctrls;
+    LdList lds;
+    PdList pds;
+
+    Options() {
+        ctrls.fill(kNoTarget);
+        lds.fill(kNoTarget);
+        pds.fill(kNoTarget);
+    }
+    bool has(unsigned bit) const { return (bits & bit) != 0; }
+};
+
+inline constexpr std::size_t kMaxOptionLength = 256;
+
+/// An argument in lower case, without the text up to and including its first "-".
+struct OptionText {
+    char text[kMaxOptionLength + 1];
+    const char* c_str() const { return text; }
+};
+OptionText optionText(const char* argument);
+
+/// Reads the arguments behind the command word. Returns true, or false after the refusal has been said.
+bool parseOptions(const OptionTable& table, int argc, char** argv, int contCount, Options& options);
+
+/// Selects the default of each kind of target that the command takes and that was not given: all LDs, all PDs, the only
+/// controller. Returns false when there are several controllers, which has been said.
+bool selectDefaultTargets(const OptionTable& table, int contCount, Options& options);
+
+/// Says that the named argument cannot be. A null argument is shown as the formatter of the C library shows it.
+void refuseToken(const char* source, int line, const char* argument);
+
+/// The controllers of a list, in its order.
+std::span<const unsigned char> selectedControllers(const CtrlList& list, int contCount);

@@ -1,0 +1,183 @@
+#include "storelib/common/StoreLib/physical_drive.h"
+
+#include "log/zebcli_log.h"
+#include "storelib/common/StoreLib/configuration.h"
+#include "storelib/common/StoreLib/logical_drive.h"
+#include "storelib/common/StoreLib/request_path.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <span>
+
+namespace {
+
+constexpr char kSource[] = "StoreLib";
+
+std::span<_MR_PD_ADDRESS> addresses(_MR_PD_LIST& list) {
+    return {list.addr, std::min<std::size_t>(list.count, std::size(list.addr))};
+}
+
+/// Reads the PD list and hands each disk to the test until one passes. Returns 12 when none does.
+template <class Test>
+std::uint32_t findDisk(Caller caller, unsigned char contNo, Test test) {
+    const auto list = allocateRecord<_MR_PD_LIST>();
+    if (!list)
+        return kSlMemoryAllocFailed;
+    if (const std::uint32_t status = SLGetPDList(contNo, list.get()); status != kSlSuccess)
+        return failedBeforeSend(caller, status);
+    const auto disks = addresses(*list);
+    const bool found = std::any_of(disks.begin(), disks.end(), [&](const _MR_PD_ADDRESS& address) {
+        return address.scsiDevType == kScsiDisk && test(address);
+    });
+    return found ? kSlSuccess : kSlDeviceNotFound;
+}
+
+/// A change of a drive's state: the drive's device id and current sequence number, no data.
+std::uint32_t changePd(Caller caller, unsigned char contNo, Command command, unsigned char slotNo,
+                       Trace trace = Trace::OnFailure) {
+    SL_LIB_CMD_PARAM_T request = makeRequest(command, contNo);
+    if (const std::uint32_t status = setPdReferenceWithSequence(caller, request, contNo, slotNo); status != kSlSuccess)
+        return status;
+    return sendRequest(caller, request, contNo, trace);
+}
+
+/// A locate request: the drive's device id without a sequence number, and a mode.
+std::uint32_t locatePd(Caller caller, unsigned char contNo, Command command, unsigned char slotNo, unsigned char mode) {
+    SL_LIB_CMD_PARAM_T request = makeRequest(command, contNo);
+    if (const std::uint32_t status = setPdReference(caller, request, contNo, slotNo); status != kSlSuccess)
+        return status;
+    request.param.bytes[0] = mode;
+    return sendRequest(caller, request, contNo);
+}
+
+/// The arrays of the LD that lives on the given array.
+std::uint32_t spareBlock(Caller caller, unsigned char contNo, std::uint16_t arrayId, _SL_DEDICATED_SPARE_T& block) {
+    const auto array = allocateRecord<_SL_ARRAY_INFO_T>();
+    if (!array)
+        return kSlMemoryAllocFailed;
+    if (const std::uint32_t status = SLGetArrayInfo(contNo, arrayId, array.get()); status != kSlSuccess)
+        return failedBeforeSend(caller, status);
+    if (array->ldCount == 0)
+        return failedBeforeSend(caller, kSlDeviceNotFound);
+    _MR_LD_INFO ld{};
+    if (const std::uint32_t status = SLGetLDInfo(contNo, array->ldTargetId[0], &ld); status != kSlSuccess)
+        return failedBeforeSend(caller, status);
+    block.arrayCount = static_cast<std::uint8_t>(std::min<unsigned>(ld.config.spanDepth, kMaxSpans));
+    for (unsigned k = 0; k < block.arrayCount; ++k)
+        block.arrayRef[k] = ld.config.span[k].arrayRef;
+    return kSlSuccess;
+}
+
+} // namespace
+
+int PDSortFunc(const void* a, const void* b) {
+    return static_cast<const _MR_PD_ADDRESS*>(a)->slotNo - static_cast<const _MR_PD_ADDRESS*>(b)->slotNo;
+}
+
+std::uint32_t SLGetPDList(unsigned char contNo, _MR_PD_LIST* list) {
+    const std::uint32_t status = query(__func__, contNo, {0x01, 0x04}, list);
+    if (status == kSlSuccess) {
+        const auto all = addresses(*list);
+        std::qsort(all.data(), all.size(), sizeof(_MR_PD_ADDRESS), PDSortFunc);
+    }
+    return status;
+}
+
+std::uint32_t SLGetDeviceId(unsigned char contNo, unsigned char slotNo, std::uint16_t* deviceId) {
+    const std::uint32_t status = findDisk(__func__, contNo, [&](const _MR_PD_ADDRESS& address) {
+        if (address.slotNo != slotNo)
+            return false;
+        *deviceId = address.deviceId;
+        return true;
+    });
+    if (status == kSlDeviceNotFound)
+        Utillogging(kSource, __LINE__, kTraceError, "func=%s: contNo=%u, slotNo=%u", __func__, contNo, slotNo);
+    return status;
+}
+
+std::uint32_t SLGetSlotNo(unsigned char contNo, std::uint16_t deviceId, unsigned char* slotNo) {
+    const std::uint32_t status = findDisk(__func__, contNo, [&](const _MR_PD_ADDRESS& address) {
+        if (address.deviceId != deviceId)
+            return false;
+        *slotNo = address.slotNo;
+        return true;
+    });
+    if (status == kSlDeviceNotFound)
+        Utillogging(kSource, __LINE__, kTraceError, "func=%s: contNo=%u, deviceId=%u", __func__, contNo, deviceId);
+    return status;
+}
+
+std::uint32_t SLGetPDInfo(unsigned char contNo, unsigned char slotNo, _MR_PD_INFO* info) {
+    *info = _MR_PD_INFO{};
+    return queryPd(__func__, contNo, {0x02, 0x00}, slotNo, info);
+}
+
+std::uint32_t SLGetPdProggress(unsigned char contNo, unsigned char slotNo, _MR_PD_PROGRESS* progress) {
+    return queryPd(__func__, contNo, {0x02, 0x07}, slotNo, progress);
+}
+
+std::uint32_t SLGetPDAllowedOperation(unsigned char contNo, unsigned char slotNo, _MR_PD_ALLOWED_OPS* allowed) {
+    return queryPd(__func__, contNo, {0x02, 0x14}, slotNo, allowed);
+}
+
+std::uint32_t SLGetPDSequenceNumber(unsigned char contNo, std::uint16_t deviceId, std::uint16_t* seqNo) {
+    unsigned char slotNo = 0;
+    if (const std::uint32_t status = SLGetSlotNo(contNo, deviceId, &slotNo); status != kSlSuccess)
+        return failedBeforeSend(__func__, status);
+    _MR_PD_INFO info{};
+    if (const std::uint32_t status = SLGetPDInfo(contNo, slotNo, &info); status != kSlSuccess)
+        return failedBeforeSend(__func__, status);
+    *seqNo = info.ref.seqNo;
+    return kSlSuccess;
+}
+
+std::uint32_t SLMakeDriveOnline(unsigned char contNo, unsigned char slotNo) {
+    return changePd(__func__, contNo, {0x02, 0x01}, slotNo);
+}
+
+std::uint32_t SLMakeDriveOffline(unsigned char contNo, unsigned char slotNo) {
+    return changePd(__func__, contNo, {0x02, 0x02}, slotNo);
+}
+
+std::uint32_t SLStartRebuild(unsigned char contNo, unsigned char slotNo) {
+    return changePd(__func__, contNo, {0x02, 0x05}, slotNo);
+}
+
+std::uint32_t SLCancelRebuild(unsigned char contNo, unsigned char slotNo) {
+    return changePd(__func__, contNo, {0x02, 0x06}, slotNo);
+}
+
+std::uint32_t SLStartLocatePD(unsigned char contNo, unsigned char slotNo, unsigned char mode) {
+    return locatePd(__func__, contNo, {0x02, 0x08}, slotNo, mode);
+}
+
+std::uint32_t SLStopLocatePD(unsigned char contNo, unsigned char slotNo) {
+    return locatePd(__func__, contNo, {0x02, 0x09}, slotNo, 0);
+}
+
+std::uint32_t SLMakeGlobalHotspare(unsigned char contNo, unsigned char slotNo) {
+    return changePd(__func__, contNo, {0x02, 0x0A}, slotNo);
+}
+
+std::uint32_t SLMakeDedicatedHotspare(unsigned char contNo, unsigned char slotNo, std::uint16_t arrayId) {
+    _SL_DEDICATED_SPARE_T block{};
+    if (const std::uint32_t status = spareBlock(__func__, contNo, arrayId, block); status != kSlSuccess)
+        return status;
+    SL_LIB_CMD_PARAM_T request = makeRequest({0x02, 0x0B}, contNo);
+    if (const std::uint32_t status = setPdReferenceWithSequence(__func__, request, contNo, slotNo);
+        status != kSlSuccess)
+        return status;
+    attachData(request, &block, sizeof block);
+    Utillogging_dmp(kSource, __LINE__, kTracePlain, &block, sizeof block, "func=%s: contNo=%u ,slotNo=%u, arrayRef=%u",
+                    __func__, contNo, slotNo, arrayId);
+    return sendRequest(__func__, request, contNo, Trace::Always);
+}
+
+std::uint32_t SLRemoveHotspare(unsigned char contNo, unsigned char slotNo) {
+    return changePd(__func__, contNo, {0x02, 0x0D}, slotNo);
+}
+
+std::uint32_t SLMakeDriveUnconfGood(unsigned char contNo, unsigned char slotNo) {
+    Utillogging(kSource, __LINE__, kTracePlain, "func=%s: contNo=%u, pdNo=%u", __func__, contNo, slotNo);
+    return changePd(__func__, contNo, {0x02, 0x13}, slotNo, Trace::Always);
+}

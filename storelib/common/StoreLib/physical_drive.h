@@ -1,0 +1,41 @@
+// Requests about physical drives. A drive is named by its slot number alone: one slot numbering per controller is
+// assumed on purpose, and the enclosure is never compared. Statuses as in storelib/records/status.h; 0 is success.
+#pragma once
+
+#include "storelib/records/physical_drive.h"
+
+#include <cstdint>
+
+/// The PD list, sorted ascending by slot number.
+std::uint32_t SLGetPDList(unsigned char contNo, _MR_PD_LIST* list);
+
+/// The order of the PD list, for qsort.
+int PDSortFunc(const void* a, const void* b);
+
+/// The device id of the first disk in that slot; 12 when there is none. Reads the PD list afresh.
+std::uint32_t SLGetDeviceId(unsigned char contNo, unsigned char slotNo, std::uint16_t* deviceId);
+
+/// The slot number of the first disk with that device id; 12 when there is none. Reads the PD list afresh.
+std::uint32_t SLGetSlotNo(unsigned char contNo, std::uint16_t deviceId, unsigned char* slotNo);
+
+std::uint32_t SLGetPDInfo(unsigned char contNo, unsigned char slotNo, _MR_PD_INFO* info);
+std::uint32_t SLGetPdProggress(unsigned char contNo, unsigned char slotNo, _MR_PD_PROGRESS* progress);
+std::uint32_t SLGetPDAllowedOperation(unsigned char contNo, unsigned char slotNo, _MR_PD_ALLOWED_OPS* allowed);
+
+/// The current sequence number of the drive with that device id.
+std::uint32_t SLGetPDSequenceNumber(unsigned char contNo, std::uint16_t deviceId, std::uint16_t* seqNo);
+
+std::uint32_t SLMakeDriveOnline(unsigned char contNo, unsigned char slotNo);
+std::uint32_t SLMakeDriveOffline(unsigned char contNo, unsigned char slotNo);
+std::uint32_t SLMakeDriveUnconfGood(unsigned char contNo, unsigned char slotNo);
+std::uint32_t SLStartRebuild(unsigned char contNo, unsigned char slotNo);
+std::uint32_t SLCancelRebuild(unsigned char contNo, unsigned char slotNo);
+std::uint32_t SLMakeGlobalHotspare(unsigned char contNo, unsigned char slotNo);
+
+/// Makes the drive a spare of every array of the LD that the given array belongs to.
+std::uint32_t SLMakeDedicatedHotspare(unsigned char contNo, unsigned char slotNo, std::uint16_t arrayId);
+std::uint32_t SLRemoveHotspare(unsigned char contNo, unsigned char slotNo);
+
+/// The mode byte goes to the library as it is.
+std::uint32_t SLStartLocatePD(unsigned char contNo, unsigned char slotNo, unsigned char mode);
+std::uint32_t SLStopLocatePD(unsigned char contNo, unsigned char slotNo);

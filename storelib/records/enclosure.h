@@ -1,0 +1,91 @@
+// Enclosure records.
+#pragma once
+
+#include "storelib/records/wire_record.h"
+
+#pragma pack(push, 1)
+
+struct _MR_ENCL_ENTRY {
+    std::uint16_t deviceId;
+    std::uint8_t index;
+    std::uint8_t slotCount;
+    std::uint8_t reserved4[6];
+    std::uint8_t type; ///< see kEncl... below
+    std::uint8_t connectorIndex;
+    std::uint8_t reserved12[132];
+};
+ZEB_WIRE_RECORD(_MR_ENCL_ENTRY, 144);
+ZEB_WIRE_FIELD(_MR_ENCL_ENTRY, slotCount, 3);
+ZEB_WIRE_FIELD(_MR_ENCL_ENTRY, type, 10);
+ZEB_WIRE_FIELD(_MR_ENCL_ENTRY, connectorIndex, 11);
+
+struct _MR_ENCL_LIST {
+    std::uint32_t count;
+    std::uint32_t reserved;
+    _MR_ENCL_ENTRY encl[32];
+};
+ZEB_WIRE_RECORD(_MR_ENCL_LIST, 4616);
+ZEB_WIRE_FIELD(_MR_ENCL_LIST, encl, 8);
+
+enum : std::uint8_t { kEnclUnknown = 0, kEnclSafte = 1, kEnclSes = 2, kEnclBackplane = 3 };
+
+/// The enclosure descriptor of the SES-2 configuration page.
+struct _SL_ENCL_CONFIG_T {
+    std::uint8_t reserved0[4];
+    std::uint64_t logicalId;
+    char vendor[8];
+    char product[16];
+    char revision[4];
+    std::uint8_t reserved40[984];
+};
+ZEB_WIRE_RECORD(_SL_ENCL_CONFIG_T, 1024);
+ZEB_WIRE_FIELD(_SL_ENCL_CONFIG_T, logicalId, 4);
+ZEB_WIRE_FIELD(_SL_ENCL_CONFIG_T, vendor, 12);
+ZEB_WIRE_FIELD(_SL_ENCL_CONFIG_T, product, 20);
+ZEB_WIRE_FIELD(_SL_ENCL_CONFIG_T, revision, 36);
+
+struct _SL_ENCL_ELEMENT {
+    std::uint32_t status;
+    std::uint8_t value[4];
+};
+ZEB_WIRE_RECORD(_SL_ENCL_ELEMENT, 8);
+
+/// Element types in the order in which the library lists them.
+enum EnclElementType : unsigned {
+    kElemSlot,
+    kElemPowerSupply,
+    kElemFan,
+    kElemTemperature,
+    kElemAlarm,
+    kElemElectronics,
+    kElemVoltage,
+    kElemReserved,
+    kElemTypes
+};
+
+inline constexpr unsigned kMaxEnclElements = 254;
+
+/// Counts per element type, then the elements, grouped by type in the order of the counts.
+struct _SL_ENCL_STATUS_EX_T {
+    std::uint16_t count[kElemTypes];
+    _SL_ENCL_ELEMENT element[kMaxEnclElements];
+};
+ZEB_WIRE_RECORD(_SL_ENCL_STATUS_EX_T, 2048);
+ZEB_WIRE_FIELD(_SL_ENCL_STATUS_EX_T, element, 16);
+
+struct _MR_SAS_CONNECTOR {
+    std::uint8_t location;
+    std::uint8_t reserved[3];
+    char name[16];
+};
+ZEB_WIRE_RECORD(_MR_SAS_CONNECTOR, 20);
+
+struct _MR_SAS_CONNECTORS {
+    std::uint32_t count;
+    std::uint32_t reserved;
+    _MR_SAS_CONNECTOR connector[8];
+};
+ZEB_WIRE_RECORD(_MR_SAS_CONNECTORS, 168);
+ZEB_WIRE_FIELD(_MR_SAS_CONNECTORS, connector, 8);
+
+#pragma pack(pop)

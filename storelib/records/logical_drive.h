@@ -1,0 +1,132 @@
+// Logical drive records.
+#pragma once
+
+#include "storelib/records/physical_drive.h"
+#include "storelib/records/request.h"
+#include "storelib/records/wire_record.h"
+
+#pragma pack(push, 1)
+
+/// One span: a stretch of one array. Sizes are blocks on each of the array's drives.
+struct _MR_SPAN {
+    std::uint64_t startBlock;
+    std::uint64_t numBlocks;
+    std::uint16_t arrayRef;
+    std::uint8_t reserved[6];
+};
+ZEB_WIRE_RECORD(_MR_SPAN, 24);
+
+/// The settings of an LD that can be changed; the first 32 bytes of its configuration.
+struct _MR_LD_PROPERTIES {
+    _MR_LD_REF ref;
+    char name[16];
+    std::uint8_t defaultCachePolicy;
+    std::uint8_t accessPolicy;
+    std::uint8_t diskCachePolicy;
+    std::uint8_t currentCachePolicy;
+    std::uint8_t noBgi;
+    std::uint8_t snapshotFlags; ///< bits 0 and 1
+    std::uint8_t reserved26[6];
+};
+ZEB_WIRE_RECORD(_MR_LD_PROPERTIES, 32);
+ZEB_WIRE_FIELD(_MR_LD_PROPERTIES, name, 4);
+ZEB_WIRE_FIELD(_MR_LD_PROPERTIES, defaultCachePolicy, 20);
+ZEB_WIRE_FIELD(_MR_LD_PROPERTIES, currentCachePolicy, 23);
+ZEB_WIRE_FIELD(_MR_LD_PROPERTIES, snapshotFlags, 25);
+
+struct _MR_LD_CONFIG {
+    _MR_LD_PROPERTIES properties;
+    std::uint8_t primaryRaidLevel;
+    std::uint8_t raidLevelQualifier;
+    std::uint8_t secondaryRaidLevel;
+    std::uint8_t stripeSize; ///< stripe size code
+    std::uint8_t numDrives; ///< drives per span
+    std::uint8_t spanDepth;
+    std::uint8_t state;
+    std::uint8_t initState;
+    std::uint8_t isConsistent;
+    std::uint8_t reserved41[4];
+    std::uint8_t snapshotSource;
+    std::uint8_t reserved46;
+    std::uint8_t cacheCade;
+    std::uint8_t reserved48[16];
+    _MR_SPAN span[8];
+};
+ZEB_WIRE_RECORD(_MR_LD_CONFIG, 256);
+ZEB_WIRE_FIELD(_MR_LD_CONFIG, primaryRaidLevel, 32);
+ZEB_WIRE_FIELD(_MR_LD_CONFIG, stripeSize, 35);
+ZEB_WIRE_FIELD(_MR_LD_CONFIG, numDrives, 36);
+ZEB_WIRE_FIELD(_MR_LD_CONFIG, spanDepth, 37);
+ZEB_WIRE_FIELD(_MR_LD_CONFIG, state, 38);
+ZEB_WIRE_FIELD(_MR_LD_CONFIG, snapshotSource, 45);
+ZEB_WIRE_FIELD(_MR_LD_CONFIG, cacheCade, 47);
+ZEB_WIRE_FIELD(_MR_LD_CONFIG, span, 64);
+
+inline constexpr unsigned kMaxSpans = 8;
+
+/// States of an LD.
+enum : std::uint8_t { kLdOffline = 0, kLdPartiallyDegraded = 1, kLdDegraded = 2, kLdOptimal = 3 };
+
+struct _MR_LD_PROGRESS {
+    std::uint32_t active; ///< see kLdProg... below
+    _MR_PROGRESS cc;
+    _MR_PROGRESS bgi;
+    _MR_PROGRESS init;
+    _MR_PROGRESS recon;
+    std::uint8_t reserved20[16];
+};
+ZEB_WIRE_RECORD(_MR_LD_PROGRESS, 36);
+ZEB_WIRE_FIELD(_MR_LD_PROGRESS, cc, 4);
+ZEB_WIRE_FIELD(_MR_LD_PROGRESS, recon, 16);
+
+inline constexpr std::uint32_t kLdProgCheck = 1U << 0;
+inline constexpr std::uint32_t kLdProgBgi = 1U << 1;
+inline constexpr std::uint32_t kLdProgInit = 1U << 2;
+inline constexpr std::uint32_t kLdProgRecon = 1U << 3;
+
+struct _MR_LD_INFO {
+    _MR_LD_CONFIG config;
+    std::uint64_t size; ///< blocks
+    _MR_LD_PROGRESS progress;
+    std::uint8_t reserved300[3];
+    std::uint8_t snapshotUse; ///< bit 0: the LD is a snapshot repository
+    std::uint8_t reserved304[80];
+};
+ZEB_WIRE_RECORD(_MR_LD_INFO, 384);
+ZEB_WIRE_FIELD(_MR_LD_INFO, size, 256);
+ZEB_WIRE_FIELD(_MR_LD_INFO, progress, 264);
+ZEB_WIRE_FIELD(_MR_LD_INFO, snapshotUse, 303);
+
+inline constexpr std::uint8_t kLdIsRepository = 1U << 0;
+
+struct _MR_LD_LIST_ENTRY {
+    std::uint8_t targetId;
+    std::uint8_t reserved1;
+    std::uint16_t seqNo;
+    std::uint8_t state;
+    std::uint8_t reserved5[3];
+    std::uint64_t size; ///< blocks
+};
+ZEB_WIRE_RECORD(_MR_LD_LIST_ENTRY, 16);
+
+struct _MR_LD_LIST {
+    std::uint32_t count;
+    std::uint32_t reserved;
+    _MR_LD_LIST_ENTRY ld[64];
+};
+ZEB_WIRE_RECORD(_MR_LD_LIST, 1032);
+ZEB_WIRE_FIELD(_MR_LD_LIST, ld, 8);
+
+struct _SL_PD_IN_LD_T {
+    std::uint16_t count;
+    std::uint16_t reserved;
+    std::uint16_t deviceId[256]; ///< kNoDevice = unused
+};
+ZEB_WIRE_RECORD(_SL_PD_IN_LD_T, 516);
+
+struct _MR_LD_ALLOWED_OPS {
+    std::uint32_t ops;
+};
+ZEB_WIRE_RECORD(_MR_LD_ALLOWED_OPS, 4);
+
+#pragma pack(pop)

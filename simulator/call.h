@@ -1,0 +1,92 @@
+// One request on its way through the simulator.
+#pragma once
+
+#include "simulator/model.h"
+#include "storelib/records/request.h"
+
+#include <cstring>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace zebsim {
+
+/// Status codes that the simulator answers.
+enum Status : std::uint32_t {
+    kSuccess = 0x00,
+    kInvalidOpcode = 0x02,
+    kInvalidParameter = 0x03,
+    kInvalidSequence = 0x04,
+    kInvalidArray = 0x09,
+    kDeviceNotFound = 0x0C,
+    kDriveTooSmall = 0x0D,
+    kInitInProgress = 0x18,
+    kTooManyLds = 0x1A,
+    kLdNotOptimal = 0x1B,
+    kRebuildInProgress = 0x1C,
+    kReconstructionInProgress = 0x1D,
+    kWrongLevel = 0x1E,
+    kTooManySpares = 0x1F,
+    kHardwareMissing = 0x22,
+    kItemNotFound = 0x23,
+    kMixedInterface = 0x26,
+    kPatrolReadDisabled = 0x27,
+    kScsiStatus = 0x2D,
+    kWrongState = 0x32,
+    kForeignIncomplete = 0x3B,
+    kAlreadyRunning = 0x55,
+    kNoPatrolReadDrive = 0x58,
+    kNotInitialized = 0x8001,
+    kInitFailed = 0x8002,
+    kBadController = 0x800A,
+    kNullData = 0x800B,
+    kShortData = 0x800C,
+    kInvalidType = 0x800D,
+    kInvalidCommand = 0x800E,
+    kOsFailure = 0x8017,
+    kPartitionFailure = 0x8023,
+};
+
+using Bytes = std::vector<std::uint8_t>;
+
+struct Call {
+    Model& model;
+    Controller& ctrl;
+    const _SL_LIB_CMD_PARAM_T& request;
+    std::span<const std::uint8_t> input; ///< what came in: written data, a DCMD's payload, a SCSI header
+    Bytes answer; ///< what goes back; cut to the caller's room
+    bool changed = false; ///< the model is no longer what it was
+};
+using Handler = std::uint32_t (*)(Call&);
+
+/// Adds a record to the answer.
+template <class Record>
+void reply(Call& call, const Record& record) {
+    const auto* bytes = reinterpret_cast<const std::uint8_t*>(&record);
+    call.answer.insert(call.answer.end(), bytes, bytes + sizeof record);
+}
+
+/// The incoming bytes as a record; zeros where they end early.
+template <class Record>
+Record received(const Call& call) {
+    Record record{};
+    std::memcpy(&record, call.input.data(), std::min(sizeof record, call.input.size()));
+    return record;
+}
+
+/// Puts text into a field, cut to its width and filled up; a text of the field's full width has no NUL behind it.
+template <std::size_t N>
+void putText(char (&field)[N], const std::string& text, char filler = '\0') {
+    std::memset(field, filler, N);
+    std::memcpy(field, text.data(), std::min(N, text.size()));
+}
+
+/// The drive, LD or enclosure that the request names, or null.
+inline Drive* namedDrive(Call& call) {
+    return findDrive(call.ctrl, call.request.ref.pdRef.deviceId);
+}
+inline LogicalDrive* namedLd(Call& call) {
+    return findLd(call.ctrl, call.request.ref.ldRef.targetId);
+}
+
+} // namespace zebsim

@@ -1,0 +1,150 @@
+// The library's one entry point.
+#include "simulator/call.h"
+#include "simulator/dispatch.h"
+#include "simulator/scenario_io.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <fcntl.h>
+#include <mutex>
+#include <unistd.h>
+
+namespace zebsim {
+
+namespace {
+
+std::unique_ptr<Session>& session() {
+    static std::unique_ptr<Session> theSession;
+    return theSession;
+}
+
+constexpr std::uint32_t kOutOfMemory = 0x8015;
+
+bool isLibraryCommand(const _SL_LIB_CMD_PARAM_T& request, std::uint8_t cmd) {
+    return request.cmdType == 0 && request.cmd == cmd;
+}
+
+std::uint32_t initialise(const _SL_LIB_CMD_PARAM_T& request) {
+    session().reset();
+    std::unique_ptr<Session> fresh = Session::start();
+    if (!fresh)
+        return kInitFailed;
+    const Fault* fault = fresh->faults().strike(request, std::nullopt);
+    if (fault != nullptr && fault->action == Fault::Action::kStatus)
+        return static_cast<std::uint32_t>(fault->value);
+    const std::uint32_t status = answerControllerList(*fresh, request, fault);
+    if (status == kSuccess)
+        session() = std::move(fresh);
+    return status;
+}
+
+std::uint32_t exitLibrary() {
+    const bool saved = session()->finish();
+    session().reset();
+    return saved ? kSuccess : kOsFailure;
+}
+
+std::uint32_t answer(const _SL_LIB_CMD_PARAM_T& request) {
+    constexpr std::uint8_t kInitialise = 0x00;
+    constexpr std::uint8_t kExit = 0x09;
+    if (isLibraryCommand(request, kInitialise))
+        return initialise(request);
+    if (!session())
+        return kNotInitialized;
+    session()->passTime();
+    const Fault* fault = session()->faults().strike(request, opcodeOf(request));
+    if (fault != nullptr && fault->action == Fault::Action::kStatus)
+        return static_cast<std::uint32_t>(fault->value);
+    if (isLibraryCommand(request, kExit))
+        return exitLibrary();
+    return dispatch(*session(), request, fault);
+}
+
+/// The trace line up to the status; taken before the answer overwrites what went out.
+std::string traceHead(const _SL_LIB_CMD_PARAM_T& request) {
+    constexpr std::size_t kHeaderSize = offsetof(_SL_LIB_CMD_PARAM_T, data);
+    char code[8];
+    std::snprintf(code, sizeof code, "%02X/%02X", unsigned{request.cmdType}, unsigned{request.cmd});
+    return std::string(code) + " header=" + hexOfBytes(reinterpret_cast<const std::uint8_t*>(&request), kHeaderSize) +
+           " data=" + (request.data == nullptr ? "null" : std::to_string(request.dataSize)) +
+           " out=" + outgoingBytes(request);
+}
+
+void writeTrace(const char* path, std::string line, std::uint32_t status) {
+    char text[24];
+    std::snprintf(text, sizeof text, " status=0x%08X\n", status);
+    line += text;
+    const int fd = ::open(path, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0644);
+    if (fd < 0)
+        return;
+    ssize_t written = -1;
+    do {
+        written = ::write(fd, line.data(), line.size());
+    } while (written < 0 && errno == EINTR);
+    ::close(fd);
+}
+
+/// Makes a call take the time that ZEBSIM_LATENCY_US says, counted from its construction.
+class Latency {
+  public:
+    Latency() : microseconds_(wanted()) { clock_gettime(CLOCK_MONOTONIC, &end_); }
+    ~Latency() {
+        if (microseconds_ <= 0)
+            return;
+        constexpr long kPerSecond = 1000000;
+        constexpr long kNanosecondsPerSecond = 1000000000;
+        end_.tv_sec += microseconds_ / kPerSecond;
+        end_.tv_nsec += microseconds_ % kPerSecond * 1000;
+        if (end_.tv_nsec >= kNanosecondsPerSecond) {
+            ++end_.tv_sec;
+            end_.tv_nsec -= kNanosecondsPerSecond;
+        }
+        while (clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &end_, nullptr) == EINTR) {
+        }
+    }
+    Latency(const Latency&) = delete;
+    Latency& operator=(const Latency&) = delete;
+
+  private:
+    static long wanted() {
+        const char* text = std::getenv("ZEBSIM_LATENCY_US");
+        return text == nullptr ? 0 : std::strtol(text, nullptr, 10);
+    }
+
+    long microseconds_;
+    timespec end_{};
+};
+
+std::uint32_t process(const _SL_LIB_CMD_PARAM_T& request) {
+    const Latency latency;
+    const char* tracePath = std::getenv("ZEBSIM_TRACE");
+    std::string head;
+    if (tracePath != nullptr && *tracePath != '\0')
+        head = traceHead(request);
+    std::uint32_t status = kOsFailure;
+    try {
+        status = answer(request);
+    } catch (const std::bad_alloc&) {
+        status = kOutOfMemory;
+    }
+    if (!head.empty())
+        writeTrace(tracePath, std::move(head), status);
+    return status;
+}
+
+} // namespace
+
+} // namespace zebsim
+
+/// Carries out one request and returns its status. No exception leaves it.
+extern "C" __attribute__((visibility("default"))) std::uint32_t ProcessLibCommand(_SL_LIB_CMD_PARAM_T* request) {
+    static std::mutex mutex;
+    try {
+        const std::lock_guard guard(mutex);
+        return request == nullptr ? std::uint32_t{zebsim::kNullData} : zebsim::process(*request);
+    } catch (...) {
+        return zebsim::kOsFailure;
+    }
+}

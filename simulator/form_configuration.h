@@ -1,0 +1,100 @@
+// The scenario form of arrays, LDs, spares and foreign configurations.
+#pragma once
+
+#include "simulator/form_drive.h"
+
+#include <algorithm>
+
+namespace zebsim {
+
+inline constexpr std::uint8_t kUndecidedLdState = 0xFF;
+
+inline constexpr Words kLdStates = {{"offline", kLdOffline},
+                                    {"partiallyDegraded", kLdPartiallyDegraded},
+                                    {"degraded", kLdDegraded},
+                                    {"optimal", kLdOptimal}};
+
+template <class Io>
+void describeArray(Io& io, Array& array, const Controller& ctrl, std::size_t index) {
+    io.number("ref", array.ref, static_cast<std::uint16_t>(index), 0, 127);
+    io.drives("drives", array.drives, ctrl);
+    describeBlocks(io, array.blocks, smallestDrive(ctrl, array));
+}
+
+/// A span. Without "blocks" it reaches to the end of its array.
+template <class Io>
+void describeSpan(Io& io, Span& span, const std::vector<Array>& arrays) {
+    io.number("array", span.array, 0, 0, 127);
+    io.number("startBlock", span.startBlock, 0);
+    const auto array = std::find_if(arrays.begin(), arrays.end(), [&](const Array& a) { return a.ref == span.array; });
+    const bool inside = array != arrays.end() && array->blocks > span.startBlock;
+    describeBlocks(io, span.blocks, inside ? array->blocks - span.startBlock : 0);
+}
+
+template <class Io>
+void describePolicies(Io& io, LogicalDrive& ld, const Controller& ctrl) {
+    constexpr std::uint8_t kWriteBack = 0x01;
+    io.number("cachePolicy", ld.cachePolicy, ctrl.cacheBackup ? kWriteBack : std::uint8_t{0});
+    io.number("currentCachePolicy", ld.currentCachePolicy, effectiveCachePolicy(ctrl, ld.cachePolicy));
+    io.word("accessPolicy", ld.accessPolicy, 0, {{"rw", 0}, {"ro", 2}, {"blocked", 3}});
+    io.word("diskCachePolicy", ld.diskCachePolicy, 2, {{"unchanged", 0}, {"enabled", 1}, {"disabled", 2}});
+}
+
+template <class Io>
+void describeLd(Io& io, LogicalDrive& ld, const Controller& ctrl, const std::vector<Array>& arrays, std::size_t index) {
+    io.number("id", ld.id, static_cast<std::uint8_t>(index), 0, 63);
+    io.text("name", ld.name, "", 16);
+    io.number("level", ld.level, 0, 0, 10);
+    io.objects("spans", ld.spans, kMaxSpans,
+               [&](auto& element, Span& span, std::size_t) { describeSpan(element, span, arrays); });
+    io.number("stripe", ld.stripe, 7);
+    io.number("seq", ld.seq, static_cast<std::uint16_t>(ld.id + 32));
+    io.word("state", ld.state, kUndecidedLdState, kLdStates);
+    describePolicies(io, ld, ctrl);
+    io.word("initState", ld.initState, 0, {{"none", 0}, {"quick", 1}, {"full", 2}});
+    io.number("snapshotFlags", ld.snapshotFlags, 0);
+    io.flag("noBackgroundInit", ld.noBackgroundInit, false);
+    io.flag("consistent", ld.consistent, true);
+    io.flag("snapshotSource", ld.snapshotSource, false);
+    io.flag("repository", ld.repository, false);
+    io.flag("cacheCade", ld.cacheCade, false);
+    io.flag("osInstalled", ld.osInstalled, false);
+    io.texts("osDevices", ld.osDevices, 4, 28);
+    io.task("check", ld.check);
+    io.task("backgroundInit", ld.backgroundInit);
+    io.task("init", ld.init);
+    io.task("reconstruction", ld.reconstruction);
+}
+
+template <class Io>
+void describeSpare(Io& io, Spare& spare, const Controller& ctrl) {
+    io.drive("drive", spare.deviceId, ctrl);
+    io.numbers("arrays", spare.arrays, {}, 16);
+    io.flag("revertible", spare.revertible, true);
+    io.flag("enclosureAffinity", spare.enclosureAffinity, false);
+}
+
+template <class Io>
+void describeForeign(Io& io, ForeignConfig& foreign, const Controller& ctrl) {
+    io.text("guid", foreign.guid, "ZEBSIM FOREIGN CONFIG", 24);
+    io.objects("arrays", foreign.arrays, 128,
+               [&](auto& element, Array& array, std::size_t i) { describeArray(element, array, ctrl, i); });
+    io.objects("lds", foreign.lds, 64, [&](auto& element, LogicalDrive& ld, std::size_t i) {
+        describeLd(element, ld, ctrl, foreign.arrays, i);
+    });
+}
+
+/// Arrays, LDs, spares and foreign configurations; the controller's drives and cache backup unit are known already.
+template <class Io>
+void describeConfiguration(Io& io, Controller& ctrl) {
+    io.objects("arrays", ctrl.arrays, 128,
+               [&](auto& element, Array& array, std::size_t i) { describeArray(element, array, ctrl, i); });
+    io.objects("lds", ctrl.lds, 64,
+               [&](auto& element, LogicalDrive& ld, std::size_t i) { describeLd(element, ld, ctrl, ctrl.arrays, i); });
+    io.objects("spares", ctrl.spares, 256,
+               [&](auto& element, Spare& spare, std::size_t) { describeSpare(element, spare, ctrl); });
+    io.objects("foreign", ctrl.foreign, 8,
+               [&](auto& element, ForeignConfig& foreign, std::size_t) { describeForeign(element, foreign, ctrl); });
+}
+
+} // namespace zebsim

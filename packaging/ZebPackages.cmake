@@ -1,0 +1,40 @@
+# The Debian packages: "cpack" in the build folder makes both.
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME zebcli)
+set(CPACK_PACKAGE_VENDOR "QUORVEL, Ltd.")
+set(CPACK_PACKAGE_CONTACT "Quorvel storage tools <storage-tools@quorvel.example>")
+set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS ${CMAKE_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS})
+set(CPACK_PROJECT_CONFIG_FILE ${CMAKE_CURRENT_SOURCE_DIR}/ZebPackageTime.cmake)
+set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_SOURCE_DIR}/ZebPackageFolders.cmake)
+
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_COMPONENTS_ALL tool simulator)
+set(CPACK_COMPONENTS_GROUPING IGNORE)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
+set(CPACK_DEBIAN_PACKAGE_SECTION admin)
+set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
+
+set(CPACK_DEBIAN_TOOL_PACKAGE_NAME zebcli)
+set(CPACK_DEBIAN_TOOL_PACKAGE_SUGGESTS zebcli-simulator)
+set(CPACK_DEBIAN_TOOL_PACKAGE_CONTROL_EXTRA
+  ${CMAKE_CURRENT_SOURCE_DIR}/debian/conffiles ${CMAKE_CURRENT_SOURCE_DIR}/debian/postrm)
+set(CPACK_COMPONENT_TOOL_DESCRIPTION "command-line tool for hardware RAID controllers
+zebcli reports the state of RAID controllers, logical and physical drives,
+enclosures and cache backup units, and changes it. It needs the controller
+maker's StoreLib library, libstorelib.so, which is not part of this package.")
+
+set(CPACK_DEBIAN_SIMULATOR_PACKAGE_NAME zebcli-simulator)
+set(CPACK_DEBIAN_SIMULATOR_PACKAGE_DEPENDS "zebcli (>= ${PROJECT_VERSION})")
+set(CPACK_COMPONENT_SIMULATOR_DESCRIPTION "simulated RAID controllers for zebcli
+A libstorelib.so with no hardware behind it, scenarios for it, and the command
+zebcli-sim, which runs zebcli with it. For trying the tool and for testing
+scripts that use it.")
+
+include(CPack)

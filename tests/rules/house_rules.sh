@@ -1,0 +1,58 @@
+#!/usr/bin/env bash
+# What must never appear in the sources, and what to write instead. Prints each finding with its place; ends with 1 on any.
+set -u
+cd "$(dirname "$0")/../.." || exit 2
+
+tool=(main commands log console storelib)
+found=0
+
+# rule MESSAGE PATTERN [allowed file ...]: the pattern may stand in no source of the tool but the allowed ones.
+rule() {
+  local message=$1 pattern=$2 hits
+  shift 2
+  hits=$(grep -rnEH --include='*.cpp' --include='*.h' -- "$pattern" "${tool[@]}" | grep -vE '^[^:]+:[0-9]+: *//')
+  for allowed in "$@"; do
+    hits=$(printf '%s\n' "$hits" | grep -v "^$allowed:")
+  done
+  [ -z "$hits" ] && return
+  found=1
+  printf '%s:\n%s\n\n' "$message" "$hits"
+}
+
+com=main/zebcli_cmd_com
+rule 'Unbounded or unchecked C routine; write the bounded one (snprintf, sprintf_s, strcpy_s, from_chars)' \
+  '(^|[^[:alnum:]_])(sprintf|vsprintf|strcpy|strncpy|strcat|strncat|gets|atoi|atol|strtok|scanf|sscanf|alloca)\('
+rule 'Printing past the message and report routines; use CliLogging or Report' \
+  '(^|[^[:alnum:]_])(printf|puts|fputs|putchar|fwrite|vprintf|fprintf)\(|std::c(out|err)' \
+  log/zebcli_log.cpp $com/report.cpp $com/prompts.cpp commands/zebcli_cmd_ld/progress.cpp commands/zebcli_cmd_pd/hot_spare.cpp
+rule 'Another call of the library'"'"'s entry point; send through request_path' \
+  '(pfnProcessLibCommand(MR|IR|IR2)|ProcessLibCommandCall) *\(' \
+  storelib/dll_mod.cpp storelib/dll_mod.h storelib/common/StoreLib/request_path.cpp \
+  storelib/common/StoreLib/controller.cpp storelib/common/StoreLib/passthrough.cpp
+rule 'Terminal mode outside its owners; ask through prompts' '(^|[^[:alnum:]_])tc[gs]etattr\(' \
+  main/zebcli_main.cpp $com/prompts.cpp console/xltcli_kbhit.cpp
+rule 'Reading standard input outside the prompts; use readAnswer' '(^|[^[:alnum:]_])stdin([^[:alnum:]_]|$)' $com/prompts.cpp
+rule 'File locks belong to the command log' '(^|[^[:alnum:]_])flock\(' log/raidctl.cpp
+rule 'An offset into a record outside its declaration' 'offsetof' storelib/records/wire_record.h
+rule 'Memory from new; use a standard container or a block with a deleter' '(^|[^[:alnum:]_])new [A-Za-z_]'
+rule 'An exception; return a code' '(^|[^[:alnum:]_])(throw|catch|try)([^[:alnum:]_]|$)'
+
+layers() {
+  local message=$1 folder=$2 pattern=$3 hits
+  hits=$(grep -rnE --include='*.cpp' --include='*.h' -- "^#include \"($pattern)" "$folder")
+  [ -z "$hits" ] && return
+  found=1
+  printf '%s:\n%s\n\n' "$message" "$hits"
+}
+layers 'log/ knows nothing of the other parts' log 'main|commands|storelib|console|simulator'
+layers 'storelib/ knows only log/' storelib 'main|commands|console|simulator'
+layers 'The shared helpers know no command' main/zebcli_cmd_com 'commands|simulator'
+layers 'The simulator knows the records and nothing else of the tool' simulator 'main|commands|console|log/|storelib/[^r]'
+
+unfinished=$(grep -rnE --include='*.cpp' --include='*.h' --include='*.sh' '\b(TODO|FIXME|XXX)\b' "${tool[@]}" simulator tests \
+  | grep -v house_rules.sh)
+if [ -n "$unfinished" ]; then
+  found=1
+  printf 'Left undone:\n%s\n' "$unfinished"
+fi
+exit $found

@@ -1,0 +1,74 @@
+// Fails every allocation and every system call of a kind, one after the other: no run may end by a signal or hang.
+#include "tests/support/log_file.h"
+#include "tests/support/sandbox.h"
+
+#include <filesystem>
+
+#include <gtest/gtest.h>
+
+namespace zebtest {
+namespace {
+
+struct SweptRun {
+    const char* name;
+    std::vector<std::string> args;
+    const char* input = "";
+};
+
+const SweptRun kRuns[] = {
+    {"ctrlinfo", {"-ctrlinfo", "-aAll"}},
+    {"ldpdinfo", {"-ldpdinfo", "-aAll"}},
+    {"pdinfo", {"-pdinfo", "-a1"}},
+    {"enclinfo", {"-enclinfo", "-a0"}},
+    {"ctrlautorbld", {"-ctrlautorbld", "-dsbl", "-aAll"}, "y\ny\n"},
+    {"dhs", {"-pdhsp", "-dhs", "-pd[252:14]", "-a0"}, "0\n"},
+    {"ldcc", {"-ldcc", "-start", "-L0", "-a0"}},
+    {"log", {"-log"}},
+    {"tstevt", {"-tstevt", "-err"}},
+    {"refused", {"-nonsense"}},
+};
+
+constexpr const char* kCalls[] = {"malloc", "open", "pwrite", "pread", "flock", "fstat", "fchmod", "terminal", "fork"};
+
+class CallSweep : public SandboxTest, public testing::WithParamInterface<SweptRun> {};
+
+/// A preloaded allocator does not go together with the sanitizers' own, so the release build is what is swept.
+TEST_P(CallSweep, NoFailureEndsTheRunBySignal) {
+#ifndef ZEB_RELEASE_DIR
+    GTEST_SKIP() << "no release build was named (ZEB_RELEASE_BUILD)";
+#else
+    const SweptRun& run = GetParam();
+    const std::filesystem::path mark = box.root() / "failed";
+    writeFile(box.zeb() / "zeb_config.csv", "1,2,60009,0,11,6,7,8,9,text\n");
+    int swept = 0;
+    for (const char* call : kCalls) {
+        for (int at = 1; at < 2000; ++at) {
+            SCOPED_TRACE(std::string(call) + " " + std::to_string(at));
+            RunOptions options;
+            options.program = ZEB_RELEASE_DIR "/zebcli";
+            options.libraryDir = ZEB_RELEASE_DIR "/simulator";
+            options.args = run.args;
+            options.input = Input::kPipe;
+            options.inputText = run.input;
+            options.env = {{"LD_PRELOAD", ZEB_FAILING_CALLS},
+                           {"ZEB_FAIL_CALL", call},
+                           {"ZEB_FAIL_AT", std::to_string(at)},
+                           {"ZEB_FAIL_MARK", mark.string()}};
+            const RunResult result = box.run(options);
+            ASSERT_EQ(result.signal, 0) << result;
+            ASSERT_TRUE(result.exitStatus == 0 || result.exitStatus == 255) << result;
+            if (!std::filesystem::remove(mark))
+                break;
+            ++swept;
+        }
+        EXPECT_TRUE(LogFile(box.log()).everyLineExact()) << call;
+    }
+    EXPECT_GT(swept, 20);
+#endif
+}
+
+INSTANTIATE_TEST_SUITE_P(Commands, CallSweep, testing::ValuesIn(kRuns),
+                         [](const auto& test) { return std::string(test.param.name); });
+
+} // namespace
+} // namespace zebtest

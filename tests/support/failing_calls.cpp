@@ -1,0 +1,124 @@
+// Preloaded into a program: makes the n-th call of one kind fail. ZEB_FAIL_CALL names the kind, ZEB_FAIL_AT the call,
+// and ZEB_FAIL_MARK a file that is made when it came to that.
+#include <cerrno>
+#include <cstdarg>
+#include <cstddef>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <termios.h>
+#include <unistd.h>
+
+#define EXPORT extern "C" __attribute__((visibility("default")))
+
+extern "C" {
+void* __libc_malloc(std::size_t size);
+void* __libc_calloc(std::size_t count, std::size_t size);
+void* __libc_realloc(void* block, std::size_t size);
+}
+
+namespace {
+
+const char* failing = "";
+const char* mark = nullptr;
+long callsLeft = 0;
+
+__attribute__((constructor)) void readSettings() {
+    const char* call = std::getenv("ZEB_FAIL_CALL");
+    const char* at = std::getenv("ZEB_FAIL_AT");
+    mark = std::getenv("ZEB_FAIL_MARK");
+    if (call != nullptr && at != nullptr && mark != nullptr) {
+        failing = call;
+        callsLeft = std::strtol(at, nullptr, 10);
+    }
+}
+
+/// Whether this call is the one that fails; errno is set then.
+bool fails(const char* kind, int error) {
+    if (callsLeft <= 0 || std::strcmp(kind, failing) != 0 || --callsLeft != 0)
+        return false;
+    const long fd = syscall(SYS_openat, AT_FDCWD, mark, O_WRONLY | O_CREAT, 0600);
+    syscall(SYS_close, fd);
+    errno = error;
+    return true;
+}
+
+/// The same for an allocation, unless the simulated controllers ask for it: the JSON library in them cannot do without.
+bool allocationFails(const void* caller) {
+    Dl_info info{};
+    const bool simulator = callsLeft > 0 && dladdr(caller, &info) != 0 && info.dli_fname != nullptr &&
+                           std::strstr(info.dli_fname, "libstorelib.so") != nullptr;
+    return !simulator && fails("malloc", ENOMEM);
+}
+
+template <class Function>
+Function* next(const char* name) {
+    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+}
+
+} // namespace
+
+EXPORT void* malloc(std::size_t size) {
+    return allocationFails(__builtin_return_address(0)) ? nullptr : __libc_malloc(size);
+}
+
+EXPORT void* calloc(std::size_t count, std::size_t size) {
+    return allocationFails(__builtin_return_address(0)) ? nullptr : __libc_calloc(count, size);
+}
+
+EXPORT void* realloc(void* block, std::size_t size) {
+    return allocationFails(__builtin_return_address(0)) ? nullptr : __libc_realloc(block, size);
+}
+
+EXPORT int open(const char* path, int flags, ...) {
+    va_list args;
+    va_start(args, flags);
+    const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(args, mode_t) : 0;
+    va_end(args);
+    return fails("open", EMFILE) ? -1 : next<int(const char*, int, ...)>("open")(path, flags, mode);
+}
+
+EXPORT FILE* fopen(const char* path, const char* mode) {
+    return fails("open", EMFILE) ? nullptr : next<FILE*(const char*, const char*)>("fopen")(path, mode);
+}
+
+EXPORT ssize_t pwrite(int fd, const void* data, std::size_t size, off_t offset) {
+    using Pwrite = ssize_t(int, const void*, std::size_t, off_t);
+    return fails("pwrite", ENOSPC) ? -1 : next<Pwrite>("pwrite")(fd, data, size, offset);
+}
+
+EXPORT ssize_t pread(int fd, void* data, std::size_t size, off_t offset) {
+    return fails("pread", EIO) ? -1 : next<ssize_t(int, void*, std::size_t, off_t)>("pread")(fd, data, size, offset);
+}
+
+EXPORT int flock(int fd, int operation) {
+    return fails("flock", ENOLCK) ? -1 : next<int(int, int)>("flock")(fd, operation);
+}
+
+EXPORT int fstat(int fd, struct stat* info) {
+    return fails("fstat", EIO) ? -1 : next<int(int, struct stat*)>("fstat")(fd, info);
+}
+
+EXPORT int fchmod(int fd, mode_t mode) {
+    return fails("fchmod", EPERM) ? -1 : next<int(int, mode_t)>("fchmod")(fd, mode);
+}
+
+EXPORT int tcgetattr(int fd, termios* mode) {
+    return fails("terminal", EIO) ? -1 : next<int(int, termios*)>("tcgetattr")(fd, mode);
+}
+
+EXPORT int tcsetattr(int fd, int when, const termios* mode) {
+    return fails("terminal", EIO) ? -1 : next<int(int, int, const termios*)>("tcsetattr")(fd, when, mode);
+}
+
+EXPORT FILE* popen(const char* command, const char* mode) {
+    return fails("fork", EAGAIN) ? nullptr : next<FILE*(const char*, const char*)>("popen")(command, mode);
+}
+
+EXPORT int system(const char* command) {
+    return fails("fork", EAGAIN) ? -1 : next<int(const char*)>("system")(command);
+}

@@ -75,7 +75,7 @@ void makeCommandWord(const char* argument, CommandWord& word) {
     const char* dash = std::strchr(argument, '-');
     const char* from = dash != nullptr && dash[1] != '\0' ? dash + 1 : argument;
     std::size_t length = 0;
-    for (; from[length] != '\0' && length < kWordSize; ++length)
+    for (; length < kWordSize && from[length] != '\0'; ++length)
         word[length] = static_cast<char>(std::tolower(static_cast<unsigned char>(from[length])));
     word[length] = '\0';
 }

@@ -54,13 +54,15 @@ constexpr auto kPolicyWords = std::to_array<PolicyWord>({
     {{"unchanged", 0x2000, kDiskCacheGroup}, kDiskCacheUnchanged},
 });
 
-constexpr auto kWords = [] {
+/// The option words: the name, then the policies.
+constexpr std::array<OptionWord, kPolicyWords.size() + 1> makeWords() {
     std::array<OptionWord, kPolicyWords.size() + 1> words{};
     words[0] = {"name", kName, kName, true};
     for (std::size_t i = 0; i < kPolicyWords.size(); ++i)
         words[i + 1] = kPolicyWords[i].option;
     return words;
-}();
+}
+constexpr auto kWords = makeWords();
 constexpr OptionTable kOptions = ldOptions(kWords);
 
 /// The value of the group's option when one was given, else what is kept of the current value.

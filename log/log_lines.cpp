@@ -45,34 +45,32 @@ void addTimeAndPid(LineText& out) {
     timeval now{};
     gettimeofday(&now, nullptr);
     const std::time_t seconds = std::time(nullptr);
+    static const pid_t pid = getpid();
     tm local{};
-    if (const tm* converted = std::localtime(&seconds); converted != nullptr)
-        local = *converted;
+    localtime_r(&seconds, &local); // unlike localtime, looks at the time zone file once per run
     char prefix[96];
     std::snprintf(prefix, sizeof prefix, "[%04d/%02d/%02d %02d:%02d:%02d.%03d] pid=%05d", local.tm_year + 1900,
                   local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec,
-                  static_cast<int>(now.tv_usec / 1000), static_cast<int>(getpid()));
+                  static_cast<int>(now.tv_usec / 1000), static_cast<int>(pid));
     out.add(prefix);
 }
 
 LogLine dumpRow(std::span<const unsigned char> row, std::size_t offset) {
-    char text[kLogLineSize];
-    int used = std::snprintf(text, sizeof text, "%08X: ", static_cast<unsigned>(offset));
-    const auto add = [&](const char* format, unsigned value) {
-        used += std::snprintf(text + used, sizeof text - static_cast<std::size_t>(used), format, value);
-    };
-    for (std::size_t i = 0; i < kRowBytes; ++i) {
-        if (i < row.size())
-            add("%02X ", row[i]);
-        else
-            add("   ", 0);
-        if (i + 1 == kRowBytes / 2)
-            add(" ", 0);
+    static constexpr char kDigits[] = "0123456789ABCDEF";
+    char head[kHexOffset + 1];
+    std::snprintf(head, sizeof head, "%08X: ", static_cast<unsigned>(offset));
+    LogLine line = paddedLine(head);
+    char* hex = line.data() + kHexOffset;
+    char* shown = hex + kHexWidth + 2; // a blank amid the bytes, one behind them
+    for (std::size_t i = 0; i < row.size(); ++i) {
+        if (i == kRowBytes / 2)
+            ++hex;
+        *hex++ = kDigits[row[i] >> 4U];
+        *hex++ = kDigits[row[i] & 0x0FU];
+        ++hex;
+        *shown++ = std::isalnum(row[i]) != 0 ? static_cast<char>(row[i]) : '.';
     }
-    add(" ", 0);
-    for (const unsigned char byte : row)
-        add("%c", std::isalnum(byte) != 0 ? byte : static_cast<unsigned>('.'));
-    return paddedLine({text, static_cast<std::size_t>(used)});
+    return line;
 }
 
 bool sameHex(const LogLine& a, const LogLine& b) {

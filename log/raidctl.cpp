@@ -60,19 +60,15 @@ class LogLock {
     bool held_;
 };
 
-bool writeLine(const LogLine& line, off_t position) {
-    std::array<char, kLogLineSize> bytes{};
-    std::copy(line.begin(), line.end(), bytes.begin());
-    bytes.back() = '\n';
-    std::size_t done = 0;
-    while (done < bytes.size()) {
-        const ssize_t written =
-            pwrite(logState.fd, bytes.data() + done, bytes.size() - done, position + static_cast<off_t>(done));
+bool writeBytes(std::string_view bytes, off_t position) {
+    while (!bytes.empty()) {
+        const ssize_t written = pwrite(logState.fd, bytes.data(), bytes.size(), position);
         if (written < 0 && errno == EINTR)
             continue;
         if (written <= 0)
             return systemCallFailed("pwrite") != 0;
-        done += static_cast<std::size_t>(written);
+        bytes.remove_prefix(static_cast<std::size_t>(written));
+        position += static_cast<off_t>(written);
     }
     return true;
 }
@@ -110,8 +106,10 @@ class MarkerScan {
     bool found_ = false;
 };
 
+/// Room for what is read of the file, then for what is written to it.
+std::array<char, kScanBlock> block;
+
 bool findMarker() {
-    static std::array<char, kScanBlock> block;
     MarkerScan scan(logState.lineBudget());
     std::size_t kept = 0;
     for (bool atEnd = false; !atEnd && !scan.over();) {
@@ -152,22 +150,63 @@ bool positionLog() {
     return true;
 }
 
-/// Writes one line and moves the marker behind it. The new marker is written before the line replaces the old one, so
-/// that a run that is killed in between leaves a file with a marker in it.
-bool putLine(const LogLine& line) {
-    if (!positionLog())
-        return false;
-    LogState next = logState;
-    ++next.counter;
-    next.position += static_cast<off_t>(kLogLineSize);
-    if (next.counter > next.lineBudget())
-        next.toTop();
-    const bool roomForOne = next.position == logState.position;
-    if (!writeLine(markerLine(), next.position) || (!roomForOne && !writeLine(line, logState.position)))
-        return false;
-    logState = next;
-    return true;
-}
+/// The lines of one record on their way to the file, written together as far as they follow each other in the ring.
+class RecordWriter {
+  public:
+    bool add(const LogLine& line) {
+        if (count_ == room() && !flush())
+            return false;
+        put(line, count_++);
+        return true;
+    }
+
+    /// Writes the lines and moves the marker behind them.
+    bool flush() {
+        LogState next = logState;
+        next.counter += static_cast<unsigned int>(count_);
+        next.position += static_cast<off_t>(count_ * kLogLineSize);
+        if (next.counter > next.lineBudget())
+            next.toTop();
+        if (!writeTo(next.position))
+            return false;
+        logState = next;
+        count_ = 0;
+        return true;
+    }
+
+  private:
+    /// How many lines go together: those up to the end of the ring. In a file whose lines are not whole, where a line
+    /// and the marker may overlap, each goes alone.
+    static std::size_t room() {
+        const auto whole = static_cast<off_t>((logState.counter - 1) * kLogLineSize);
+        if (logState.position != whole || logState.counter > logState.lineBudget())
+            return 1;
+        return std::min<std::size_t>(logState.lineBudget() - logState.counter + 1, kScanBlock / kLogLineSize - 1);
+    }
+
+    /// The first line replaces the old marker last of all, so that a run that is killed in between leaves a file with a
+    /// marker in it. Of lines that fill the ring exactly, the first has no room beside the marker.
+    bool writeTo(off_t markerPosition) {
+        put(markerLine(), count_);
+        const bool markerFollows = markerPosition > logState.position;
+        if (!markerFollows && !writeBytes(lines(count_, 1), markerPosition))
+            return false;
+        const std::string_view rest = lines(1, count_ - 1 + (markerFollows ? 1 : 0));
+        if (!writeBytes(rest, logState.position + static_cast<off_t>(kLogLineSize)))
+            return false;
+        return markerPosition == logState.position || writeBytes(lines(0, 1), logState.position);
+    }
+
+    static void put(const LogLine& line, std::size_t at) {
+        char* to = block.data() + at * kLogLineSize;
+        *std::copy(line.begin(), line.end(), to) = '\n';
+    }
+    static std::string_view lines(std::size_t first, std::size_t count) {
+        return {block.data() + first * kLogLineSize, count * kLogLineSize};
+    }
+
+    std::size_t count_ = 0;
+};
 
 bool logPath(const char* fileName, char (&path)[kPathSize]) {
     struct stat info {};
@@ -213,9 +252,11 @@ int dumpLog(const char* sourceFile, int line, const char* message, const unsigne
     LogLock lock(logState.fd);
     if (!lock.held())
         return systemCallFailed("flock");
-    bool written = putLine(recordLine(sourceFile, line, message));
+    RecordWriter record;
+    bool written = positionLog() && record.add(recordLine(sourceFile, line, message));
     if (written && data != nullptr && dataLen != 0)
-        written = dumpLines({data, dataLen}, putLine);
+        written = dumpLines({data, dataLen}, [&](const LogLine& dumped) { return record.add(dumped); });
+    written = written && record.flush();
     if (!lock.release())
         return systemCallFailed("flock");
     return written ? 1 : 0;

@@ -6,6 +6,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <string_view>
 
 namespace {
 
@@ -21,7 +22,7 @@ namespace {
 
 [[gnu::format(printf, 6, 0)]] int writeTrace(const char* sourceFile, int line, const char* prefix, const void* data,
                                              std::size_t dataLen, const char* format, va_list args) {
-    char text[kTraceSize] = {};
+    char text[kTraceSize];
     formatInto(text, sizeof text, format, args);
     char message[kTraceSize + 32];
     std::snprintf(message, sizeof message, "%s%s", prefix, text);
@@ -33,14 +34,22 @@ namespace {
 
 std::size_t expandFormat(const char* text, char* out, std::size_t size) {
     std::size_t length = 0;
-    for (const char* c = text; *c != '\0' && length + 1 < size; ++c) {
-        out[length++] = *c;
-        if (c[0] == '%' && c[1] == '%')
-            ++c;
+    for (std::string_view rest(text); !rest.empty() && length + 1 < size;) {
+        const std::size_t percent = rest.find("%%");
+        const std::size_t run = percent == rest.npos ? rest.size() : percent + 1;
+        const std::size_t taken = std::min(run, size - 1 - length);
+        std::memcpy(out + length, rest.data(), taken);
+        length += taken;
+        rest.remove_prefix(percent == rest.npos ? run : run + 1);
     }
     if (size > 0)
         out[length] = '\0';
     return length;
+}
+
+void printMessage(const char* message) {
+    char printed[kMessageSize];
+    std::fwrite(printed, 1, expandFormat(message, printed, sizeof printed), stdout);
 }
 
 int CliLogging(unsigned char level, const char* sourceFile, int line, const char* format, ...) {
@@ -52,18 +61,15 @@ int CliLogging(unsigned char level, const char* sourceFile, int line, const char
     message[length] = '\n';
     message[length + 1] = '\0';
 
-    if (level == kPrint || level == kPrintAndLog) {
-        char printed[kMessageSize];
-        const std::size_t printedLength = expandFormat(message, printed, sizeof printed);
-        std::fwrite(printed, 1, printedLength, stdout);
-    }
+    if (level == kPrint || level == kPrintAndLog)
+        printMessage(message);
     if (level == kPrintAndLog || level == kLogOnly)
         return dumpLog(sourceFile, line, message);
     return 1;
 }
 
 void HistoryLog(int argc, char** argv) {
-    char text[kMessageSize] = {};
+    char text[kMessageSize];
     std::size_t length = 0;
     const auto add = [&](const char* part, std::size_t size) {
         const std::size_t taken = std::min(size, sizeof text - 1 - length);
@@ -74,6 +80,7 @@ void HistoryLog(int argc, char** argv) {
         add(argv[i], std::strlen(argv[i]));
         add(" ", 1);
     }
+    text[length] = '\0';
     dumpLog(nullptr, 0, text);
 }
 

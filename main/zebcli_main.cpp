@@ -15,6 +15,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <iterator>
+#include <poll.h>
 #include <unistd.h>
 
 namespace {
@@ -24,6 +26,7 @@ constexpr char kLogName[] = "zebcli.log";
 constexpr unsigned int kLogBudget = 2000000; // bytes
 constexpr std::size_t kWordSize = 256;
 constexpr std::size_t kLongestArgument = 256;
+constexpr std::size_t kOutputSize = 65536;
 constexpr int kFailure = -1;
 constexpr char kAccessError[] =
     "Error - An error has occurred on accessing to RAID controller.\nQuits the application.\n";
@@ -38,18 +41,28 @@ void CliCmdProcessDetach() {
 /// Occupies the standard descriptors that the caller left closed, so that no file that is opened later, the log above
 /// all, gets one of their numbers. What is read from or written to them fails as it would on a closed descriptor.
 void occupyStandardDescriptors() {
-    for (int fd = STDIN_FILENO; fd <= STDERR_FILENO; ++fd)
-        if (fcntl(fd, F_GETFD) < 0 && errno == EBADF)
-            open("/dev/null", fd == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+    pollfd standard[] = {{STDIN_FILENO, 0, 0}, {STDOUT_FILENO, 0, 0}, {STDERR_FILENO, 0, 0}};
+    poll(standard, std::size(standard), 0);
+    for (const pollfd& file : standard)
+        if ((file.revents & POLLNVAL) != 0)
+            open("/dev/null", file.fd == STDIN_FILENO ? O_WRONLY : O_RDONLY);
 }
 
-/// Makes a write to a pipe without a reader fail instead of ending the run. A handler, not an ignored signal: commands
-/// that the shell runs for us start with the default again.
-void survivePipeSignal() {
+/// Makes a write to a pipe without a reader, or past the allowed file size, fail instead of ending the run. A handler,
+/// not an ignored signal: commands that the shell runs for us start with the default again.
+void surviveWriteSignals() {
     struct sigaction action {};
     action.sa_handler = [](int) {};
     action.sa_flags = SA_RESTART;
     sigaction(SIGPIPE, &action, nullptr);
+    sigaction(SIGXFSZ, &action, nullptr);
+}
+
+/// Lets a report go out in one piece, except to a terminal, where it is to be seen as it comes.
+void gatherOutput() {
+    static char gathered[kOutputSize];
+    if (isatty(STDOUT_FILENO) == 0)
+        std::setvbuf(stdout, gathered, _IOFBF, sizeof gathered);
 }
 
 bool argumentsTooLong(int argc, char** argv) {
@@ -61,7 +74,8 @@ bool argumentsTooLong(int argc, char** argv) {
 
 /// Canonical input stays on; only the echo and the signal keys go off for the run.
 void setTerminalMode() {
-    tcgetattr(STDIN_FILENO, &old_term_set);
+    if (tcgetattr(STDIN_FILENO, &old_term_set) != 0)
+        return; // no terminal, no mode to set and to put back
     new_term_set = old_term_set;
     new_term_set.c_lflag &= ~static_cast<tcflag_t>(ECHO);
     new_term_set.c_lflag &= ~static_cast<tcflag_t>(ISIG);
@@ -153,7 +167,8 @@ void checkOutput() {
 
 int main(int argc, char** argv) {
     occupyStandardDescriptors();
-    survivePipeSignal();
+    surviveWriteSignals();
+    gatherOutput();
     initLog(kLogName, kLogBudget);
     HistoryLog(argc, argv);
     if (geteuid() != 0)

@@ -46,7 +46,7 @@ void reportCacheBackup(unsigned char contNo, const CacheBackupData& data) {
     static constexpr const char* kLearnModes[] = {"Automatic", "Disabled", "Warning Only"};
     const CalendarTime next = SecondToDate(data.properties.nextLearnTime);
     const int remaining = data.status.remainingCapacityLow + 256 * data.status.remainingCapacityHigh;
-    Report report(kCtrlSource);
+    Report report;
     report.add("%s: %d\r\n\r\n", "RAID Controller", contNo);
     report.add("%s\r\n", "### General Information ###");
     report.add("%s        : %s\r\n", "Cache Backup Type", wordOf(kTypes, data.status.type));

@@ -168,7 +168,7 @@ bool reportController(unsigned char contNo, const _AFCONT* conts) {
     ControllerData data;
     if (!queryController(contNo, data))
         return false;
-    Report report(kCtrlSource);
+    Report report;
     addGeneral(report, contNo, data);
     addFirmware(report, data.info);
     if (!succeeded(SLGetDrvVer(contNo, &data.driver), "SLGetDrvVer error", contNo))

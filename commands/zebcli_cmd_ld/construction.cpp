@@ -147,7 +147,8 @@ void getRaidConstructInfo(unsigned mode, unsigned drives, _raidConstructInfoT& o
     if (drives == 0)
         return;
     LevelMarks marks{};
-    const unsigned last = mode == 1 ? drives : std::min(drives + 1 > mode ? drives + 1 - mode : 0, kPatternRows);
+    const unsigned beyondMode = drives + 1 > mode ? drives + 1 - mode : 0;
+    const unsigned last = std::min(mode == 1 ? drives : beyondMode, kPatternRows);
     const unsigned first = mode == 1 ? std::max(drives - 1, 1U) : 1;
     for (unsigned n = first; n <= last; ++n)
         markRow(n, marks, conts, contNo);

@@ -187,7 +187,7 @@ void reportController(const ReportContext& context, const LdSelection& selection
     CliLogging(kPrint, kLdSource, __LINE__, "\nRAID Controller: %d\n", context.contNo);
     if (selectedLds(selection, context.contNo).count == 0)
         return;
-    Report report(kLdSource);
+    Report report;
     for (unsigned ldNo = 0; ldNo < kMaxLds; ++ldNo) {
         const auto groups = selection[context.contNo][ldNo] != kNoTarget ? findGroup(context.cont(), ldNo)
                                                                          : std::span<const _SL_ARRAY_INFO_T>{};

@@ -109,7 +109,7 @@ void addPlace(Report& report, const _MR_PD_INFO& pd) {
 
 /// One block per drive. The heading of a controller carries its position in the list, not its number; deliberate.
 void reportController(int position, unsigned char contNo, std::span<const unsigned char> drives, const _AFCONT* conts) {
-    Report report(kPdSource);
+    Report report;
     bool first = true;
     for (const unsigned char slotNo : drives) {
         if (IsExistPD(contNo, slotNo, conts) == 0)

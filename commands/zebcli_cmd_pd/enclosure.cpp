@@ -143,7 +143,7 @@ int CliCmdExecEnclInfo(int argc, char** argv, _AFCONT* /*conts*/, int contCount)
     int position = 0;
     for (const unsigned char contNo : selectedControllers(options.ctrls, contCount)) {
         *status = _SL_ENCL_STATUS_EX_T{};
-        Report report(kPdSource);
+        Report report;
         if (!gather(report, position++, contNo, *status))
             return 1;
         report.emit();

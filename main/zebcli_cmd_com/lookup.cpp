@@ -21,14 +21,14 @@ const _MR_PD_INFO* copybackPartner(unsigned char contNo, unsigned char slotNo, c
 } // namespace
 
 int GetSlotNo(unsigned char contNo, unsigned short deviceId, unsigned char* slotNo, const _AFCONT* conts) {
-    int found = 0;
-    for (const _MR_PD_ADDRESS& address : pdAddresses(conts[contNo])) {
-        if (address.scsiDevType != kScsiDisk || address.deviceId != deviceId)
-            continue;
-        *slotNo = address.slotNo;
-        found = 1;
-    }
-    return found;
+    const auto addresses = pdAddresses(conts[contNo]);
+    const auto last = std::find_if(addresses.rbegin(), addresses.rend(), [&](const _MR_PD_ADDRESS& address) {
+        return address.scsiDevType == kScsiDisk && address.deviceId == deviceId;
+    });
+    if (last == addresses.rend())
+        return 0;
+    *slotNo = last->slotNo;
+    return 1;
 }
 
 int GetDeviceId(unsigned char contNo, const _AFCONT* conts, unsigned char slotNo, unsigned short* deviceId) {

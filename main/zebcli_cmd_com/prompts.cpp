@@ -89,6 +89,14 @@ void printQuestion(unsigned char kind, const unsigned char* text) {
     CliLogging(kPrint, kComSource, __LINE__, "%s", question);
 }
 
+/// Reads past what a line has more than fits, so that its end is not taken for the answer to the question asked again.
+void dropRestOfLine(const char* read) {
+    if (std::string_view(read).size() + 1 < kAnswerSize || std::string_view(read).ends_with('\n'))
+        return;
+    for (int c = std::fgetc(stdin); c != EOF && c != '\n';)
+        c = std::fgetc(stdin);
+}
+
 int askYesNo(unsigned char kind, const unsigned char* text, Answer& answer) {
     while (true) {
         printQuestion(kind, text);
@@ -170,6 +178,8 @@ bool readAnswer(std::span<char, kAnswerSize> answer) {
     changeTerminalMode([](tcflag_t& flags) { flags |= ECHO; });
     answer.front() = '\0';
     const bool read = std::fgets(answer.data(), static_cast<int>(answer.size()), stdin) != nullptr;
+    if (read)
+        dropRestOfLine(answer.data());
     changeTerminalMode([](tcflag_t& flags) { flags &= ~static_cast<tcflag_t>(ECHO | ISIG); });
     if (!read) {
         answer.front() = '\0';

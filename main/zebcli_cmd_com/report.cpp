@@ -1,33 +1,41 @@
 #include "main/zebcli_cmd_com/report.h"
 
 #include <algorithm>
-#include <cstdarg>
 #include <cstdio>
-#include <cstring>
+
+bool Report::append(const char* format, va_list args) {
+    const std::size_t room = kRoom - length_;
+    const int formatted = std::vsnprintf(text_.data() + length_, room + 1, format, args);
+    const auto length = static_cast<std::size_t>(std::max(formatted, 0));
+    if (length > room && length_ > 0)
+        return false;
+    length_ += std::min(length, room);
+    return true;
+}
 
 void Report::add(const char* format, ...) {
-    std::array<char, kMessageSize> line;
     va_list args;
     va_start(args, format);
-    const int formatted = std::vsnprintf(line.data(), line.size(), format, args);
+    const bool fits = append(format, args);
     va_end(args);
-    const std::size_t length = std::min(static_cast<std::size_t>(std::max(formatted, 0)), kRoom);
-    if (length_ + length > kRoom)
-        emit();
-    std::memcpy(text_.data() + length_, line.data(), length);
-    length_ += length;
-    text_[length_] = '\0';
+    if (fits)
+        return;
+    emit();
+    va_start(args, format);
+    append(format, args);
+    va_end(args);
 }
 
 void Report::emit() {
-    if (length_ > 0)
-        CliLogging(kPrint, source_, 0, "%s", text_.data());
+    if (length_ > 0) {
+        text_[length_] = '\n';
+        text_[length_ + 1] = '\0';
+        printMessage(text_.data());
+    }
     length_ = 0;
-    text_[0] = '\0';
 }
 
 void Report::emitPlain() {
     std::fwrite(text_.data(), 1, length_, stdout);
     length_ = 0;
-    text_[0] = '\0';
 }

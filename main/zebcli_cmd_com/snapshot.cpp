@@ -105,11 +105,12 @@ bool refreshArrays(_AFCONT& cont, unsigned char contNo) {
     return true;
 }
 
-/// Replaces the block of one LD. Only a block that cannot be allocated is a failure.
+/// Replaces the block of one LD, cut to what a true size can be. Only a block that cannot be allocated is a failure.
 bool refreshLdFeature(const LdFeature& feature, unsigned char contNo, unsigned char ldNo, void*& block) {
     std::uint32_t size = 0;
     if (feature.getSize(contNo, ldNo, &size) != kSlSuccess)
         traceLd(__LINE__, feature.sizeError, contNo, ldNo);
+    size = std::min(size, kLargestSnapshotSize);
     releaseBlock(block);
     block = std::calloc(1, std::max<std::size_t>(size, 1));
     if (block == nullptr)

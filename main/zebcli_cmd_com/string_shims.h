@@ -25,7 +25,11 @@
 
 /// Copies text into size bytes, cutting what does not fit.
 inline void strcpy_s(char* out, std::size_t size, const char* text) {
-    sprintf_s(out, size, "%s", text);
+    if (size == 0)
+        return;
+    const std::size_t length = strnlen(text, size - 1);
+    std::memcpy(out, text, length);
+    out[length] = '\0';
 }
 
 /// Appends text to what stands in size bytes, cutting what does not fit.

@@ -28,8 +28,8 @@ std::uint32_t readConfig(Caller caller, unsigned char contNo, Command command, s
     attachData(request, config, size);
     const std::uint32_t status = sendRequest(caller, request, contNo);
     if (status == kSlSuccess) {
-        const auto lds = configLds(config, size);
-        std::qsort(lds.data(), lds.size(), sizeof(_MR_LD_CONFIG), LDSortFuncForConfig);
+        if (const auto lds = configLds(config, size); !lds.empty())
+            std::qsort(lds.data(), lds.size(), sizeof(_MR_LD_CONFIG), LDSortFuncForConfig);
     }
     return status;
 }

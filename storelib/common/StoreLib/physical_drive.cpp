@@ -17,9 +17,10 @@ std::span<_MR_PD_ADDRESS> addresses(_MR_PD_LIST& list) {
     return {list.addr, std::min<std::size_t>(list.count, std::size(list.addr))};
 }
 
-/// Reads the PD list and hands each disk to the test until one passes. Returns 12 when none does.
+/// Reads the PD list and hands each disk to the test until one passes. Returns 12 when none does; what was looked for
+/// is traced then.
 template <class Test>
-std::uint32_t findDisk(Caller caller, unsigned char contNo, Test test) {
+std::uint32_t findDisk(Caller caller, unsigned char contNo, const char* key, unsigned wanted, Test test) {
     const auto list = allocateRecord<_MR_PD_LIST>();
     if (!list)
         return kSlMemoryAllocFailed;
@@ -29,7 +30,10 @@ std::uint32_t findDisk(Caller caller, unsigned char contNo, Test test) {
     const bool found = std::any_of(disks.begin(), disks.end(), [&](const _MR_PD_ADDRESS& address) {
         return address.scsiDevType == kScsiDisk && test(address);
     });
-    return found ? kSlSuccess : kSlDeviceNotFound;
+    if (found)
+        return kSlSuccess;
+    Utillogging(kSource, caller.line, kTraceError, "func=%s: contNo=%u, %s=%u", caller.func, contNo, key, wanted);
+    return kSlDeviceNotFound;
 }
 
 /// A change of a drive's state: the drive's device id and current sequence number, no data.
@@ -78,33 +82,30 @@ std::uint32_t SLGetPDList(unsigned char contNo, _MR_PD_LIST* list) {
     const std::uint32_t status = query(__func__, contNo, {0x01, 0x04}, list);
     if (status == kSlSuccess) {
         const auto all = addresses(*list);
-        std::qsort(all.data(), all.size(), sizeof(_MR_PD_ADDRESS), PDSortFunc);
+        // Every lookup reads the list afresh, and it mostly comes in order.
+        const auto before = [](const _MR_PD_ADDRESS& a, const _MR_PD_ADDRESS& b) { return a.slotNo < b.slotNo; };
+        if (!std::is_sorted(all.begin(), all.end(), before))
+            std::qsort(all.data(), all.size(), sizeof(_MR_PD_ADDRESS), PDSortFunc);
     }
     return status;
 }
 
 std::uint32_t SLGetDeviceId(unsigned char contNo, unsigned char slotNo, std::uint16_t* deviceId) {
-    const std::uint32_t status = findDisk(__func__, contNo, [&](const _MR_PD_ADDRESS& address) {
+    return findDisk(__func__, contNo, "slotNo", slotNo, [&](const _MR_PD_ADDRESS& address) {
         if (address.slotNo != slotNo)
             return false;
         *deviceId = address.deviceId;
         return true;
     });
-    if (status == kSlDeviceNotFound)
-        Utillogging(kSource, __LINE__, kTraceError, "func=%s: contNo=%u, slotNo=%u", __func__, contNo, slotNo);
-    return status;
 }
 
 std::uint32_t SLGetSlotNo(unsigned char contNo, std::uint16_t deviceId, unsigned char* slotNo) {
-    const std::uint32_t status = findDisk(__func__, contNo, [&](const _MR_PD_ADDRESS& address) {
+    return findDisk(__func__, contNo, "deviceId", deviceId, [&](const _MR_PD_ADDRESS& address) {
         if (address.deviceId != deviceId)
             return false;
         *slotNo = address.slotNo;
         return true;
     });
-    if (status == kSlDeviceNotFound)
-        Utillogging(kSource, __LINE__, kTraceError, "func=%s: contNo=%u, deviceId=%u", __func__, contNo, deviceId);
-    return status;
 }
 
 std::uint32_t SLGetPDInfo(unsigned char contNo, unsigned char slotNo, _MR_PD_INFO* info) {

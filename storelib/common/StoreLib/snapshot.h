@@ -17,6 +17,9 @@ std::uint32_t SLDeleteSnapshotPIT(unsigned char contNo, unsigned char ldNo, Snap
 std::uint32_t SLCreateSnapshotView(unsigned char contNo, unsigned char ldNo, SnapshotViewBlock* block);
 std::uint32_t SLDeleteSnapshotView(unsigned char contNo, unsigned char ldNo, SnapshotDeleteBlock* block);
 
+/// Far more than the snapshots of one LD fill, bytes. A size above it is a lie.
+inline constexpr std::uint32_t kLargestSnapshotSize = 1U << 20;
+
 /// The snapshot information of an LD is read in two steps: its first 32-bit word is its size in bytes. The size is 0 on
 /// failure.
 std::uint32_t SLGetSnapshotInfoSize(unsigned char contNo, unsigned char ldNo, std::uint32_t* size);

@@ -1,0 +1,244 @@
+// Controller settings, automatic rebuild and the learn cycle: couplings, refusals, and every byte that is written.
+#include "tests/command/operation_case.h"
+
+#include <gmock/gmock.h>
+
+namespace zebtest {
+namespace {
+
+constexpr Wire kFirst{3};
+constexpr Wire kSecond{9};
+constexpr std::uint32_t kOtherBits = 0x80000010;
+enum : std::uint32_t { kNoCopyback = 0x01, kHdd = 0x02, kSsd = 0x20 };
+
+/// Bytes that differ all, from a start value on.
+std::string pattern(std::size_t count, unsigned from) {
+    std::string bytes;
+    for (std::size_t i = 0; i < count; ++i) {
+        bytes.push_back(static_cast<char>(from + i));
+    }
+    return bytes;
+}
+
+/// A controller whose settings are all its own; `more` are further keys.
+std::string controller(unsigned id, std::uint32_t onOff, unsigned failPd, const std::string& more = "") {
+    return R"({"id": )" + number(id) + R"(, "maxPds": 4, "properties": {"seq": 777, "onOff": )" +
+           number(onOff | kOtherBits) +
+           R"(, "rebuildRate": 41, "patrolReadRate": 42, "bgiRate": 43, "ccRate": 44, "reconRate": 45,
+               "cacheFlushInterval": 5, "disableAutoRebuild": 7, "otherBytes": ")" +
+           toHex(pattern(64, 0x80)) + R"("}, "mfcDefaults": {"failPdOnSmartError": )" + number(failPd) +
+           R"(, "otherBytes": ")" + toHex(pattern(72, 0x20)) + R"("})" + more + "}";
+}
+std::string scenario(const std::string& first, const std::string& second = "") {
+    return R"({"controllers": [)" + first + (second.empty() ? "" : ", " + second) + "]}";
+}
+
+/// The write of the properties: a rate of 0 keeps the five as they are.
+std::string writeProperties(const Wire& wire, unsigned rate, std::uint32_t onOff, unsigned disableAutoRebuild,
+                            const std::string& rest = "") {
+    std::string bytes = pattern(64, 0x80);
+    bytes.replace(0, 2, "\x09\x03");
+    for (unsigned i = 0; i < 5; ++i) {
+        bytes[8 + i] = static_cast<char>(rate != 0 ? rate : 41 + i);
+    }
+    bytes[13] = 5;
+    bytes[18] = 0;
+    bytes[19] = static_cast<char>(disableAutoRebuild);
+    for (unsigned i = 0; i < 4; ++i) {
+        bytes[32 + i] = static_cast<char>((onOff | kOtherBits) >> 8 * i & 0xFFU);
+    }
+    return wire.request("01/01", 0, " size=64") + wire.request("01/02", 777, " size=64 out=" + toHex(bytes) + rest);
+}
+std::string readDefaults(const Wire& wire) {
+    return wire.dcmd(0x010E0201, 2, 72);
+}
+std::string query(const Wire& wire) {
+    return wire.request("01/00", 0, " size=2048") + readDefaults(wire);
+}
+/// Everything that one controller gets.
+std::string change(const Wire& wire, unsigned rate, std::uint32_t onOff, unsigned failPd,
+                   const std::string& rest = "") {
+    std::string defaults = pattern(72, 0x20);
+    defaults[52] = static_cast<char>(failPd);
+    return query(wire) + writeProperties(wire, rate, onOff, 7) + readDefaults(wire) +
+           wire.dcmd(0x010E0202, 1, 72, toHex(defaults), rest);
+}
+
+Line changed(unsigned contNo) {
+    return said("Information - Controller[" + number(contNo) + "] Settings have been changed.");
+}
+Line notChanged(unsigned contNo) {
+    return error("Error - Failed to change Controller[" + number(contNo) +
+                 "] Settings.\nPlease confirm OS event log whether there is no problem with RAID controller.\n");
+}
+Line notBoth(unsigned contNo) {
+    return error("Controller[" + number(contNo) +
+                 "] Cannot change both -hddcpybk/-ssdcpybk and -pdfail to \"Enabled\".\nPlease change either "
+                 "-hddcpybk/-ssdcpybk or -pdfail to \"Disabled\".");
+}
+Lines propertiesSent(unsigned contNo, std::uint32_t status = 0) {
+    return traced("func=SLSetCtrlProp: contNo=" + number(contNo)) + sent("SLSetCtrlProp", status);
+}
+Lines settingsSent(unsigned contNo, unsigned failPd) {
+    return propertiesSent(contNo) +
+           traced("func=SLSetFailPDOnSmartTer: contNo=" + number(contNo) + ", failPdOnSMARTer=" + number(failPd));
+}
+
+using ControllerSettings = OperationTest;
+
+TEST_F(ControllerSettings, OptionsAreCoupled) {
+    const struct {
+        std::uint32_t onOff; // current
+        unsigned failPd; // current
+        const char* options;
+        unsigned rate;
+        std::uint32_t newOnOff;
+        unsigned newFailPd;
+    } cases[] = {{kHdd, 0, "-trh", 90, kHdd, 0},
+                 {kHdd, 1, "-TRM", 60, kHdd, 1},
+                 {kSsd, 3, "-trl", 30, kSsd, 3},
+                 {kHdd, 0, "-hddcpybkdsbl", 41, kNoCopyback, 1},
+                 {kHdd, 1, "-ssdcpybkenbl", 41, kHdd | kSsd, 0},
+                 {kHdd, 1, "-ssdcpybkdsbl", 41, kHdd, 1},
+                 {kHdd | kSsd, 0, "-hddcpybkdsbl", 41, kSsd, 0},
+                 {kHdd | kSsd, 0, "-hddcpybkdsbl -ssdcpybkdsbl", 41, kNoCopyback, 1},
+                 {kHdd, 0, "-pdfailenbl -hddcpybkdsbl", 41, kNoCopyback, 1},
+                 {kHdd, 1, "-hddcpybkdsbl -pdfaildsbl", 41, kNoCopyback, 0},
+                 {kHdd, 1, "-pdfaildsbl -trh", 90, kHdd, 0},
+                 {kNoCopyback, 1, "-trm", 60, kNoCopyback, 1},
+                 {kNoCopyback, 0, "-pdfailenbl", 41, kNoCopyback, 1},
+                 {kNoCopyback, 1, "-hddcpybkenbl", 41, kHdd, 0},
+                 {kNoCopyback, 1, "-hddcpybkdsbl -ssdcpybkenbl -pdfaildsbl -trl", 30, kSsd, 0},
+                 {kNoCopyback | kHdd, 0, "-pdfailenbl", 41, kHdd, 1},
+                 {0, 0, "-trm", 60, kNoCopyback, 0},
+                 {0, 0, "-pdfailenbl", 41, kNoCopyback, 1}};
+    for (const auto& c : cases) {
+        check(scenario(controller(3, c.onOff, c.failPd)),
+              {std::string("-ctrlsetprop ") + c.options, settingsSent(0, c.newFailPd) + changed(0),
+               change(kFirst, c.rate, c.newOnOff, c.newFailPd)});
+    }
+}
+
+TEST_F(ControllerSettings, NotBothEnabled) {
+    const std::string two = scenario(controller(3, kHdd, 0), controller(9, kNoCopyback, 0));
+    for (const char* options : {"-pdfailenbl -hddcpybkenbl", "-ssdcpybkenbl -trh -pdfailenbl"}) {
+        check(two, {std::string("-ctrlsetprop -a1,0 ") + options, notBoth(0)});
+        check(two, {std::string("-ctrlsetprop -a1 ") + options, notBoth(1)});
+    }
+    // Found on one controller only: the next one is changed.
+    check(two, {"-ctrlsetprop -pdfailenbl -aAll", notBoth(0) + settingsSent(1, 1) + changed(1),
+                query(kFirst) + change(kSecond, 41, kNoCopyback, 1)});
+}
+
+TEST_F(ControllerSettings, CopybackIsNotSupportedEverywhere) {
+    const Line refused = error("Error - The specified parameter is not supported at the current configuration.");
+    const auto pci = [](const char* device, const char* subVendor, const char* subDevice) {
+        return std::string(R"(, "vendorId": "0x1000", "pciDeviceId": ")") + device + R"(", "subVendorId": ")" +
+               subVendor + R"(", "subDeviceId": ")" + subDevice + "\"";
+    };
+    const std::pair<std::string, bool> controllers[] = {
+        {R"(, "product": "LSI Embedded MegaRAID")", true}, {R"(, "product": "LSI Embedded MegaRAID 2")", false},
+        {R"(, "product": "LSI Embedded")", false},         {pci("0x0079", "0x1000", "0x9263"), true},
+        {pci("0x0079", "0x1000", "0x9280"), true},         {pci("0x0079", "0x1000", "0x9261"), false},
+        {pci("0x0073", "0x1000", "0x9263"), false},        {pci("0x0079", "0x1734", "0x9280"), false}};
+    for (const auto& [keys, isRefused] : controllers) {
+        const std::string two = scenario(controller(3, kHdd, 0, keys), controller(9, kHdd, 0));
+        const Lines first = isRefused ? refused : settingsSent(0, 0) + changed(0);
+        check(two, {"-ctrlsetprop -ssdcpybkdsbl -aAll", first + settingsSent(1, 0) + changed(1),
+                    (isRefused ? query(kFirst) : change(kFirst, 41, kHdd, 0)) + change(kSecond, 41, kHdd, 0)});
+    }
+    const std::string none = scenario(controller(3, kHdd, 0, R"(, "product": "LSI Embedded MegaRAID")"));
+    for (const char* options : {"-hddcpybkenbl", "-ssdcpybkenbl -trh", "-pdfailenbl", "-pdfaildsbl"}) {
+        check(none, {std::string("-ctrlsetprop ") + options, {refused}, query(kFirst)});
+    }
+    check(none, {"-ctrlsetprop -trh", settingsSent(0, 0) + changed(0), change(kFirst, 90, kHdd, 0)});
+}
+
+TEST_F(ControllerSettings, FailureEndsTheCommand) {
+    const std::string two = scenario(controller(3, kHdd, 0), controller(9, kHdd, 0));
+    const Line trace = traced("!ERR func=CliCmdExecAdpSetProp: SLSetCtrlProp error, contNo=0");
+    check(two, {"-ctrlsetprop -trh -aAll", propertiesSent(0, 0x21) + trace + notChanged(0),
+                query(kFirst) + writeProperties(kFirst, 90, kHdd, 7, " -> 0x21"), kFirst.fails("01/02", 0x21)});
+    check(two, {"-ctrlsetprop -trh -a0", propertiesSent(0, 4) + trace + notChanged(0),
+                query(kFirst) + writeProperties(kFirst, 90, kHdd, 7, " -> 0x04"), kFirst.outdates("01/01", 1)});
+    const struct {
+        std::string faults, out, trace, requests;
+    } cases[] = {{R"([{"opcode": "0x010E0202", "ctrl": 3, "status": "0x21"}])", notChanged(0).text,
+                  "SLSetFailPDOnSmartTer", change(kFirst, 90, kHdd, 0, " -> 0x21")},
+                 {R"([{"opcode": "0x010E0201", "ctrl": 9, "nth": 1, "status": "0x32"}])", changed(0).text,
+                  "SLGetMFCDefaults",
+                  change(kFirst, 90, kHdd, 0) + kSecond.request("01/00", 0, " size=2048") +
+                      kSecond.dcmd(0x010E0201, 2, 72, "", " -> 0x32")},
+                 {kSecond.fails("01/00", 0x32, 2), changed(0).text, "SLGetCtrlInfo",
+                  change(kFirst, 90, kHdd, 0) + kSecond.request("01/00", 0, " size=2048 -> 0x32")},
+                 {kFirst.fails("01/01", 0x32), notChanged(0).text, "SLSetCtrlProp",
+                  query(kFirst) + kFirst.request("01/01", 0, " size=64 -> 0x32")}};
+    for (const auto& c : cases) {
+        std::filesystem::remove(box.log());
+        auto options = optionsFor(two, "-ctrlsetprop -trh -aAll");
+        options.env["ZEBSIM_FAULTS"] = c.faults;
+        const auto result = box.run(options);
+        EXPECT_EQ(c.out, result.out) << c.faults;
+        EXPECT_EQ(c.requests, requestsAfterSnapshot(two, result.trace));
+        const char* contNo = c.out == changed(0).text ? "1" : "0";
+        EXPECT_THAT(loggedMessages(),
+                    testing::Contains("!ERR func=CliCmdExecAdpSetProp: " + c.trace + " error, contNo=" + contNo));
+    }
+}
+
+TEST_F(ControllerSettings, AutomaticRebuild) {
+    const std::string two = scenario(controller(3, kHdd, 0), controller(9, kNoCopyback, 1));
+    const Line asks = said("Warning - In case of disabling Automatic Rebuild, the rebuild after error doesn't "
+                           "automatically start.\nProceed with the setting?(Y/N)?");
+    const auto wrote = [](unsigned contNo, unsigned value, std::uint32_t status = 0) {
+        return traced("func=SLSetCtrlRbldMode: contNo=" + number(contNo) + ", disableAutoRebuild=" + number(value)) +
+               sent("SLSetCtrlRbldMode", status);
+    };
+    const Lines failed{traced("!ERR func=CliCmdExecAdpRbldMode: SLSetCtrlRbldMode error, contNo=0"), notChanged(0)};
+    const auto first = [](unsigned value, const char* rest = "") {
+        return writeProperties(kFirst, 0, kHdd, value, rest);
+    };
+    const std::vector<OperationCase> cases{
+        {"-ctrlautorbld -enbl -aAll", wrote(0, 0) + changed(0) + wrote(1, 0) + changed(1),
+         first(0) + writeProperties(kSecond, 0, kNoCopyback, 0)},
+        {"-ctrlautorbld -a0,1 -DSBL", asks + wrote(0, 1) + changed(0) + asks + asks + wrote(1, 1) + changed(1),
+         first(1) + writeProperties(kSecond, 0, kNoCopyback, 1), "", "Y\nok\ny\n"},
+        {"-ctrlautorbld -dsbl -aAll", asks + wrote(0, 1) + changed(0) + asks, first(1), "", "y\nN\n"},
+        {"-ctrlautorbld -dsbl -aAll", {asks}, "", "", "n\n"},
+        {"-ctrlautorbld -enbl -aAll", wrote(0, 0, 0x21) + failed, first(0, " -> 0x21"), kFirst.fails("01/02", 0x21)},
+        {"-ctrlautorbld -enbl -a0", wrote(0, 0, 4) + failed, first(0, " -> 0x04"), kFirst.outdates("01/01", 1)}};
+    for (const auto& c : cases) {
+        check(two, c);
+    }
+}
+
+TEST_F(ControllerSettings, LearnCycle) {
+    const std::string two = scenario(controller(3, kHdd, 0), controller(9, kHdd, 0, R"(, "cacheBackup": {})"));
+    const Line failed = error("Error - Controller[0] Failed to start learn cycle.\nPlease confirm OS event log whether "
+                              "there is no problem with Cache Backup.\n");
+    const Line started = said("Information - Controller[1] Learn cycle has been started.\nPlease confirm OS event log "
+                              "for the completion.\n");
+    check(two, {"-cblearn -aAll", sent("SLLearnCacheBkup", 0x22) + failed + started,
+                kFirst.request("05/03", 0, " -> 0x22") + kSecond.request("05/03", 0)});
+    check(two, {"-cblearn -a1", {started}, kSecond.request("05/03", 0)});
+}
+
+TEST_F(ControllerSettings, ArgumentsAreRefused) {
+    const std::string two = scenario(controller(3, kHdd, 0), controller(9, kHdd, 0));
+    scenario_ = two;
+    checkTokens({"-ctrlsetprop -> (null)", "-ctrlsetprop -a0 -> -a0", "-ctrlsetprop -trh -trl -a0 -> -trh",
+                 "-ctrlsetprop -a0 -trh -TRH -> -trh", "-ctrlsetprop -hddcpybkenbl -trl -hddcpybkdsbl -> -trl",
+                 "-ctrlsetprop -ssdcpybkdsbl -ssdcpybkenbl -> -ssdcpybkdsbl",
+                 "-ctrlsetprop -pdfailenbl -pdfaildsbl -> -pdfailenbl", "-ctrlsetprop -tr -a0 -> -ctrlsetprop",
+                 "-ctrlsetprop -trh -L0 -> -trh", "-ctrlsetprop -trh -a0 -a0 -> -a0", "-ctrlsetprop -trh -a4 -> -trh",
+                 "-ctrlautorbld -> (null)", "-ctrlautorbld -a0 -> -a0", "-ctrlautorbld -enbl -dsbl -a0 -> -enbl",
+                 "-ctrlautorbld -dsbl -dsbl -> -dsbl", "-ctrlautorbld -a0 -off -> -a0", "-cblearn -start -> -cblearn",
+                 "-cblearn -a0 -a1 -> -a0", "-cblearn -a0,01 -> -cblearn"});
+    for (const std::string command : {"-ctrlsetprop -trh", "-ctrlautorbld -enbl", "-cblearn"}) {
+        check(two, {command + " -a1,2", noController(2)});
+        check(two, {command, {manyControllers()}});
+    }
+}
+
+} // namespace
+} // namespace zebtest

@@ -1,0 +1,200 @@
+// Global and dedicated hot spares and their release: warnings, the group dialogue, what is sent.
+#include "tests/command/operation_case.h"
+
+namespace zebtest {
+namespace {
+
+// Device ids are slot + 8, sequence numbers slot + 10. RG0 is the mirror on array 5, RG1 a RAID0 on array 1, RG2 the
+// RAID10 over the arrays 2 and 7. Slot 7 fits all; 8 is SATA, 9 SSD, 10 too small, 11 all of these; 12 is a global
+// spare, 13 a dedicated one, 14 bad. The second controller has no LD.
+constexpr char kScenario[] = R"({"controllers": [
+  {"id": 3, "maxPds": 16,
+    "drives": [{"repeat": 8}, {"interface": "SATA"}, {"media": "SSD"}, {"blocks": 1000000},
+               {"interface": "SATA", "media": "SSD", "blocks": 1000000}, {}, {}, {"state": "bad"}],
+    "arrays": [{"ref": 5, "drives": [0, 1]}, {"ref": 1, "drives": [6]}, {"ref": 2, "drives": [2, 3]},
+               {"ref": 7, "drives": [4, 5]}],
+    "lds": [{"id": 9, "level": 1, "spans": [{"array": 5}]}, {"id": 1, "level": 0, "spans": [{"array": 1}]},
+            {"id": 4, "level": 10, "spans": [{"array": 2}, {"array": 7}]}],
+    "spares": [{"drive": 12}, {"drive": 13, "arrays": [2, 7]}]},
+  {"id": 9, "maxPds": 16, "drives": [{"slot": 7, "repeat": 6}], "spares": [{"drive": 12}]}]})";
+
+constexpr Wire kFirst{3};
+constexpr Wire kSecond{9};
+
+const Line kNotAssigned = error("Error - Failed to assign a Hot Spare.\nPlease confirm PD(Physical Drive) state.\n");
+const Line kNotReleased = error("Error - Failed to release the Hot Spare. Please confirm PD(Physical Drive) state.");
+const Line kAskInterface =
+    said("Warning - In case of selecting PD(Physical Drive) as GHS(Global Hot Spare) with different Interface "
+         "Type(SAS/SATA) configured PD(Physical Drive), Rebuild/Copyback might not be done correctly.\n"
+         "Proceed with the setting?(Y/N)?");
+const Line kAskMedia =
+    said("Warning - In case of selecting PD(Physical Drive) as GHS(Global Hot Spare) with different Media "
+         "Type(HDD/SSD) configured PD(Physical Drive), Rebuild/Copyback might not be done correctly.\n"
+         "Proceed with the setting?(Y/N)?");
+const Line kAskCapacity =
+    said("Warning - In case of selecting PD(Physical Drive) as GHS(Global Hot Spare) with lower capacity than other "
+         "configured PDs(Physical Drives), Rebuild/Copyback might not be done correctly.\n"
+         "Proceed with the setting?(Y/N)?");
+const Line kAskRelease = said("LD[s](Logical Drive[s]) exists.\nRelease the allocation?(Y/N)?");
+
+Line changed(unsigned contNo, const char* drives) {
+    return said("Information - Controller[" + number(contNo) + "] Settings have been changed PD(Physical Drive) " +
+                drives + ".");
+}
+std::string makeGlobal(const Wire& wire, unsigned slot, const std::string& rest = "") {
+    return wire.pdInfo(slot) + wire.pdChange("02/0a", slot, rest);
+}
+std::string ldList(const Wire& wire) {
+    return wire.request("01/0d", 0, " size=1032");
+}
+
+class HotSpare : public OperationTest {
+  protected:
+    HotSpare() { scenario_ = kScenario; }
+};
+
+TEST_F(HotSpare, GlobalWarnsOfWhatDoesNotFit) {
+    checkAll({{"-pdhsp -ghs -pd[:7] -a0", changed(0, "7"), makeGlobal(kFirst, 7)},
+              {"-pdhsp -ghs -pd[:8] -a0", kAskInterface + changed(0, "8"), makeGlobal(kFirst, 8), "", "y\n"},
+              {"-pdhsp -ghs -pd[:9] -a0", kAskMedia + changed(0, "9"), makeGlobal(kFirst, 9), "", "Y\n"},
+              {"-pdhsp -nochk -ghs -pd[:10] -a0", kAskCapacity + changed(0, "10"), makeGlobal(kFirst, 10), "", "y\n"},
+              {"-pdhsp -ghs -pd[:11] -a0 -nochk",
+               kAskInterface + kAskInterface + kAskMedia + kAskCapacity + changed(0, "11"), makeGlobal(kFirst, 11), "",
+               "yes\ny\ny\ny\n"},
+              // Nothing is configured on the second controller.
+              {"-pdhsp -ghs -pd[:7,:8,:11] -a1", changed(1, "7,8,11"),
+               makeGlobal(kSecond, 7) + makeGlobal(kSecond, 8) + makeGlobal(kSecond, 11)}});
+}
+
+TEST_F(HotSpare, NoEndsTheCommandWithoutItsInformationLine) {
+    const std::pair<const char*, Lines> answers[] = {{"n\n", kAskInterface},
+                                                     {"y\nN\n", kAskInterface + kAskMedia},
+                                                     {"y\ny\nn\n", kAskInterface + kAskMedia + kAskCapacity}};
+    for (const auto& [answer, asked] : answers) {
+        check(kScenario,
+              {"-pdhsp -ghs -pd[:7,:11,:12] -aAll", asked, makeGlobal(kFirst, 7) + kFirst.pdInfo(11), "", answer});
+    }
+    checkAll({{"-pdhsp -rmv -pd[:12,:13] -a0", kAskRelease + kAskRelease,
+               kFirst.pdInfo(12) + ldList(kFirst) + kFirst.pdChange("02/0d", 12) + kFirst.pdInfo(13), "", "y\nn\n"},
+              {"-pdhsp -rmv -pd[:12] -aAll", kAskRelease, kFirst.pdInfo(12) + ldList(kFirst), "", "N\n"}});
+}
+
+TEST_F(HotSpare, GlobalFailures) {
+    const std::string readFails = kFirst.fails("02/00", 0x0C, 2, 17);
+    checkAll({{"-pdhsp -ghs -pd[:7,:12] -aAll", kNotAssigned + changed(0, "7") + kNotAssigned + changed(1, "7"),
+               makeGlobal(kFirst, 7) + kFirst.pdInfo(12) + makeGlobal(kSecond, 7) + kSecond.pdInfo(12)},
+              {"-pdhsp -ghs -pd[:14,:7] -a0", sent("SLMakeGlobalHotspare", 0x1F) + kNotAssigned + kNotAssigned,
+               makeGlobal(kFirst, 7, " -> 0x1f") + kFirst.pdInfo(14), kFirst.fails("02/0a", 0x1F)},
+              {"-pdhsp -ghs -pd[:7] -a0", sent("SLMakeGlobalHotspare", 4) + kNotAssigned,
+               makeGlobal(kFirst, 7, " -> 0x04"), kFirst.outdates("02/00", 3, 15)},
+              // A drive that cannot be read ends the command: nothing for slot 10, nothing on the second controller.
+              {"-pdhsp -ghs -pd[:7,:9,:10] -aAll", sent("SLGetPDInfo", 0x0C) + kNotAssigned,
+               makeGlobal(kFirst, 7) + kFirst.pdInfo(9, " -> 0x0c"), readFails}});
+}
+
+const Line kGroups = {true, false, "RG No. RAID Level\n-----------------\nRG0    RAID1\nRG2    RAID10\n"};
+const Line kAskGroup = {true, false, "RG No.(\"Q\"->Quit) :"};
+Line invalid(const std::string& answer) {
+    return said("\"" + answer + "\" is invalid.");
+}
+std::string software() {
+    return kFirst.request("01/00", 0, " size=2048");
+}
+/// The block of 33 bytes: a count and that many array references.
+std::string makeDedicated(unsigned slot, std::uint16_t array, std::uint8_t ld, std::string block,
+                          const std::string& rest = "") {
+    block.resize(66, '0');
+    return kFirst.arrayInfo(array) + kFirst.ldInfo(ld) + kFirst.pdChange("02/0b", slot, " size=33 out=" + block + rest);
+}
+Lines dedicated(unsigned slot, unsigned array, std::uint32_t status = 0) {
+    return traced("func=SLMakeDedicatedHotspare: contNo=0 ,slotNo=" + number(slot) + ", arrayRef=" + number(array)) +
+           sent("SLMakeDedicatedHotspare", status);
+}
+TEST_F(HotSpare, DedicatedToEveryArrayOfTheGroup) {
+    checkAll({{"-pdhsp -dhs -pd[:7] -a0", kGroups + kAskGroup + dedicated(7, 2) + changed(0, "7"),
+               software() + kFirst.pdInfo(7) + makeDedicated(7, 2, 4, "0202000700"), "", "2\n"},
+              {"-pdhsp -dhs -pd[:7] -a0", kGroups + kAskGroup + dedicated(7, 5) + changed(0, "7"),
+               software() + kFirst.pdInfo(7) + makeDedicated(7, 5, 9, "010500"), "", "0\n"},
+              {"-pdhsp -dhs -pd[:7] -a0", kGroups + kAskGroup + dedicated(7, 5, 4) + kNotAssigned,
+               software() + kFirst.pdInfo(7) + makeDedicated(7, 5, 9, "010500", " -> 0x04"),
+               kFirst.outdates("02/00", 3, 15), "0\n"}});
+}
+
+TEST_F(HotSpare, GroupIsAskedUntilItIsListed) {
+    Lines asked{kGroups};
+    std::string input;
+    for (const char* answer : {"1", "3", "256", "12345", "0002", "Quit", "abc", "", "-1"}) {
+        asked = asked + kAskGroup + invalid(answer);
+        input += std::string(answer) + "\n";
+    }
+    checkAll({{"-pdhsp -dhs -pd[:7] -a0", asked + kAskGroup + dedicated(7, 5) + changed(0, "7"),
+               software() + kFirst.pdInfo(7) + makeDedicated(7, 5, 9, "010500"), "", input + "0\n"},
+              {"-pdhsp -dhs -pd[:7,:12] -aAll", kGroups + kAskGroup, software() + kFirst.pdInfo(7), "", "q\n"},
+              {"-pdhsp -dhs -pd[:7] -a0", kGroups + kAskGroup, software() + kFirst.pdInfo(7), "", "Qui\n"}});
+}
+
+TEST_F(HotSpare, DedicatedMustMatchItsGroup) {
+    const std::string cannot = "Error - Cannot create DHS(Dedicated Hot Spare) with ";
+    const Line interface = error(cannot + "the different Interface Type(SAS/SATA).");
+    const Line media = error(cannot + "the different Media Type(HDD/SSD).");
+    const Line capacity = error(cannot + "lower capacity than other configured PDs(Physical Drives).");
+    std::string reads;
+    for (const unsigned slot : {8U, 9U, 10U, 11U, 14U}) {
+        reads += software() + kFirst.pdInfo(slot);
+    }
+    checkAll({{"-pdhsp -dhs -pd[:8,:9,:10,:11,:14] -a0 -nochk",
+               kGroups + kAskGroup + interface + kGroups + kAskGroup + media + kGroups + kAskGroup + capacity +
+                   kGroups + kAskGroup + interface + kNotAssigned,
+               reads, "", "0\n2\n2\n0\n"},
+              {"-pdhsp -dhs -pd[:7] -a1", error(cannot + "no RAID Group."), software() + kSecond.pdInfo(7)},
+              {"-pdhsp -dhs -pd[:7] -a0", sent("SLGetPDInfo", 0x32) + kNotAssigned,
+               software() + kFirst.pdInfo(7, " -> 0x32"), kFirst.fails("02/00", 0x32, 2, 15)}});
+    check(R"({"controllers": [{"id": 3, "product": "LSI Embedded MegaRAID", "drives": [{"repeat": 3}],
+              "arrays": [{"drives": [0, 1]}], "lds": [{"level": 1, "spans": [{}]}]}]})",
+          {"-pdhsp -dhs -pd[:2]", kNotAssigned, software()});
+    check(R"({"controllers": [{"id": 3, "drives": [{"slot": 2}],
+              "arrays": [{"drives": [null, null], "blocks": 1000}],
+              "lds": [{"level": 1, "spans": [{}]}]}]})",
+          {"-pdhsp -dhs -pd[:2]",
+           {{true, false, "RG No. RAID Level\n-----------------\nRG0    RAID1\n"}, kAskGroup, kNotAssigned},
+           software() + kFirst.pdInfo(2),
+           "",
+           "0\n"});
+}
+
+TEST_F(HotSpare, ReleaseAsksUnlessToldNotTo) {
+    const auto release = [](const Wire& wire, unsigned slot, const std::string& rest = "") {
+        return wire.pdChange("02/0d", slot, rest);
+    };
+    checkAll(
+        {{"-pdhsp -rmv -pd[:12,:13] -a0", kAskRelease + kAskRelease + changed(0, "12,13"),
+          kFirst.pdInfo(12) + ldList(kFirst) + release(kFirst, 12) + kFirst.pdInfo(13) + release(kFirst, 13), "",
+          "y\ny\n"},
+         {"-pdhsp -rmv -NOCHK -pd[:13,:12] -a0", changed(0, "12,13"),
+          kFirst.pdInfo(12) + ldList(kFirst) + release(kFirst, 12) + kFirst.pdInfo(13) + release(kFirst, 13)},
+         {"-pdhsp -rmv -pd[:7,:12] -a1", kNotReleased + changed(1, "12"),
+          kSecond.pdInfo(7) + kSecond.pdInfo(12) + ldList(kSecond) + release(kSecond, 12)},
+         {"-pdhsp -rmv -pd[:13] -nochk -a0", sent("SLRemoveHotspare", 4) + kNotReleased,
+          kFirst.pdInfo(13) + release(kFirst, 13, " -> 0x04"), kFirst.outdates("02/00", 3, 21)},
+         {"-pdhsp -rmv -pd[:0,:13] -nochk -a0", sent("SLGetPDInfo", 0x32) + kNotAssigned + changed(0, "13"),
+          kFirst.pdInfo(0, " -> 0x32") + kFirst.pdInfo(13) + release(kFirst, 13), kFirst.fails("02/00", 0x32, 2, 8)},
+         {"-pdhsp -rmv -pd[:12,:13] -nochk -a0", sent("SLGetLDList", 0x32) + kNotAssigned + changed(0, "13"),
+          kFirst.pdInfo(12) + kFirst.request("01/0d", 0, " size=1032 -> 0x32") + kFirst.pdInfo(13) +
+              release(kFirst, 13),
+          kFirst.fails("01/0d", 0x32, 2)}});
+}
+
+TEST_F(HotSpare, ArgumentsAreRefused) {
+    checkTokens({"-pdhsp -> -pdhsp", "-pdhsp -ghs -a0 -> -a0", "-pdhsp -pd[:7] -a0 -> -a0",
+                 "-pdhsp -nochk -pd[:7] -> -pd[:7]", "-pdhsp -ghs -dhs -pd[:7] -a0 -> -ghs",
+                 "-pdhsp -rmv -rmv -pd[:12] -a0 -> -rmv", "-pdhsp -rmv -pd[:12] -ghs -a0 -> -pd[:12]",
+                 "-pdhsp -rmv -nochk -nochk -pd[:12] -> -nochk", "-pdhsp -rmv -pd[:12] -pd[:13] -> -pd[:12]",
+                 "-pdhsp -rmv -pd[:12] -a0 -a1 -> -a0", "-pdhsp -spare -pd[:12] -> -pdhsp",
+                 "-pdhsp -rmv -pd[:300] -> -rmv"});
+    checkAll({{"-pdhsp -rmv -pd[:12] -a3", noController(3)},
+              {"-pdhsp -ghs -pd[:7,:13] -aAll",
+               error("Error - Controller[1] The specified Physical Drive 13: doesn't exist.")}});
+}
+
+} // namespace
+} // namespace zebtest

@@ -1,0 +1,186 @@
+// The command log as runs leave it, and output that does not reach its place.
+#include <filesystem>
+#include <set>
+#include <thread>
+
+#include <gmock/gmock.h>
+
+#include "tests/command/operation_case.h"
+#include "tests/support/expected.h"
+#include "tests/support/log_file.h"
+
+namespace fs = std::filesystem;
+
+namespace zebtest {
+namespace {
+
+using testing::HasSubstr;
+
+constexpr std::size_t kLineBudget = 10000;
+constexpr char kRefusal[] = "Error - Invalid input at or near token x.";
+
+class CommandLog : public OperationTest {
+  protected:
+    const LogFile log{box.log()};
+
+    /// A run that leaves two records: its command line and a refusal.
+    void shortRun() {
+        const auto result = box.run({"x"});
+        EXPECT_EQ(std::string(kRefusal) + "\n", result.out);
+        EXPECT_EQ(255, result.exitStatus);
+    }
+};
+
+std::string oldLines(std::size_t count) {
+    return repeated(logLine("[2020/01/01 00:00:00.000] pid=00001 old"), static_cast<unsigned>(count));
+}
+
+TEST_F(CommandLog, RecordsHaveTheirForm) {
+    shortRun();
+    EXPECT_TRUE(log.everyLineExact());
+    EXPECT_TRUE(sameText(log.masked(), "[TIME] pid=PID zebcli x\n"
+                                       "[TIME] pid=PID zebcli_main(LINE) " +
+                                           std::string(kRefusal) + "\n"));
+    const std::string line = log.bytes().substr(0, kLogLineBytes);
+    EXPECT_THAT(line, testing::MatchesRegex("\\[[0-9]{4}(/[0-9]{2}){2} [0-9]{2}(:[0-9]{2}){2}\\.[0-9]{3}\\] "
+                                            "pid=[0-9]{5,} zebcli x +\n"));
+    EXPECT_EQ(logMarker(), log.bytes().substr(2 * kLogLineBytes));
+    EXPECT_EQ(0744, static_cast<int>(fs::status(box.log()).permissions()));
+}
+
+TEST_F(CommandLog, LongAndControlCharactersFitTheLine) {
+    const std::string argument = "a\tb\nc" + std::string(190, 'x');
+    box.run({argument, "second"});
+    EXPECT_TRUE(log.everyLineExact());
+    ASSERT_EQ(3 * kLogLineBytes, log.bytes().size());
+    const std::string line = log.bytes().substr(0, kLogLineBytes);
+    EXPECT_THAT(line, HasSubstr(" zebcli a b cxxx"));
+    EXPECT_TRUE(line.ends_with("xxx\n")) << "cut at 199 characters";
+}
+
+struct Continuation {
+    const char* name;
+    std::string before;
+    std::vector<std::size_t> records; ///< the 1-based lines on which the two new records stand
+    std::size_t marker;
+    std::size_t lines;
+};
+
+TEST_F(CommandLog, EachRunGoesOnWhereTheMarkerStands) {
+    const Continuation cases[] = {
+        {"empty", "", {1, 2}, 3, 3},
+        {"behind the newest line", oldLines(4) + logMarker(), {5, 6}, 7, 7},
+        {"between newest and oldest line", oldLines(4) + logMarker() + oldLines(5), {5, 6}, 7, 10},
+        {"before the last line", oldLines(kLineBudget - 3) + logMarker() + oldLines(2), {9998, 9999}, 10000, 10000},
+        {"round the end", oldLines(kLineBudget - 2) + logMarker() + oldLines(1), {9999, 10000}, 1, 10000},
+        {"on the last line", oldLines(kLineBudget - 1) + logMarker(), {10000, 1}, 2, 10000},
+        {"without a marker", oldLines(7), {1, 2}, 3, 7},
+        {"the marker behind the budget", oldLines(kLineBudget) + logMarker(), {1, 2}, 3, 10001},
+        {"two markers", oldLines(2) + logMarker() + oldLines(5) + logMarker(), {3, 4}, 5, 9}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        log.write(c.before);
+        shortRun();
+        EXPECT_TRUE(log.everyLineExact());
+        const std::string after = log.bytes();
+        EXPECT_EQ(c.lines * kLogLineBytes, after.size());
+        const auto line = [&after](std::size_t number) {
+            return after.substr((number - 1) * kLogLineBytes, kLogLineBytes);
+        };
+        EXPECT_THAT(line(c.records[0]), HasSubstr(" zebcli x "));
+        EXPECT_THAT(line(c.records[1]), HasSubstr(kRefusal));
+        EXPECT_EQ(c.marker, log.markers().front());
+        const std::set<std::size_t> touched{c.records[0], c.records[1], c.marker};
+        for (std::size_t number = 1; number * kLogLineBytes <= c.before.size(); ++number) {
+            if (touched.contains(number))
+                continue;
+            ASSERT_EQ(c.before.substr((number - 1) * kLogLineBytes, kLogLineBytes), line(number)) << number;
+        }
+    }
+}
+
+TEST_F(CommandLog, ManyRunsAtOnceKeepTheLines) {
+    constexpr int kRuns = 20;
+    log.write(oldLines(10) + logMarker());
+    std::vector<std::thread> runs;
+    for (int i = 0; i < kRuns; ++i)
+        runs.emplace_back([this] {
+            RunOptions options;
+            options.args = {"-cbinfo", "-aAll"};
+            EXPECT_EQ(0, box.run(options).exitStatus);
+        });
+    for (auto& run : runs)
+        run.join();
+    EXPECT_TRUE(log.everyLineExact());
+    EXPECT_TRUE(log.bytes().starts_with(oldLines(10)));
+    EXPECT_FALSE(log.markers().empty());
+    shortRun();
+    EXPECT_TRUE(log.everyLineExact());
+    EXPECT_THAT(log.bytes(), HasSubstr(kRefusal));
+}
+
+TEST_F(CommandLog, WithoutItsFolderItLiesInTheWorkingDirectory) {
+    fs::remove(box.logFolder());
+    shortRun();
+    EXPECT_THAT(LogFile(box.work() / "zebcli.log").messages(), testing::ElementsAre("zebcli x", kRefusal));
+    EXPECT_FALSE(fs::exists(box.logFolder()));
+    fs::remove(box.work() / "zebcli.log");
+    writeFile(box.logFolder(), "no folder");
+    shortRun();
+    EXPECT_TRUE(fs::exists(box.work() / "zebcli.log"));
+    EXPECT_EQ("no folder", readFile(box.logFolder()));
+}
+
+TEST_F(CommandLog, ALogThatCannotBeWrittenStopsNothing) {
+    fs::create_directory(box.log());
+    shortRun();
+    fs::remove(box.log());
+    fs::create_symlink("zebcli.log", box.log());
+    shortRun();
+    fs::remove(box.log());
+    RunOptions options;
+    options.uid = 65534;
+    EXPECT_EQ("Fatal error - It is not root user.\n", box.run(options).out);
+    EXPECT_TRUE(fs::is_empty(box.logFolder()));
+    EXPECT_FALSE(fs::exists(box.work() / "zebcli.log"));
+}
+
+TEST_F(CommandLog, AFullDiskStopsNothing) {
+    for (const std::uint64_t limit : {0U, 1U, 100U, 200U, 399U, 400U, 1000U, 5000U}) {
+        SCOPED_TRACE(limit);
+        fs::remove(box.log());
+        RunOptions options;
+        options.args = {"-cbinfo", "-aAll"};
+        options.fileSizeLimit = limit;
+        const auto result = box.run(options);
+        EXPECT_EQ(0, result.exitStatus) << result;
+        EXPECT_THAT(result.out, HasSubstr("Cache Backup Type        : iBBU08"));
+        EXPECT_LE(fs::file_size(box.log()), limit);
+        EXPECT_EQ(0, box.run({"-v"}).exitStatus);
+        EXPECT_FALSE(log.markers().empty());
+    }
+}
+
+TEST_F(CommandLog, LostOutputIsRecordedAndChangesNoStatus) {
+    for (const Output output : {Output::kFull, Output::kBrokenPipe, Output::kClosed}) {
+        for (const auto& [args, status] :
+             {std::pair{"-v", 0}, {"-ctrlinfo -aAll", 0}, {"-ldpdprog", 0}, {"-pdinfo -aAll", 0}, {"-nonsense", 255}}) {
+            SCOPED_TRACE(args + std::string(" on output ") + std::to_string(static_cast<int>(output)));
+            fs::remove(box.log());
+            RunOptions options;
+            options.args = words(args);
+            options.output = output;
+            options.input = output == Output::kClosed ? Input::kClosed : Input::kNull; // the log must not become either
+            const auto result = box.run(options);
+            EXPECT_EQ(0, result.signal) << result;
+            EXPECT_EQ(status, result.exitStatus) << result;
+            EXPECT_TRUE(log.everyLineExact());
+            const auto messages = log.messages();
+            ASSERT_FALSE(messages.empty());
+            EXPECT_TRUE(messages.back().starts_with("!ERR ")) << messages.back();
+        }
+    }
+}
+
+} // namespace
+} // namespace zebtest

@@ -1,0 +1,145 @@
+// Questions to the operator on a terminal and on a pipe: which answers count, and what becomes of the terminal's mode.
+#include "tests/command/operation_case.h"
+
+#include <gmock/gmock.h>
+
+#include "tests/support/expected.h"
+
+namespace zebtest {
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr char kOne[] = R"({"controllers": [{"id": 3, "maxPds": 4, "drives": [{"repeat": 3}],
+    "arrays": [{"drives": [0, 1]}], "lds": [{"level": 1, "spans": [{}]}]}]})";
+constexpr char kQuestion[] = "Warning - In case of disabling Automatic Rebuild, the rebuild after error doesn't "
+                             "automatically start.\nProceed with the setting?(Y/N)?\n";
+constexpr char kChanged[] = "Information - Controller[0] Settings have been changed.\n";
+constexpr char kAsked[] = "Proceed with the setting?(Y/N)?\n";
+
+bool echoes(const termios& mode) {
+    return (mode.c_lflag & ECHO) != 0;
+}
+bool takesSignals(const termios& mode) {
+    return (mode.c_lflag & ISIG) != 0;
+}
+/// As before the run, but with the signal keys off: the mode of the last input is the one that stays.
+bool isModeOfLastInput(const RunResult& result) {
+    termios wanted = result.terminalBefore;
+    wanted.c_lflag &= ~static_cast<tcflag_t>(ISIG);
+    return echoes(result.terminalBefore) && takesSignals(result.terminalBefore) &&
+           sameMode(wanted, result.terminalAfter);
+}
+
+class Questions : public OperationTest {
+  protected:
+    RunOptions onTerminal(const std::string& args) {
+        auto options = optionsFor(kOne, args);
+        options.input = Input::kTerminal;
+        options.output = Output::kTerminal;
+        return options;
+    }
+    RunOptions onPipe(const std::string& text) {
+        auto options = optionsFor(kOne, "-ctrlautorbld -dsbl");
+        options.input = Input::kPipe;
+        options.inputText = text;
+        return options;
+    }
+    bool changedSomething(const RunResult& result) { return result.trace.find("01/02 ") != std::string::npos; }
+};
+
+TEST_F(Questions, OneLetterAnswersOnATerminal) {
+    const struct {
+        std::vector<std::string> typed;
+        bool yes;
+    } cases[] = {
+        {{"y"}, true},
+        {{"Y"}, true},
+        {{"n"}, false},
+        {{"N"}, false},
+        {{"yes", "", "no", " y", "y ", "j", "\x03", "Y"}, true},
+        {{"1", "NO", "n"}, false},
+    };
+    for (const auto& c : cases) {
+        auto options = onTerminal("-ctrlautorbld -dsbl");
+        std::string shown;
+        for (const auto& line : c.typed) {
+            options.answers.push_back({kAsked, line + "\n"});
+            shown += kQuestion + (line == "\x03" ? "^C" : line) + "\n";
+        }
+        const auto result = box.run(options);
+        EXPECT_TRUE(sameText(result.out, shown + (c.yes ? kChanged : ""))) << testing::PrintToString(c.typed);
+        EXPECT_EQ(c.yes, changedSomething(result));
+        if (!c.yes) {
+            EXPECT_EQ("", requestsAfterSnapshot(kOne, result.trace));
+        }
+        for (const auto& mode : result.terminalAtAnswer) {
+            EXPECT_TRUE(echoes(mode));
+            EXPECT_FALSE(takesSignals(mode));
+        }
+        EXPECT_TRUE(isModeOfLastInput(result));
+    }
+}
+
+TEST_F(Questions, EchoIsOffAgainAfterTheInput) {
+    auto options = onTerminal("-ctrlautorbld -dsbl");
+    options.env["ZEBSIM_LATENCY_US"] = "30000"; // time to look at the mode
+    options.answers = {{kAsked, "y\n"}, {kChanged, "", true}};
+    const auto result = box.run(options);
+    ASSERT_EQ(2U, result.terminalAtAnswer.size()) << result;
+    EXPECT_TRUE(echoes(result.terminalAtAnswer[0]));
+    EXPECT_FALSE(echoes(result.terminalAtAnswer[1]) || takesSignals(result.terminalAtAnswer[1]));
+    EXPECT_TRUE(isModeOfLastInput(result));
+}
+
+TEST_F(Questions, WithoutAQuestionTheTerminalIsAsBefore) {
+    const auto result = box.run(onTerminal("-ctrlautorbld -enbl"));
+    EXPECT_EQ(kChanged, result.out);
+    EXPECT_TRUE(sameMode(result.terminalBefore, result.terminalAfter));
+}
+
+TEST_F(Questions, GroupDialogueOnATerminal) {
+    auto options = onTerminal("-pdhsp -dhs -pd[:2]");
+    const std::string asks = "RG No.(\"Q\"->Quit) :";
+    options.answers = {{asks, "12345\n"}, {asks, "Q\n"}};
+    const auto result = box.run(options);
+    EXPECT_TRUE(sameText(result.out, "RG No. RAID Level\n-----------------\nRG0    RAID1\n" + asks +
+                                         "12345\n\"12345\" is invalid.\n" + asks + "Q\n"));
+    for (const auto& mode : result.terminalAtAnswer) {
+        EXPECT_TRUE(echoes(mode));
+        EXPECT_FALSE(takesSignals(mode));
+    }
+    EXPECT_TRUE(isModeOfLastInput(result));
+    EXPECT_EQ(result.trace.npos, result.trace.find("02/0B "));
+}
+
+TEST_F(Questions, LongLinesAreNoAnswer) {
+    const std::pair<std::size_t, unsigned> lengths[] = {{65534, 2}, {70000, 3}, {131072, 4}};
+    for (const auto& [length, questions] : lengths) {
+        auto result = box.run(onPipe(std::string(length, 'y') + "\ny\n"));
+        EXPECT_TRUE(sameText(result.out, repeated(kQuestion, questions) + kChanged)) << length;
+        result = box.run(onPipe(std::string(length, 'y') + "\nn\n"));
+        EXPECT_TRUE(sameText(result.out, repeated(kQuestion, questions))) << length;
+        EXPECT_FALSE(changedSomething(result));
+    }
+}
+
+TEST_F(Questions, EndOfInputIsNoAnswerAndSpinsNoProcessor) {
+    for (const char* input : {"", "maybe\n", "y"}) {
+        auto options = onPipe(input);
+        options.timeLimit = milliseconds(1000);
+        options.mayTimeOut = true;
+        const auto result = box.run(options);
+        EXPECT_TRUE(result.timedOut) << "ended although nobody answered\n" << result;
+        EXPECT_FALSE(changedSomething(result));
+        std::size_t questions = 0;
+        for (std::size_t at = 0; (at = result.out.find(kQuestion, at)) != std::string::npos; ++at) {
+            ++questions;
+        }
+        EXPECT_THAT(questions, testing::AllOf(testing::Ge(3U), testing::Le(12U)));
+        EXPECT_EQ(repeated(kQuestion, static_cast<unsigned>(questions)), result.out);
+    }
+}
+
+} // namespace
+} // namespace zebtest

@@ -1,0 +1,104 @@
+// Every report of every scenario, compared whole with a kept file; and reports that are larger than their buffer.
+#include <algorithm>
+#include <filesystem>
+
+#include "tests/command/operation_case.h"
+#include "tests/support/expected.h"
+
+namespace fs = std::filesystem;
+
+namespace zebtest {
+namespace {
+
+constexpr char kBuiltIn[] = "built_in";
+
+std::vector<std::string> scenarios() {
+    std::vector<std::string> names{kBuiltIn};
+    for (const auto& entry : fs::directory_iterator(ZEB_SCENARIO_DIR))
+        names.push_back(entry.path().stem());
+    std::ranges::sort(names);
+    return names;
+}
+
+class Reports : public SandboxTest, public testing::WithParamInterface<std::string> {};
+
+TEST_P(Reports, AreAsKept) {
+    for (const std::string command : {"ctrlinfo", "ldpdinfo", "pdinfo", "enclinfo", "cbinfo", "ldpdprog"}) {
+        RunOptions options;
+        options.args = words("-" + command + (command == "ldpdprog" ? "" : " -aAll"));
+        if (GetParam() != kBuiltIn)
+            options.env["ZEBSIM_SCENARIO"] = fs::path(ZEB_SCENARIO_DIR) / (GetParam() + ".json");
+        const auto result = box.run(options);
+        EXPECT_TRUE(matchesKept(GetParam() + "/" + command + ".txt", result.out));
+        EXPECT_EQ("", result.err);
+        const bool started = result.out.find("Quits the application.") == std::string::npos;
+        EXPECT_EQ(started ? 0 : 255, result.exitStatus);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Scenarios, Reports, testing::ValuesIn(scenarios()),
+                         [](const auto& scenario) { return scenario.param; });
+
+/// Where a block is emitted early, the newline behind it is extra.
+std::string withoutEmptyLines(const std::string& text) {
+    return masked(text, {{"\n\n+", "\n"}});
+}
+
+class LargeReports : public OperationTest {};
+
+TEST_F(LargeReports, EnclosureWith254Elements) {
+    const auto sensorsOf = [](const char* kind, unsigned count, const std::string& keys) {
+        return '"' + std::string(kind) + "\":[" + repeated(keys + ",", count - 1) + keys + "]";
+    };
+    const auto options = optionsFor(
+        R"({"controllers":[{"connectors":[{}],"enclosures":[{"slots":1,)" + sensorsOf("powerSupplies", 51, "{}") + ',' +
+            sensorsOf("fans", 52, R"({"rpm":10230})") + ',' + sensorsOf("temperatures", 75, R"({"celsius":100})") +
+            ',' + sensorsOf("voltages", 75, R"({"hundredths":-1})") + "}]}]}",
+        "-enclinfo");
+    const auto result = box.run(options);
+    const auto& report = result.out;
+    std::string sensors = "Sensor              Status                          Value\r\n";
+    const auto add = [&sensors](int count, const std::string& name, std::size_t width, const std::string& value) {
+        for (int i = 0; i < count; ++i)
+            sensors += name + std::to_string(i) + std::string(width, ' ') + "OK            " + std::string(18, ' ') +
+                       value + "\r\n";
+    };
+    add(75, "Temperature", 8, "100 (C)");
+    add(52, "Fan", 16, "10230 (RPM)");
+    add(51, "Power Supply", 7, "-");
+    add(75, "Voltage", 12, "-0.01 (V)");
+    EXPECT_GT(sensors.size(), 10000U);
+    const auto start = report.find("Sensor  ");
+    ASSERT_NE(std::string::npos, start) << result;
+    EXPECT_TRUE(sameText(withoutEmptyLines(report.substr(start)), sensors));
+    EXPECT_NE(std::string::npos, report.find("Number of Temperature Sensors : 75\r\n"
+                                             "Number of Fans                : 52\r\n"
+                                             "Number of Power Supplies      : 51\r\n"
+                                             "Number of Voltage Sensors     : 75\r\n"));
+}
+
+TEST_F(LargeReports, GroupOf64Lds) {
+    std::string lds;
+    std::string lines;
+    std::string numbers;
+    for (int i = 0; i < 64; ++i) {
+        const std::string number = std::to_string(i);
+        lds += (i == 0 ? "" : ",") + (R"({"id":)" + number + R"(,"name":"SIXTEEN LETTERS!","level":1,"spans":[)") +
+               R"({"startBlock":)" + std::to_string(i * 2097152) + R"(,"blocks":2097152}],"cachePolicy":"0x60"})";
+        lines += ">LD" + number + " (SIXTEEN LETTERS!, 1.000GB, OPTIMAL)\r\n";
+        numbers += (i == 0 ? "LD" : ", ") + number;
+    }
+    const std::string scenario =
+        R"({"controllers":[{"drives":[{"repeat":2},{"repeat":2}],"arrays":[{"drives":[0,1]},{"drives":[2,3]}],"lds":[)" +
+        lds + "]}]}";
+    const auto report = box.run(optionsFor(scenario, "-ldpdinfo")).out;
+    EXPECT_NE(std::string::npos, report.find("     # of LD             : 64\r\n")) << report;
+    EXPECT_NE(std::string::npos, withoutEmptyLines(report).find("GB\n" + lines + "### General Information\t###\r\n"));
+    for (const char* drive : {"\n>>PD0 (", "\n>>PD1 ("})
+        EXPECT_NE(std::string::npos, report.find(drive + numbers + ")\r\nStatus                   : ONLINE\r\n"));
+    EXPECT_NE(std::string::npos, box.run(optionsFor(scenario, "-pdinfo")).out.find("\r\n\r\nPD0(" + numbers + ")\r\n"));
+    EXPECT_NE(std::string::npos, box.run(optionsFor(scenario, "-ldpdprog -a0")).out.find("\nLD63    OPTIMAL"));
+}
+
+} // namespace
+} // namespace zebtest

@@ -1,0 +1,236 @@
+// Start-up: which command runs, what is refused and in which words, and what is put back afterwards.
+#include <filesystem>
+
+#include "tests/command/operation_case.h"
+#include "tests/support/expected.h"
+#include "tests/support/log_file.h"
+
+namespace zebtest {
+namespace {
+
+constexpr char kOpenedAndClosed[] = "00/00 ref=00000000\n00/09 ref=00000000\n";
+constexpr char kOneController[] = R"({"controllers":[{"drives":[{}]}]})";
+
+class StartUp : public OperationTest {
+  protected:
+    RunResult runWord(const std::string& word) {
+        std::filesystem::remove(box.log());
+        return box.run(optionsFor("", word));
+    }
+};
+
+struct Refusal {
+    const char* name;
+    RunOptions options;
+    std::string message;
+    std::vector<std::string> traces{}; ///< logged before the message
+    std::string requests{};
+};
+
+RunOptions call(std::vector<std::string> args, std::map<std::string, std::string> env = {}, uid_t uid = 0,
+                std::string argv0 = "zebcli") {
+    RunOptions options;
+    options.args = std::move(args);
+    options.env = std::move(env);
+    options.uid = uid;
+    options.argv0 = std::move(argv0);
+    return options;
+}
+
+/// The reason of the dynamic loader and errno are not ours.
+const std::vector<Mask> kForeign{{"dlerror = .*libstorelib\\.so.*", "dlerror = REASON"},
+                                 {"error code - 0x[0-9A-F]{8}", "error code - CODE"}};
+
+void expectRefused(const Refusal& refusal, const RunResult& result, const LogFile& log) {
+    EXPECT_TRUE(sameText(result.out, refusal.message + "\n")) << result;
+    EXPECT_EQ(255, result.exitStatus);
+    EXPECT_TRUE(sameMode(result.terminalBefore, result.terminalAfter));
+    EXPECT_TRUE(sameText(briefs(parseTrace(result.trace)), refusal.requests));
+    const auto records = log.records();
+    ASSERT_FALSE(records.empty());
+    std::string commandLine = refusal.options.argv0 + " ";
+    for (const auto& argument : refusal.options.args)
+        commandLine += argument + " ";
+    EXPECT_FALSE(records[0].message.empty());
+    EXPECT_TRUE(commandLine.starts_with(records[0].message)) << records[0].message;
+    EXPECT_EQ("", records[0].source);
+    EXPECT_EQ(0U, records[0].line);
+    std::vector<std::string> wanted = refusal.traces;
+    wanted.push_back(masked(refusal.message, {{"\n", " "}, {" +$", ""}}));
+    ASSERT_GT(records.size(), wanted.size());
+    for (std::size_t i = 0; i < wanted.size(); ++i)
+        EXPECT_EQ(wanted[i], masked(records[i + 1].message, kForeign));
+    EXPECT_EQ("zebcli_main", records[wanted.size()].source);
+}
+
+TEST_F(StartUp, RefusalsAreSaidLoggedAndLeaveNothingBehind) {
+    writeFile(box.root() / "none.json", R"({"controllers":[]})");
+    writeFile(box.root() / "five.json", R"({"controllers":[{},{"id":1},{"id":2},{"id":3},{"id":4}]})");
+    std::filesystem::permissions(box.logFolder(), std::filesystem::perms::all);
+    const std::string tooMany = "Error - The number of RAID controller is over 4.\nQuits the application.\n";
+    const std::string noneFound = "Error - No RAID controller is found.\nQuits the application.\n";
+    const std::string noStart = "Error - Failed to initialize.";
+    const std::string wrong = "Error - Invoked with wrong parameters.";
+    const std::string tooLong(257, 'x');
+    const Refusal refusals[] = {
+        {"no library",
+         call({"-v"}, {{"LD_LIBRARY_PATH", box.noLibrary()}}),
+         noStart,
+         {"!ERR dlerror = REASON", "!ERR No library could be loaded. Exiting"}},
+        {"no entry point",
+         call({"-v"}, {{"LD_LIBRARY_PATH", ZEB_LIB_NO_ENTRY}}),
+         noStart,
+         {"!ERR Unable to get Entry Point address-ProcessLibCommand(). - error code - CODE"}},
+        {"initialisation fails",
+         call({"-?"}, {{"ZEBSIM_FAULTS", R"([{"nth":1,"status":"0x8009"}])"}}),
+         noStart,
+         {"func=InitializeLibrary: CmdParam >",
+          "!ERR func=InitializeLibrary: Command to driver timed out (rval = 0x00008009)",
+          "!ERR InitLib failed for MegaRAID SAS Controller!! rval 0x8009", "!ERR InitLib failed for All library."},
+         kOpenedAndClosed},
+        {"no controller",
+         call({"-?"}, {{"ZEBSIM_SCENARIO", box.root() / "none.json"}}),
+         noneFound,
+         {},
+         kOpenedAndClosed},
+        {"five controllers",
+         call({"-?"}, {{"ZEBSIM_SCENARIO", box.root() / "five.json"}}),
+         tooMany,
+         {},
+         kOpenedAndClosed},
+        {"65535 controllers",
+         call({"-?"}, {{"ZEBSIM_FAULTS", R"([{"nth":1,"patch":[{"offset":0,"hex":"ffff"}]}])"}}),
+         tooMany,
+         {},
+         kOpenedAndClosed},
+        {"no argument", call({}), wrong},
+        {"long word", call({tooLong}), wrong},
+        {"long argument", call({"-v", "-a0", tooLong}), wrong},
+        {"long program name", call({"-v"}, {}, 0, tooLong), wrong},
+        {"another user, no argument", call({}, {}, 65534), "Fatal error - It is not root user."},
+        {"two dashes", call({"--ctrlinfo"}), "Error - Invalid input at or near token -ctrlinfo."},
+        {"dash behind", call({"CTRLINFO-"}), "Error - Invalid input at or near token ctrlinfo-."},
+        {"dash alone", call({"-"}), "Error - Invalid input at or near token -."},
+        {"empty word", call({""}), "Error - Invalid input at or near token ."},
+        {"beginning of a word", call({"-ctrlinf"}), "Error - Invalid input at or near token ctrlinf."},
+        {"conversions", call({"-%n%S"}), "Error - Invalid input at or near token %n%s."},
+    };
+    for (const auto& refusal : refusals) {
+        SCOPED_TRACE(refusal.name);
+        std::filesystem::remove(box.log());
+        RunOptions options = refusal.options;
+        options.trace = true;
+        options.input = Input::kTerminal;
+        expectRefused(refusal, box.run(options), LogFile(box.log()));
+    }
+}
+
+TEST_F(StartUp, LogCommandTakesNoSnapshotButNeedsControllers) {
+    EXPECT_EQ(kOpenedAndClosed, briefs(parseTrace(runWord("-log").trace)));
+    auto options = call({"-log"});
+    options.env["ZEBSIM_FAULTS"] = R"([{"nth":1,"patch":[{"offset":0,"hex":"0000"}]}])";
+    EXPECT_EQ("Error - No RAID controller is found.\nQuits the application.\n\n", box.run(options).out);
+}
+
+TEST_F(StartUp, ArgumentsOf256CharactersPass) {
+    const std::string longest(256, 'X');
+    EXPECT_EQ("Error - Invalid input at or near token -v.\n", box.run({"-v", longest}).out);
+    EXPECT_EQ(0, box.run(call({"-v"}, {}, 0, longest)).exitStatus);
+    EXPECT_TRUE(box.run({longest}).out.starts_with("Error - Invalid input at or near token xxxxxxxx"));
+}
+
+TEST_F(StartUp, EachWordRunsItsHandler) {
+    const auto table =
+        words("-lde CliCmdExecCfgLDEasyMakeAdd -ldc CliCmdExecCfgLDCustomMakeAdd -lddel CliCmdExecCfgLDDel "
+              "-pdhsp CliCmdExecPDHSP -ctrlinfo CliCmdExecAdpInfo -CTRLINFO CliCmdExecAdpInfo "
+              "ctrlinfo CliCmdExecAdpInfo xx-ctrlinfo CliCmdExecAdpInfo -ldpdinfo CliCmdExecLDInfo "
+              "-pdinfo CliCmdExecPDInfo -cbinfo CliCmdExecCacheBkupInfo -cblearn CliCmdExecCacheBkup "
+              "-enclinfo CliCmdExecEnclInfo -V CliCmdExecVersion -h CliCmdExecHelp help CliCmdExecHelp "
+              "-? CliCmdExecHelp -ldsetprop CliCmdExecLDSetProp -ctrlautorbld CliCmdExecAdpRbldMode "
+              "-ctrlsetprop CliCmdExecAdpSetProp -ctrlpr CliCmdExecAdpPR -ldinit CliCmdExecLDINIT "
+              "-pdrbld CliCmdExecPDRbld -ldcc CliCmdExecLDCC -ldpdprog CliCmdExecLDPDProg -tstevt CliCmdExecTSTEVT "
+              "-pdlocate CliCmdExecPDLocate -pdonline CliCmdExecPDOnline -pdoffline CliCmdExecPDOffline "
+              "-pdmakegood CliCmdExecPDMakeGood -log CliCmdExecLog -sse CliCmdExecSSEnableEasy "
+              "-snapshot CliCmdExecSnapshot");
+    for (std::size_t i = 0; i < table.size(); i += 2) {
+        const std::string& typed = table[i];
+        SCOPED_TRACE(typed);
+        EXPECT_EQ(0, runWord(typed).exitStatus);
+        const auto messages = LogFile(box.log()).messages();
+        ASSERT_GT(messages.size(), 1U);
+        EXPECT_EQ(table[i + 1], messages[1]);
+    }
+}
+
+TEST_F(StartUp, CommandsWithoutBehaviourSaySo) {
+    const auto refusal = error("Error - This command is not supported at the current configuration.");
+    for (const char* typed : {"-lde", "-ldc -r0", "-lddel", "-ctrlpr", "-sse", "-snapshot"})
+        check(kOneController, {typed, {refusal}, "", "", ""});
+}
+
+/// The interrupt key is typed between the blocks of two drives, where no question has changed the mode.
+TEST_F(StartUp, OnlyEchoAndSignalKeysAreOffDuringTheRun) {
+    auto options = optionsFor(R"({"controllers":[{"drives":[{"repeat":2}]}]})", "-pdinfo");
+    options.env["ZEBSIM_LATENCY_US"] = "20000";
+    options.input = Input::kTerminal;
+    options.output = Output::kTerminal;
+    options.answers = {{"PD0", "\x03", true}};
+    const auto result = box.run(options);
+    ASSERT_EQ(1U, result.terminalAtAnswer.size()) << result;
+    EXPECT_EQ(0, result.exitStatus) << result;
+    EXPECT_NE(std::string::npos, result.out.find("PD1"));
+    auto wanted = result.terminalBefore;
+    EXPECT_EQ(tcflag_t{ECHO | ISIG}, wanted.c_lflag & (ECHO | ISIG));
+    wanted.c_lflag &= ~static_cast<tcflag_t>(ECHO | ISIG);
+    EXPECT_TRUE(sameMode(wanted, result.terminalAtAnswer[0]));
+    EXPECT_TRUE(sameMode(result.terminalBefore, result.terminalAfter));
+}
+
+TEST_F(StartUp, HelpFollowsTheFirstControllerWithAnAdvancedOption) {
+    const std::string plain = "help_plain.txt";
+    const std::string cacheCade = "help_cachecade.txt";
+    const std::pair<const char*, std::string> cases[] = {
+        {"[{}]", plain},
+        {R"([{"fastPath":true}])", plain},
+        {R"([{"snapshot":true},{"id":1,"cacheCadeCapacity":512}])", plain},
+        {R"([{"fastPath":true},{"id":1,"cacheCadeCapacity":1}])", cacheCade},
+        {R"([{},{"id":1},{"id":2},{"id":3,"snapshot":true,"cacheCadeCapacity":256}])", cacheCade}};
+    for (const auto& [controllers, kept] : cases) {
+        SCOPED_TRACE(controllers);
+        const auto options = optionsFor(std::string(R"({"controllers":)") + controllers + "}", "-h");
+        EXPECT_TRUE(matchesKept("start_up/" + kept, box.run(options).out));
+    }
+}
+
+TEST_F(StartUp, VersionShowsTheLibrarysOwn) {
+    const std::tuple<const char*, const char*, std::vector<std::string>> cases[] = {
+        {"", "version.txt", {}},
+        {R"([{"type":0,"cmd":4,"patch":[{"offset":0,"hex":"414243442541256e25732573"}]}])",
+         "version_full_width.txt",
+         {}},
+        {R"([{"type":0,"cmd":4,"status":"0x8009"}])",
+         "version_unknown.txt",
+         {"func=SLGetLibraryVersion: CmdParam >",
+          "!ERR func=SLGetLibraryVersion: Command to driver timed out (rval = 0x00008009)"}}};
+    for (const auto& [faults, kept, logged] : cases) {
+        SCOPED_TRACE(kept);
+        std::filesystem::remove(box.log());
+        auto options = optionsFor(kOneController, "-v");
+        options.env["ZEBSIM_FAULTS"] = faults;
+        EXPECT_TRUE(matchesKept(std::string("start_up/") + kept, box.run(options).out));
+        EXPECT_EQ(logged, loggedMessages());
+    }
+}
+
+TEST_F(StartUp, HelpAndVersionTakeNoArgument) {
+    for (const std::string typed : {"-help", "-h", "?", "-V", "x-v"}) {
+        check(kOneController, {typed + " -a0 -x", {badToken(typed)}, "", "", ""});
+    }
+}
+
+TEST_F(StartUp, RequestsOfARun) {
+    EXPECT_TRUE(matchesKept("start_up/requests_of_version.txt", runWord("-v").trace));
+}
+
+} // namespace
+} // namespace zebtest

@@ -1,0 +1,276 @@
+// Queries: what each sends, and what it makes of the answer.
+#include <cstring>
+
+#include "main/zebcli_cmd_com/lookup.h"
+#include "main/zebcli_cmd_com/vocabulary.h"
+#include "storelib/common/StoreLib/cache_backup.h"
+#include "storelib/common/StoreLib/configuration.h"
+#include "storelib/common/StoreLib/controller.h"
+#include "storelib/common/StoreLib/enclosure.h"
+#include "storelib/common/StoreLib/logical_drive.h"
+#include "storelib/common/StoreLib/physical_drive.h"
+#include "tests/support/wire.h"
+
+namespace zebtest {
+namespace {
+
+constexpr std::uint16_t kArray = 0x0105;
+constexpr std::uint16_t kEncl = 0x0203;
+constexpr std::uint32_t kConfig = 1001;
+constexpr std::uint8_t kOld = 0xE7;
+constexpr bool kZeroed = true;
+constexpr bool kAsGiven = false;
+constexpr std::size_t kNothingSorted = SIZE_MAX;
+
+Call onConfig(std::uint32_t (*wrapper)(unsigned char, _MR_CONFIG_DATA*, std::uint32_t)) {
+    return [=](void* data) { return wrapper(kCont, static_cast<_MR_CONFIG_DATA*>(data), kConfig); };
+}
+
+const struct Query {
+    const char* name;
+    std::uint8_t type, cmd;
+    std::uint32_t ref, size;
+    bool zeroed;
+    Call call;
+    std::size_t countAt = kNothingSorted; // where the count stands by which the answer is sorted
+} kQueries[] = {
+    {"SLGetCtrlInfo", 0x01, 0x00, 0, 2048, kZeroed, on(SLGetCtrlInfo)},
+    {"SLGetCtrlProp", 0x01, 0x01, 0, 64, kZeroed, on(SLGetCtrlProp)},
+    {"SLGetPDList", 0x01, 0x04, 0, 6152, kAsGiven, on(SLGetPDList), 4},
+    {"SLGetEnclList", 0x01, 0x05, 0, 4616, kAsGiven, on(SLGetEnclList)},
+    {"SLGetPciInfo", 0x01, 0x0B, 0, 112, kAsGiven, on(SLGetPciInfo)},
+    {"SLGetLDList", 0x01, 0x0D, 0, 1032, kZeroed, on(SLGetLDList), 0},
+    {"SLGetPatrolReadProp", 0x01, 0x0F, 0, 208, kAsGiven, on(SLGetPatrolReadProp)},
+    {"SLGetDrvVer", 0x01, 0x13, 0, 112, kAsGiven, on(SLGetDrvVer)},
+    {"SLGetPDInfo", 0x02, 0x00, kDevice, 512, kZeroed, on(SLGetPDInfo, kSlot)},
+    {"SLGetPdProggress", 0x02, 0x07, kDevice, 32, kAsGiven, on(SLGetPdProggress, kSlot)},
+    {"SLGetPDAllowedOperation", 0x02, 0x14, kDevice, 4, kAsGiven, on(SLGetPDAllowedOperation, kSlot)},
+    {"SLGetLDInfo", 0x03, 0x00, kLd, 384, kAsGiven, on(SLGetLDInfo, kLd)},
+    {"SLGetLDProperties", 0x03, 0x01, kLd, 32, kAsGiven, on(SLGetLDProperties, kLd)},
+    {"SLGetLdProggress", 0x03, 0x08, kLd, 36, kAsGiven, on(SLGetLdProggress, kLd)},
+    {"SLGetPDInLD", 0x03, 0x0B, kLd, 516, kAsGiven, on(SLGetPDInLD, kLd)},
+    {"SLGetLDAllowedOperation", 0x03, 0x0E, kLd, 4, kAsGiven, on(SLGetLDAllowedOperation, kLd)},
+    {"SLReadConfig", 0x04, 0x00, 0, kConfig, kZeroed, onConfig(SLReadConfig), 8},
+    {"SLScanForForeignConfig", 0x04, 0x03, 0, 196, kAsGiven, on(SLScanForForeignConfig)},
+    {"SLReadConfigAfterImport", 0x04, 0x05, ~0U, kConfig, kAsGiven, onConfig(SLReadConfigAfterImport), 8},
+    {"SLGetArrayInfo", 0x04, 0x08, kArray, 2368, kAsGiven, on(SLGetArrayInfo, kArray)},
+    {"SLGetCacheBkupStatus", 0x05, 0x00, 0, 64, kAsGiven, on(SLGetCacheBkupStatus)},
+    {"SLGetCacheBkupCapacityInfo", 0x05, 0x01, 0, 48, kAsGiven, on(SLGetCacheBkupCapacityInfo)},
+    {"SLGetCacheBkupDesignInfo", 0x05, 0x02, 0, 64, kAsGiven, on(SLGetCacheBkupDesignInfo)},
+    {"SLGetCacheBkupProperties", 0x05, 0x04, 0, 32, kAsGiven, on(SLGetCacheBkupProperties)},
+    {"SLGetEnclConfig", 0x08, 0x00, kEncl, 1024, kAsGiven, on(SLGetEnclConfig, kEncl)},
+    {"SLGetEnclStatus", 0x08, 0x05, kEncl, 2048, kAsGiven, on(SLGetEnclStatus, kEncl)},
+};
+
+using WireQueries = WireTest;
+
+TEST_F(WireQueries, SendTheirRequestAndHandBackTheAnswerAsItCame) {
+    std::uint32_t seed = 0;
+    for (const Query& query : kQueries) {
+        Bytes answer = randomBytes(++seed, query.size);
+        if (query.countAt != kNothingSorted)
+            std::fill_n(answer.begin() + static_cast<std::ptrdiff_t>(query.countAt), 4, std::uint8_t{0});
+        const Bytes untouched(query.size, query.zeroed ? std::uint8_t{0} : kOld);
+        std::vector<Step> steps;
+        if (query.ref == kDevice)
+            steps.push_back({pdList({device(kDevice, kSlot)}), {"SLGetPDList", "SLGetDeviceId", query.name}});
+        steps.push_back({request(query.type, query.cmd, query.ref, query.size, answer, untouched), {query.name}});
+        Bytes data(query.size);
+        check(
+            query.name, steps,
+            [&] {
+                std::fill(data.begin(), data.end(), kOld);
+                return query.call(data.data());
+            },
+            [&](bool succeeded) { EXPECT_EQ(succeeded ? answer : untouched, data); });
+    }
+}
+
+TEST_F(WireQueries, SlotWithoutDiskIsNotAskedFor) {
+    ExpectedRequest list = pdList({device(1, kSlot, 0x0D), device(2, kSlot - 1), device(3, kSlot)});
+    list.answer[4] = 2; // the third is beyond the count
+    for (const Query& query : kQueries)
+        if (query.ref == kDevice) {
+            Bytes data(query.size);
+            library.expect(list);
+            EXPECT_EQ(0x0CU, query.call(data.data())) << query.name;
+            EXPECT_TRUE(
+                sameText(log.take(), "!ERR func=SLGetDeviceId: contNo=1, slotNo=200\n" + statusLine(query.name, 0x0C)));
+        }
+}
+
+// Queries that work on the answer before they hand it back.
+
+template <class Number>
+void put(Bytes& bytes, std::size_t at, Number number) {
+    std::memcpy(bytes.data() + at, &number, sizeof number);
+}
+
+TEST_F(WireQueries, ListsAreSortedAsFarAsTheyReach) {
+    for (const std::uint32_t count : {0U, 1U, 3U, 255U, 256U, 257U, 65535U, 0xFFFFFFFFU}) {
+        SCOPED_TRACE(count);
+        _MR_PD_LIST pds{};
+        Bytes bytes = randomBytes(count, sizeof pds);
+        put(bytes, 4, count);
+        pass({request(0x01, 0x04, 0, 6152, bytes)}, [&] { return SLGetPDList(kCont, &pds); });
+        const std::size_t sorted = std::min(count, 256U);
+        EXPECT_TRUE(std::is_sorted(pds.addr, pds.addr + sorted, [](auto& a, auto& b) { return a.slotNo < b.slotNo; }));
+        EXPECT_EQ(0, std::memcmp(pds.addr + sorted, bytes.data() + 8 + 24 * sorted, 24 * (256 - sorted)));
+
+        _MR_LD_LIST lds{};
+        bytes = randomBytes(count, sizeof lds);
+        put(bytes, 0, count);
+        pass({request(0x01, 0x0D, 0, 1032, bytes)}, [&] { return SLGetLDList(kCont, &lds); });
+        EXPECT_TRUE(std::is_sorted(lds.ld, lds.ld + std::min(count, 64U),
+                                   [](auto& a, auto& b) { return a.targetId < b.targetId; }));
+        unsigned char number = 0;
+        pass({request(0x01, 0x0D, 0, 1032, bytes)}, [&] { return SLGetLdNum(kCont, &number); });
+        EXPECT_EQ(count & 0xFFU, number);
+    }
+}
+
+TEST_F(WireQueries, ConfigurationSortsItsLdsOnlyInsideTheBlock) {
+    const struct {
+        std::uint32_t size; // bytes of the block
+        std::uint16_t arrays, lds;
+        unsigned whole; // LDs that lie whole in the block
+    } cases[] = {{32 + 288 + 768, 1, 3, 3}, {32 + 288 + 768, 1, 4, 3}, {32 + 288 + 767, 1, 3, 2},
+                 {32 + 1280, 0, 65535, 5},  {616, 65535, 65535, 0},    {31, 0, 1, 0}};
+    for (const auto& c : cases) {
+        Bytes bytes = randomBytes(c.size, c.size);
+        put(bytes, 4, c.arrays);
+        put(bytes, 8, c.lds);
+        const std::size_t first = 32 + std::size_t{c.arrays} * 288;
+        for (unsigned i = 0; i < c.whole; ++i)
+            bytes[first + i * 256] = static_cast<std::uint8_t>(200 - i); // target ids in descending order
+        Bytes wanted = bytes;
+        for (unsigned i = 0; i < c.whole; ++i)
+            std::memcpy(&wanted[first + i * 256], &bytes[first + (c.whole - 1 - i) * 256], 256);
+        Bytes block(c.size);
+        pass({request(0x04, 0x00, 0, c.size, bytes)},
+             [&] { return SLReadConfig(kCont, reinterpret_cast<_MR_CONFIG_DATA*>(block.data()), c.size); });
+        EXPECT_EQ(wanted, block) << c.size << " bytes, " << c.lds << " LDs";
+    }
+}
+
+TEST_F(WireQueries, ConfigurationSizeIsTheFirstWordOfAShortRead) {
+    unsigned size = 7;
+    const auto after = [&](bool succeeded) { EXPECT_EQ(succeeded ? 0xF2345678U : 0U, std::exchange(size, 7)); };
+    check(
+        "SLGetConfigSize", {{request(0x04, 0x00, 0, 616, {0x78, 0x56, 0x34, 0xF2}), {"SLGetConfigSize"}}},
+        [&] { return SLGetConfigSize(kCont, &size); }, after);
+    check(
+        "SLGetForeignConfigSize",
+        {{request(0x04, 0x05, ~0U, 616, {0x78, 0x56, 0x34, 0xF2}), {"SLGetForeignConfigSize"}}},
+        [&] { return SLGetForeignConfigSize(kCont, &size); }, after);
+}
+
+TEST_F(WireQueries, LookUpsTakeTheFirstDiskOfTheSortedList) {
+    const ExpectedRequest list =
+        pdList({device(20, 9), device(10, 5), device(30, 4, 0x0D), device(10, 3), device(11, 7)});
+    const std::pair<std::uint8_t, std::uint16_t> found[] = {{5, 10}, {9, 20}, {7, 11}};
+    for (const auto& [slot, id] : found) {
+        std::uint16_t deviceId = 0;
+        pass({list}, [&, s = slot] { return SLGetDeviceId(kCont, s, &deviceId); });
+        EXPECT_EQ(id, deviceId) << int{slot};
+        unsigned char slotNo = 0;
+        pass({list}, [&, d = id] { return SLGetSlotNo(kCont, d, &slotNo); });
+        EXPECT_EQ(id == 10 ? 3 : slot, slotNo) << id;
+    }
+    unsigned char slotNo = 77;
+    library.expect(list);
+    EXPECT_EQ(0x0CU, SLGetSlotNo(kCont, 30, &slotNo)) << "an enclosure is no disk";
+    EXPECT_EQ("!ERR func=SLGetSlotNo: contNo=1, deviceId=30\n", log.take());
+}
+
+TEST_F(WireQueries, SlotCountAddsOneOnlyAmongSeveralEnclosures) {
+    const struct {
+        std::uint32_t count;
+        std::pair<std::uint8_t, std::uint8_t> first, second; // slots and type
+        std::uint16_t wanted;
+    } cases[] = {{1, {12, 2}, {}, 12},   {1, {12, 3}, {}, 12},       {2, {4, 3}, {8, 2}, 9},
+                 {2, {4, 0}, {8, 2}, 5}, {2, {4, 3}, {8, 3}, 0},     {0, {4, 2}, {}, 0},
+                 {2, {255, 1}, {}, 256}, {65535, {7, 3}, {8, 1}, 9}, {0xFFFFFFFF, {7, 2}, {}, 8}};
+    for (const auto& c : cases) {
+        _MR_ENCL_LIST list{};
+        list.count = c.count;
+        std::tie(list.encl[0].slotCount, list.encl[0].type) = c.first;
+        std::tie(list.encl[1].slotCount, list.encl[1].type) = c.second;
+        std::uint16_t slots = 999;
+        check(
+            "SLGetSlotNum", {{request(0x01, 0x05, 0, 4616, bytesOf(list)), {"SLGetEnclList", "SLGetSlotNum"}}},
+            [&] { return SLGetSlotNum(kCont, &slots); },
+            [&](bool succeeded) { EXPECT_EQ(succeeded ? c.wanted : 0, slots) << c.count << int{c.first.first}; });
+    }
+}
+
+/// The LD-to-OS mapping with that count and these entries: target id, partition value, name.
+ExpectedRequest osMap(std::uint32_t count, const std::vector<_SL_LD_OS_MAP_ENTRY>& entries) {
+    _SL_LD_OS_MAP_T map{};
+    map.count = count;
+    std::copy(entries.begin(), entries.end(), map.entry);
+    return request(0x01, 0x0C, 0, 9220, bytesOf(map), Bytes{});
+}
+
+TEST_F(WireQueries, OsDriveNameIsThatOfTheLastEntry) {
+    const std::pair<ExpectedRequest, const char*> cases[] = {
+        {osMap(3, {{5, 0, "/dev/sdx"}, {kLd, 0, "/dev/sda"}, {kLd, 0, "/dev/sdb"}}), "/dev/sdb"},
+        {osMap(1, {{kLd, 0, "/dev/sda"}, {kLd, 0, "/dev/sdb"}}), "/dev/sda"},
+        {osMap(1, {{kLd, 0, "/dev/mapper/one-of-27-chars"}}), "/dev/mapper/one"},
+        {osMap(1, {{0x100U + kLd, 0, "/dev/sda"}}), "NULL"},
+        {osMap(~0U, {{kLd, 0, "/dev/sda"}}), "/dev/sda"}};
+    for (const auto& [map, wanted] : cases) {
+        char name[kOsDriveNameSize];
+        check(
+            "SLGetOSDriveName", {{map, {"SLGetOSDriveName"}}},
+            [&] {
+                std::memset(name, 'x', sizeof name);
+                return SLGetOSDriveName(kCont, kLd, name);
+            },
+            [&, w = wanted](bool succeeded) { EXPECT_STREQ(succeeded ? w : "NULL", name); });
+    }
+}
+
+TEST_F(WireQueries, PartitionIsAskedInTwoStepsAndAlwaysTraced) {
+    for (const std::size_t nonZero : {7U, 8U, 15U, 16U}) {
+        _SL_PARTITION_INFO_T partition{};
+        const Bytes old = randomBytes(1, sizeof partition);
+        Bytes answer(14344, 0);
+        answer[nonZero] = 1;
+        ExpectedRequest second = request(0x00, 0x08, 0, 14344, answer, Bytes{});
+        second.param = {0x34, kLd};
+        const std::vector<Step> steps = {{osMap(2, {{kLd, 0x1234, ""}, {kLd, 0x56, ""}}), {"SLGetLDPartition"}},
+                                         {second, {"SLGetLDPartition"}, {}, true}};
+        check(
+            "SLGetLDPartition", steps,
+            [&] {
+                std::memcpy(&partition, old.data(), old.size());
+                return SLGetLDPartition(kCont, kLd, &partition);
+            },
+            [&](bool succeeded) { EXPECT_EQ(succeeded ? Bytes(&answer[0], &answer[120]) : old, bytesOf(partition)); });
+        library.expect(steps[0].request);
+        library.expect(second);
+        EXPECT_EQ(nonZero == 8 || nonZero == 15, IsOSInstallLD(kCont, kLd, nullptr)) << nonZero;
+        log.take();
+        pass({osMap(1, {{kLd + 1, 0, ""}})}, [&] { return IsOSInstallLD(kCont, kLd, nullptr); });
+        library.expect(failing(osMap(0, {}), 0x04));
+        EXPECT_EQ(0, IsOSInstallLD(kCont, kLd, nullptr));
+        EXPECT_TRUE(log.take().ends_with("\n!ERR func=IsOSInstallLD: SLGetLDPartition error, contNo=1, ldNo=43\n"));
+    }
+}
+
+TEST_F(WireQueries, SoftwareRaidIsToldByTheNameOfTheFirstController) {
+    const std::pair<const char*, int> cases[] = {
+        {"LSI Embedded MegaRAID", 1}, {"", 1}, {"LSI", 1}, {"LSI Embedded MegaRAID X", 0}, {"lsi", 0}};
+    for (const auto& [name, wanted] : cases) {
+        Bytes info(2048);
+        std::copy_n(name, std::strlen(name), info.begin() + 1344);
+        library.expect({.type = 0x01, .cmd = 0x00, .size = 2048, .answer = info});
+        EXPECT_EQ(wanted, IsSoftwareRAID()) << name;
+    }
+    library.expect({.type = 0x01, .cmd = 0x00, .size = 2048, .status = 0x04});
+    EXPECT_EQ(0, IsSoftwareRAID());
+}
+
+} // namespace
+} // namespace zebtest

@@ -1,15 +1,19 @@
-# Compiler settings that every target shares, as two interface libraries:
-#   zeb_compiler   warnings (errors when ZEB_WERROR), reproducible paths, the checked standard library, the sanitizers
+# Compiler settings that every target shares, as interface libraries:
+#   zeb_plain      warnings (errors when ZEB_WERROR), reproducible paths, the checked standard library
+#   zeb_compiler   the same and the sanitizers
 #   zeb_hardening  what a release binary or shared object is linked with
 option(ZEB_WERROR "Treat warnings as errors" OFF)
 option(ZEB_SANITIZE "Build with the address and undefined-behaviour sanitizers" OFF)
 
-add_library(zeb_compiler INTERFACE)
-target_compile_options(zeb_compiler INTERFACE
+add_library(zeb_plain INTERFACE)
+target_compile_options(zeb_plain INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wshadow
   -ffile-prefix-map=${CMAKE_SOURCE_DIR}=. -ffile-prefix-map=${CMAKE_BINARY_DIR}=build
   $<$<BOOL:${ZEB_WERROR}>:-Werror>)
-target_compile_definitions(zeb_compiler INTERFACE _GLIBCXX_ASSERTIONS)
+target_compile_definitions(zeb_plain INTERFACE _GLIBCXX_ASSERTIONS)
+
+add_library(zeb_compiler INTERFACE)
+target_link_libraries(zeb_compiler INTERFACE zeb_plain)
 
 add_library(zeb_hardening INTERFACE)
 

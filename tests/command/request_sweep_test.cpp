@@ -7,8 +7,8 @@
 #include <array>
 #include <atomic>
 #include <filesystem>
-#include <functional>
 #include <map>
+#include <optional>
 #include <set>
 #include <thread>
 
@@ -125,8 +125,18 @@ struct Point {
     }
 };
 
-RunOptions optionsFor(const SweptCommand& command) {
+/// The program that is swept: that of this build, or a release build, which is fast enough for every kind of failure at
+/// every request.
+struct SweptProgram {
+    std::string program;
+    std::optional<std::filesystem::path> libraryDir;
+    bool everyKind;
+};
+
+RunOptions optionsFor(const SweptProgram& program, const SweptCommand& command) {
     RunOptions options;
+    options.program = program.program;
+    options.libraryDir = program.libraryDir;
     options.args = command.args;
     options.trace = true;
     options.input = command.input != nullptr ? Input::kPipe : Input::kTerminal;
@@ -144,13 +154,13 @@ struct CleanRuns {
     std::map<const SweptCommand*, std::vector<TracedRequest>> requests;
     std::size_t startUp = 0;
 
-    explicit CleanRuns(Sandbox& box) {
-        startUp = parseTrace(runTrace(box, {"help", {"-help"}, true})).size() - 1; // without the exit request
+    CleanRuns(Sandbox& box, const SweptProgram& program) {
+        const auto send = [&](const SweptCommand& command) {
+            return parseTrace(box.run(optionsFor(program, command)).trace);
+        };
+        startUp = send({"help", {"-help"}, true}).size() - 1; // without the exit request
         for (const SweptCommand& command : kCommands)
-            requests[&command] = parseTrace(runTrace(box, command));
-    }
-    static std::string runTrace(Sandbox& box, const SweptCommand& command) {
-        return box.run(optionsFor(command)).trace;
+            requests[&command] = send(command);
     }
 };
 
@@ -187,10 +197,10 @@ void checkFailure(const Point& point, const CleanRuns& clean, const RunResult& r
     }
 }
 
-void runPoint(Sandbox& box, const Point& point, const CleanRuns& clean) {
+void runPoint(Sandbox& box, const SweptProgram& program, const Point& point, const CleanRuns& clean) {
     SCOPED_TRACE(std::string(point.command->name) + " " + point.fault());
     std::filesystem::remove(box.log());
-    RunOptions options = optionsFor(*point.command);
+    RunOptions options = optionsFor(program, *point.command);
     options.env["ZEBSIM_FAULTS"] = point.fault();
     const RunResult result = box.run(options);
     const LogFile log(box.log());
@@ -204,36 +214,52 @@ void runPoint(Sandbox& box, const Point& point, const CleanRuns& clean) {
         checkFailure(point, clean, result, log);
 }
 
-std::vector<Point> makePoints(const CleanRuns& clean) {
+/// Every kind of failure at each request, or one kind at each, in turn.
+std::vector<Point> makePoints(const CleanRuns& clean, bool everyKind) {
     std::vector<Point> points;
     for (const SweptCommand& command : kCommands)
         for (std::size_t position = 1; position <= clean.requests.at(&command).size(); ++position) {
-            // Under the sanitizers one status at each place, in turn; else all of them.
-            for (std::size_t i = 0; i < std::size(kStatuses); ++i)
-                if (!kSanitized || i == position % std::size(kStatuses))
-                    points.push_back({&command, position, Point::kOnce, kStatuses[i]});
-            points.push_back({&command, position, Point::kForEver, kStatuses[(position + 1) % std::size(kStatuses)]});
-            points.push_back({&command, position, Point::kTruncated});
-            points.push_back({&command, position, Point::kRandom});
+            std::vector<Point> here;
+            for (const Status& status : kStatuses)
+                here.push_back({&command, position, Point::kOnce, status});
+            here.push_back({&command, position, Point::kForEver, kStatuses[position % std::size(kStatuses)]});
+            here.push_back({&command, position, Point::kTruncated});
+            here.push_back({&command, position, Point::kRandom});
+            if (everyKind)
+                points.insert(points.end(), here.begin(), here.end());
+            else
+                points.push_back(here[(position + points.size()) % here.size()]);
         }
     return points;
 }
 
 using RequestSweep = SandboxTest;
 
-TEST_F(RequestSweep, EveryRequestOfEveryCommandMayFail) {
-    const CleanRuns clean(box);
-    const std::vector<Point> points = makePoints(clean);
-    EXPECT_GT(points.size(), 5000U);
+std::size_t sweep(Sandbox& box, const SweptProgram& program) {
+    const CleanRuns clean(box, program);
+    const std::vector<Point> points = makePoints(clean, program.everyKind);
     std::atomic<std::size_t> next = 0;
     const auto work = [&] {
         Sandbox own;
-        for (std::size_t i = next++; i < points.size() && !HasFailure(); i = next++)
-            runPoint(own, points[i], clean);
+        for (std::size_t i = next++; i < points.size() && !testing::Test::HasFailure(); i = next++)
+            runPoint(own, program, points[i], clean);
     };
     std::thread other(work);
     work();
     other.join();
+    return points.size();
+}
+
+TEST_F(RequestSweep, OneKindOfFailureAtEveryRequest) {
+    EXPECT_GT(sweep(box, {"", std::nullopt, false}), 1000U);
+}
+
+TEST_F(RequestSweep, EveryKindOfFailureAtEveryRequestOfTheReleaseBuild) {
+#ifndef ZEB_RELEASE_DIR
+    GTEST_SKIP() << "no release build was named (ZEB_RELEASE_BUILD)";
+#else
+    EXPECT_GT(sweep(box, {ZEB_RELEASE_DIR "/zebcli", ZEB_RELEASE_DIR "/simulator", true}), 5000U);
+#endif
 }
 
 } // namespace

@@ -17,7 +17,7 @@
 
 namespace zebtest {
 
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(ZEB_SANITIZED) || defined(__SANITIZE_ADDRESS__)
 inline constexpr bool kSanitized = true;
 #elif defined(__has_feature)
 inline constexpr bool kSanitized = __has_feature(address_sanitizer);

@@ -72,7 +72,7 @@ TEST_F(UnitPatternFile, EachLineIsANumberOfDrives) {
 TEST_F(UnitConstruction, SupportAndLimitsOfALevel) {
     _MR_CTRL_INFO& info = model.cont().ctrlInfo;
     for (std::uint16_t i = 0; i < 16; ++i)
-        info.pdsForRaidLevel[i] = static_cast<std::uint16_t>((4000 + i) << 4U | 0xFU);
+        info.pdsForRaidLevel[i] = static_cast<std::uint16_t>((4000U + i) << 4U | 0xFU);
     const unsigned limits[] = {4000, 4001, 4002, 4004, 4005};
     const std::uint32_t bits[] = {0x01, 0x02, 0x04, 0x10, 0x20};
     for (unsigned level = 0; level < kRaidLevels; ++level) {

@@ -56,7 +56,7 @@ TEST_F(WireLoading, ListsAreMergedAndSortedByTheLow24Bits) {
 
 TEST_F(WireLoading, RequestsGoToTheLibraryOfTheirKind) {
     pfnProcessLibCommandMR = [](_SL_LIB_CMD_PARAM_T*) { return 0xFFFFFFFFU; };
-    pfnProcessLibCommandIR = [](_SL_LIB_CMD_PARAM_T*) { return 1U; };
+    pfnProcessLibCommandIR = [](_SL_LIB_CMD_PARAM_T* request) { return request->cmdType == 1 ? request->ctrlId : 1U; };
     pfnProcessLibCommandIR2 = [](_SL_LIB_CMD_PARAM_T*) { return 2U; };
     ctrlList = listOf(4, 0, {0x00000001, 0x01000002, 0x02000003, 0x03000004});
     const struct {
@@ -73,6 +73,8 @@ TEST_F(WireLoading, RequestsGoToTheLibraryOfTheirKind) {
         EXPECT_EQ(c.wanted, ProcessLibCommandCall(&header, static_cast<unsigned char>(c.contNo))) << c.contNo << c.mr;
     }
     EXPECT_EQ("", log.take()) << "a request that no library takes leaves no trace here";
+    _MR_CTRL_PROP properties{};
+    EXPECT_EQ(0x01000002U, SLGetCtrlProp(1, &properties)) << "the controller id is the whole entry";
 }
 
 TEST_F(WireLoading, LibraryItselfIsCalledDirectly) {

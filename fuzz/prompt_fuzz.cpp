@@ -1,0 +1,62 @@
+// The questions over arbitrary standard input: every kind, and the one for a RAID group.
+//
+// Input: kind, largest menu number, the LDs that are allowed (none when the first is 0), then what the operator types.
+#include "commands/handlers.h"
+#include "fuzz/library.h"
+#include "fuzz/support.h"
+#include "main/zebcli_cmd_com/prompts.h"
+#include "main/zebcli_cmd_com/targets.h"
+
+#include <algorithm>
+#include <cerrno>
+
+namespace {
+
+/// What was answered lies within what was asked.
+void requireAnswer(int answer, unsigned char kind, unsigned char most, const LdList& chosen, const LdList* allowed) {
+    fuzz::require(answer == 0 || answer == 1, "an answer is yes or no");
+    const bool menu = kind >= kAskMenuFirst && kind <= kAskMenuLast;
+    const bool lds = kind >= kAskLdListFirst && kind <= kAskLdListLast;
+    if (menu && answer == 1)
+        fuzz::require(most == 0 || (chosen[0] >= 1 && chosen[0] <= most), "a menu number is one of the menu");
+    const auto permitted = [&](unsigned char ldNo) {
+        return ldNo < chosen.size() &&
+               (!allowed || std::find(allowed->begin(), allowed->end(), ldNo) != allowed->end());
+    };
+    const auto last = std::find(chosen.begin(), chosen.end(), kNoTarget);
+    if (lds && answer == 1)
+        fuzz::require(last != chosen.begin() && std::all_of(chosen.begin(), last, permitted), "a chosen LD is allowed");
+    if (!menu && !lds && answer == 0)
+        fuzz::require(errno == ECANCELED, "a refusal leaves ECANCELED");
+}
+
+void askForGroup() {
+    static char words[][16] = {"zebcli", "-pdhsp", "-dhs", "-pd[:14]", "-a0"};
+    static char* argv[] = {words[0], words[1], words[2], words[3], words[4], nullptr};
+    fuzz::useLibrary(1);
+    static fuzz::Snapshot snapshot(1);
+    CliCmdExecPDHSP(static_cast<int>(std::size(words)), argv, snapshot.conts(), snapshot.count());
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    fuzz::Input input(data, size);
+    const unsigned char kind = input.byte();
+    const unsigned char most = input.byte();
+    LdList chosen;
+    chosen.fill(kNoTarget);
+    LdList allowed;
+    allowed.fill(kNoTarget);
+    const fuzz::Bytes given = input.take(input.byte() % (allowed.size() + 1));
+    std::copy(given.begin(), given.end(), allowed.begin());
+    LdList* const among = given.empty() ? nullptr : &allowed;
+
+    fuzz::typeAnswers(input.rest());
+    unsigned char text[] = "0, 1";
+    errno = 0;
+    const int answer = ComChk(chosen.data(), among != nullptr ? among->data() : nullptr, text, kind, most);
+    requireAnswer(answer, kind, most, chosen, among);
+    askForGroup();
+    return 0;
+}

@@ -47,11 +47,6 @@ std::size_t expandFormat(const char* text, char* out, std::size_t size) {
     return length;
 }
 
-void printMessage(const char* message) {
-    char printed[kMessageSize];
-    std::fwrite(printed, 1, expandFormat(message, printed, sizeof printed), stdout);
-}
-
 int CliLogging(unsigned char level, const char* sourceFile, int line, const char* format, ...) {
     char message[kMessageSize];
     va_list args;
@@ -61,8 +56,11 @@ int CliLogging(unsigned char level, const char* sourceFile, int line, const char
     message[length] = '\n';
     message[length + 1] = '\0';
 
-    if (level == kPrint || level == kPrintAndLog)
-        printMessage(message);
+    if (level == kPrint || level == kPrintAndLog) {
+        char printed[kMessageSize];
+        const std::size_t printedLength = expandFormat(message, printed, sizeof printed);
+        std::fwrite(printed, 1, printedLength, stdout);
+    }
     if (level == kPrintAndLog || level == kLogOnly)
         return dumpLog(sourceFile, line, message);
     return 1;

@@ -23,9 +23,6 @@ inline constexpr std::size_t kTraceSize = 150;
 [[gnu::format(printf, 4, 5)]] int CliLogging(unsigned char level, const char* sourceFile, int line, const char* format,
                                              ...);
 
-/// Prints a whole message, its newline included, through expandFormat. Nothing is logged.
-void printMessage(const char* message);
-
 /// Logs the whole command line, the program's name included, each word followed by a blank.
 void HistoryLog(int argc, char** argv);
 

@@ -27,11 +27,8 @@ void Report::add(const char* format, ...) {
 }
 
 void Report::emit() {
-    if (length_ > 0) {
-        text_[length_] = '\n';
-        text_[length_ + 1] = '\0';
-        printMessage(text_.data());
-    }
+    if (length_ > 0)
+        CliLogging(kPrint, nullptr, 0, "%.*s", static_cast<int>(length_), text_.data());
     length_ = 0;
 }
 

@@ -13,7 +13,8 @@ class Report {
     /// Appends one formatted line (cut to the buffer's size).
     [[gnu::format(printf, 2, 3)]] void add(const char* format, ...);
 
-    /// Prints what is there and a newline as a message is printed, and clears it. Prints nothing when there is nothing.
+    /// Prints what is there through CliLogging, which adds a newline, and clears it. Prints nothing when there is
+    /// nothing.
     void emit();
 
     /// Prints what is there as it stands, past CliLogging, and clears it.

@@ -114,12 +114,12 @@ TEST_F(Questions, GroupDialogueOnATerminal) {
 }
 
 TEST_F(Questions, LongLinesAreNoAnswer) {
-    const std::pair<std::size_t, unsigned> lengths[] = {{65534, 2}, {70000, 3}, {131072, 4}};
-    for (const auto& [length, questions] : lengths) {
+    // The line of 65536 characters ends in a "y" behind what is read at once.
+    for (const std::size_t length : {65534, 65535, 65536, 70000, 131072}) {
         auto result = box.run(onPipe(std::string(length, 'y') + "\ny\n"));
-        EXPECT_TRUE(sameText(result.out, repeated(kQuestion, questions) + kChanged)) << length;
+        EXPECT_TRUE(sameText(result.out, repeated(kQuestion, 2) + kChanged)) << length;
         result = box.run(onPipe(std::string(length, 'y') + "\nn\n"));
-        EXPECT_TRUE(sameText(result.out, repeated(kQuestion, questions))) << length;
+        EXPECT_TRUE(sameText(result.out, repeated(kQuestion, 2))) << length;
         EXPECT_FALSE(changedSomething(result));
     }
 }

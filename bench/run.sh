@@ -1,0 +1,166 @@
+#!/usr/bin/env bash
+# Measures zebcli against its floor and prints one table, each figure with its bound. Takes some minutes, and a machine
+# that does nothing else. run.sh [BUILD-FOLDER]. Needs valgrind and strace.
+# shellcheck source-path=SCRIPTDIR source=support.sh
+. "$(dirname "$0")/support.sh" "$@"
+
+latency=1000 # microseconds a call
+reports=(-ctrlinfo -ldpdinfo -pdinfo)
+missed=0
+
+heading() { printf '| %-78s | %8s | %6s |\n' "$1" "$2" "$3"; }
+
+# row WHAT FIGURE BOUND: BOUND is "=N" for exactly N, else the most that the figure may be; "-" for none.
+row() {
+  local note=
+  case $3 in
+    -) ;;
+    =*) [ "$2" = "${3#=}" ] || note=' MISSED' ;;
+    *) [ "$(compute "$2 > $3" %d)" = 0 ] || note=' MISSED' ;;
+  esac
+  [ -z "$note" ] || missed=1
+  heading "$1" "$2" "$3$note"
+}
+
+# measure COUNT PROGRAM ARGUMENT...: medians of zebcli and the floor by turns, into wall, cpu and peak, [0] and [1].
+measure() {
+  local medians
+  medians=$("${clean[@]}" "${extra[@]}" "$build/bench/bench_measure" "$1" "$log" "${@:2}")
+  mapfile -t wall < <(cut -d' ' -f1 <<<"$medians")
+  mapfile -t cpu < <(cut -d' ' -f2 <<<"$medians")
+  mapfile -t peak < <(cut -d' ' -f3 <<<"$medians")
+}
+
+# compare COUNT ARGUMENT...: the same for a command and its floor.
+compare() {
+  local count=$1
+  shift
+  rm -f "$log"
+  record "$@"
+  rm -f "$log"
+  measure "$count" "$zebcli" "$@" -- "$floor" "$log" recording
+}
+
+# The requests that a report must send: C controllers of D drives, L LDs and A arrays without enclosures.
+requests_due() {
+  local c=4 d=240 l=64 a=8 more
+  case $1 in
+    -ctrlinfo) more=6 ;; # six records of the controller
+    -ldpdinfo) more=$a ;; # one question for each RAID group
+    -pdinfo) more=$((4 * d)) ;; # two log pages of each drive, each behind a look-up
+  esac
+  # Start, end and enclosure list; then of each controller five records, the drives behind a look-up each, LDs, arrays,
+  # and what is the command's own.
+  echo $((3 + c * (5 + 2 * d + l + a + more)))
+}
+
+largest() {
+  "$bench/topology.pl" 4 240 64 >largest.json
+  extra=(ZEBSIM_SCENARIO=largest.json)
+  local report sent
+  for report in "${reports[@]}"; do
+    extra+=("ZEBSIM_LATENCY_US=0")
+    record "$report" -aAll
+    sent=$(wc -l <trace)
+    row "$report, largest topology: requests" "$sent" "=$(requests_due "$report")"
+    extra[-1]="ZEBSIM_LATENCY_US=$latency"
+    measure 3 "$zebcli" "$report" -aAll -- "$floor" "$log" recording
+    # The floor waits for as many calls, each as much too long as the machine wakes up too late.
+    row "$report, 1 ms a call: wall time / floor" "$(compute "${wall[0]} / ${wall[1]}" %.3f)" 1.03
+    row "  wall time / (requests x latency)" "$(compute "${wall[0]} / ($sent * $latency)" %.3f)" -
+    row "  the floor's" "$(compute "${wall[1]} / ($sent * $latency)" %.3f)" -
+    unset 'extra[-1]'
+    compare 21 "$report" -aAll
+    row "$report, instant: processor time - floor, ms" "$(compute "(${cpu[0]} - ${cpu[1]}) / 1000")" 5
+  done
+  extra=()
+}
+
+# For each command a line of its own in built_in: the figures, then the command.
+built_in() {
+  local args words tool base ours theirs further
+  while IFS= read -r args; do
+    read -ra words <<<"$args"
+    compare 1000 "${words[@]}"
+    read -ra tool <<<"$(instructions "$zebcli" "${words[@]}")"
+    read -ra base <<<"$(instructions "$floor" "$log" recording)"
+    ours=$(system_calls "$zebcli" "${words[@]}")
+    further=$(compute "$(records) - 2" %d)
+    theirs=$(system_calls "$floor" "$log" recording)
+    echo "$(compute "${tool[0]} / ${base[0]}") $(compute "${tool[1]} / ${base[1]}") $((ours - theirs))" \
+      "$((ours - theirs - 5 * further)) $(compute "${wall[0]} / ${wall[1]}") $args"
+  done < <(commands) >built_in
+  "$bench/topology.pl" 4 240 64 >largest.json
+  extra=(ZEBSIM_SCENARIO=largest.json)
+  while IFS= read -r args; do
+    read -ra words <<<"$args"
+    compare 5 "${words[@]}"
+    echo "$(compute "(${peak[0]} - ${peak[1]}) / 1024") $args"
+  done < <(commands) >memory
+  extra=()
+}
+
+# worst WHAT FILE COLUMN FIRST-WORD-OF-THE-COMMAND BOUND: the row of the command with the largest figure.
+worst() {
+  local line
+  line=$(sort -k "$3,$3" -g "$2" | tail -n 1)
+  row "$1 (worst: $(cut -d' ' -f"$4-" <<<"$line"))" "$(cut -d' ' -f"$3" <<<"$line")" "$5"
+}
+
+# own CONTROLLERS DRIVES REPORT: instructions of the report outside library, look-ups and start.
+own() {
+  "$bench/topology.pl" "$1" "$2" 64 >grown.json
+  extra=(ZEBSIM_SCENARIO=grown.json)
+  local counted
+  read -ra counted <<<"$(instructions -c "$zebcli" "$3" -aAll)"
+  extra=()
+  echo $((counted[2] - start))
+}
+
+growth() {
+  local start=0 report whole counted
+  read -ra counted <<<"$(instructions "$zebcli" -nonsense)"
+  start=${counted[1]}
+  for report in "${reports[@]}"; do
+    whole=$(own 4 240 "$report")
+    row "$report: growth of own time, 1 to 4 controllers, exponent" \
+      "$(compute "log($whole / $(own 1 240 "$report")) / log(4)")" 1.1
+    row "$report: growth of own time, 24 to 240 drives, exponent" \
+      "$(compute "log($whole / $(own 4 24 "$report")) / log(10)")" 1.1
+  done
+}
+
+command_log() {
+  local ours theirs
+  rm -f "$log"
+  measure 1000 "$zebcli" -nonsense -- "$floor" "$log"
+  row 'refused command word, start to exit: wall time / floor' "$(compute "${wall[0]} / ${wall[1]}")" 1.5
+  ours=${wall[0]} theirs=${wall[1]}
+  perl -e 'printf "%-199s\n", $_ for ("[2026/01/01 00:00:00.000] pid=12345") x 9999, "<END>"' >"$log"
+  measure 1000 "$zebcli" -nonsense -- "$floor" -ring "$log"
+  row 'first positioning in a full ring: time / reading the file once' \
+    "$(compute "(${wall[0]} - $ours) / (${wall[1]} - $theirs)")" 1.5
+  system_calls "$zebcli" -nonsense >/dev/null
+  # What is between taking and leaving the lock, and both of these, for the second of the two records.
+  row 'system calls per log record' "$(grep -n 'flock(' calls | tail -n 2 | cut -d: -f1 | paste -sd' ' |
+    awk '{ print $2 - $1 + 1 }')" 8
+}
+
+heading 'what' 'figure' 'bound'
+heading "$(printf -- '-%.0s' {1..78})" '-------:' '-----:'
+largest
+built_in
+worst 'each command: instructions / floor' built_in 1 6 2.0
+worst '  with the library taken out of both' built_in 2 6 -
+worst 'each command: system calls - floor, as many log records' built_in 4 6 20
+worst '  with all log records' built_in 3 6 -
+worst 'each command: wall time / floor, median of 1,000' built_in 5 6 1.3
+worst 'each command, 4 controllers: peak resident memory - floor, MB' memory 1 2 3
+growth
+command_log
+if [ -n "${ZEB_BENCH_VERBOSE:-}" ]; then
+  echo
+  echo 'instructions/floor, the same without the library, calls-floor, the same with two records, wall/floor, command:'
+  cat built_in
+fi
+exit $missed

@@ -3,4 +3,7 @@
 set -u
 cd "$(dirname "$0")/../.." || exit 2
 command -v clang-tidy >/dev/null || { echo "left out: clang-tidy is not installed"; exit 77; }
-find main commands log console storelib -name '*.cpp' -print0 | xargs -0 -n 8 -P 2 clang-tidy -p "$1" --quiet
+# One file at a time: the analyzer mistakes va_lists when it is given several.
+find main commands log console storelib -name '*.cpp' -print0 | xargs -0 -n 1 -P 2 clang-tidy -p "$1" --quiet 2>&1 |
+  grep -v "warnings generated"
+exit "${PIPESTATUS[1]}"

@@ -20,7 +20,8 @@ enum AdapterVerdict {
     kAdapterMalformed = 3,
 };
 
-/// Controllers: "a0,1,2", "aall", or, with only one controller, nothing. The list comes out in ascending order.
+/// Controllers: "a0,1,2", "aall", or, with only one controller, nothing. The list comes out in ascending order, except
+/// where a fifth number ended the scan: then in that of the text.
 int GetAdapterNo(const char* text, CtrlList& list, int contCount);
 
 /// LDs: "l0,1,2", "lall", or nothing for all. The list keeps the order of the text. Returns 1, or 0 when the text is no

@@ -2,6 +2,8 @@
 
 #include "log/zebcli_log.h"
 
+#include <algorithm>
+
 SelectedLds selectedLds(const LdSelection& selection, unsigned char contNo) {
     SelectedLds selected{};
     for (const unsigned char ldNo : selection[contNo])
@@ -14,7 +16,7 @@ SelectedLds selectedLds(const LdSelection& selection, unsigned char contNo) {
 }
 
 unsigned short driveCountOf(const _MR_LD_CONFIG& ld) {
-    return static_cast<unsigned short>(ld.numDrives * ld.spanDepth);
+    return static_cast<unsigned short>(ld.numDrives * std::min<std::size_t>(ld.spanDepth, kMaxSpans));
 }
 
 bool isSnapshotLd(const _MR_LD_INFO& ld) {

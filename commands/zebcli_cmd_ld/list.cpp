@@ -76,7 +76,7 @@ void reportSummary(Report& report, const ReportContext& context, const _SL_ARRAY
     char name[kTextSize];
     mkRaidGroupArrayStr(context.contNo, context.conts, ld.span[0].arrayRef, name);
     report.add("%s", name);
-    report.add("\n     # of LD             : %d\r\n", group.ldCount);
+    report.add("\n     # of LD             : %d\r\n", static_cast<int>(ldsOf(group).size()));
     report.add("     Total Capacity      : %0.3fGB\r\n", blocksToGb(group.totalSize));
     addFreeSpace(report, context, group, ld);
     report.emit();
@@ -92,19 +92,22 @@ void addLdLine(Report& report, const ReportContext& context, const char* lead, u
     report.add("%sLD%u (%s, %s, %s)\r\n", lead, ldNo, fieldText(ld.properties.name).c_str(), capacity, state);
 }
 
-void addGeneral(Report& report, const ReportContext& context, const _MR_LD_CONFIG& ld) {
+/// The facts of the group are those of its LD `found`, the rest are settings of the LD `reported`.
+void addGeneral(Report& report, const ReportContext& context, const _MR_LD_CONFIG& found,
+                const _MR_LD_CONFIG& reported) {
     char name[kTextSize];
-    mkRaidGroupArrayStr(context.contNo, context.conts, ld.span[0].arrayRef, name);
+    mkRaidGroupArrayStr(context.contNo, context.conts, found.span[0].arrayRef, name);
     // The tab in the heading and the bare "\n" behind the group's name are deliberate: scripts read them so.
     report.add("%s\r\n", "### General Information\t###");
     report.add("%s                   : %s\n", "RG No.", name);
-    report.add("%s               : %s\r\n", "RAID Level", raidLevelText(SLTransLateRAIDLvl(&ld), context.contNo));
-    if (ld.cacheCade == 0)
-        report.add("%s              : %s\r\n", "Stripe Size", settingLabel(supportedStripeSizes(), ld.stripeSize));
-    report.add("%s                  : %d\r\n", "# of PD", driveCountOf(ld));
-    if (ld.cacheCade == 0)
+    report.add("%s               : %s\r\n", "RAID Level", raidLevelText(SLTransLateRAIDLvl(&found), context.contNo));
+    if (reported.cacheCade == 0)
+        report.add("%s              : %s\r\n", "Stripe Size",
+                   settingLabel(supportedStripeSizes(), reported.stripeSize));
+    report.add("%s                  : %d\r\n", "# of PD", driveCountOf(found));
+    if (reported.cacheCade == 0)
         report.add("%s            : %s\r\n", "Access Policy",
-                   settingLabel(setitemAccessPolicy, ld.properties.accessPolicy));
+                   settingLabel(setitemAccessPolicy, reported.properties.accessPolicy));
 }
 
 /// The LDs that a CacheCade LD serves: those with cached IO.
@@ -158,20 +161,20 @@ void reportDrive(Report& report, const ReportContext& context, const _SL_ARRAY_I
 }
 
 void reportGroup(Report& report, const ReportContext& context, std::span<const _SL_ARRAY_INFO_T> groups,
-                 unsigned reportedLd) {
+                 unsigned foundLd, unsigned reportedLd) {
     for (const std::uint8_t ldNo : ldsOf(groups.front()))
         if (ldNo < kMaxLds)
             addLdLine(report, context, ">", ldNo);
-    if (reportedLd >= kMaxLds)
-        return;
-    const _MR_LD_CONFIG& ld = context.cont().ldInfo[reportedLd].config;
-    addGeneral(report, context, ld);
-    if (ld.cacheCade != 0)
+    static constexpr _MR_LD_CONFIG kAbsent{};
+    const _MR_LD_CONFIG& found = context.cont().ldInfo[foundLd].config;
+    const _MR_LD_CONFIG& reported = reportedLd < kMaxLds ? context.cont().ldInfo[reportedLd].config : kAbsent;
+    addGeneral(report, context, found, reported);
+    if (reported.cacheCade != 0)
         addAssociatedLds(report, context);
-    addSettings(report, ld.properties);
+    addSettings(report, reported.properties);
     report.emit();
     report.add("%s\r\n", "### PD Information ###");
-    const std::size_t spans = std::min<std::size_t>({ld.spanDepth, kMaxSpans, groups.size()});
+    const std::size_t spans = std::min<std::size_t>({found.spanDepth, kMaxSpans, groups.size()});
     for (const _SL_ARRAY_INFO_T& span : groups.first(spans))
         for (const _MR_ARRAY_PD& drive : drivesOf(span))
             if (drive.ref.deviceId != kNoDevice)
@@ -195,8 +198,9 @@ void reportController(const ReportContext& context, const LdSelection& selection
             continue;
         if (context.withSummary)
             reportSummary(report, context, groups.front(), context.cont().ldInfo[ldNo].config);
-        ldNo += groups.front().ldCount - 1U;
-        reportGroup(report, context, groups, ldNo);
+        const unsigned foundLd = ldNo;
+        ldNo += static_cast<unsigned>(ldsOf(groups.front()).size()) - 1U;
+        reportGroup(report, context, groups, foundLd, ldNo);
     }
     report.emit();
 }

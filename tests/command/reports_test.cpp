@@ -100,5 +100,37 @@ TEST_F(LargeReports, GroupOf64Lds) {
     EXPECT_NE(std::string::npos, box.run(optionsFor(scenario, "-ldpdprog -a0")).out.find("\nLD63    OPTIMAL"));
 }
 
+/// The lines that tell of the group, and its drives; the settings of an LD are left out.
+std::string groupFacts(const std::string& report) {
+    std::string facts;
+    for (const char* label : {"RG No.", "RAID Level", "# of PD"}) {
+        const auto at = report.find(label);
+        facts += at == std::string::npos ? "-" : report.substr(at, report.find('\n', at) + 1 - at);
+    }
+    return facts + report.substr(std::min(report.find("### PD Information"), report.size()));
+}
+
+TEST_F(LargeReports, AnyLdOfAGroupTellsTheGroupsFacts) {
+    const auto scenario = [](const char* first, const char* second) {
+        const std::string spans = R"(,"level":10,"spans":[{"array":0,"blocks":2097152},{"array":1,"blocks":2097152}]})";
+        return R"({"controllers":[{"drives":[{"repeat":6}],"arrays":[{"drives":[0,1]},{"drives":[2,3]},
+            {"drives":[4,5]}],"lds":[{"id":)" +
+               std::string(first) + spans + R"(,{"id":)" + second +
+               R"(,"level":10,"spans":[{"array":0,"startBlock":2097152},{"array":1,"startBlock":2097152}]},
+               {"id":20,"level":1,"spans":[{"array":2}]}]}]})";
+    };
+    // Behind the second LD stands none, one of another group, or the end of the numbers.
+    for (const auto& [first, second] : {std::pair("0", "1"), {"18", "19"}, {"62", "63"}}) {
+        const auto report = [&, text = scenario(first, second)](const char* ld) {
+            return groupFacts(box.run(optionsFor(text, std::string("-ldpdinfo -L") + ld)).out);
+        };
+        const std::string facts = report(first);
+        EXPECT_TRUE(facts.starts_with("RG No.                   : RG0\nRAID Level               : RAID10\r\n"
+                                      "# of PD                  : 4\r\n### PD Information ###\r\n>>PD0 (LD"))
+            << facts;
+        EXPECT_TRUE(sameText(report(second), facts)) << second;
+    }
+}
+
 } // namespace
 } // namespace zebtest

@@ -9,6 +9,7 @@
 #include "main/zebcli_cmd_com/lookup.h"
 #include "main/zebcli_cmd_com/report.h"
 #include "main/zebcli_cmd_com/string_shims.h"
+#include "main/zebcli_cmd_com/targets.h"
 #include "main/zebcli_cmd_com/text_field.h"
 #include "main/zebcli_cmd_com/vocabulary.h"
 #include "storelib/common/StoreLib/passthrough.h"
@@ -131,7 +132,9 @@ int CliCmdExecPDInfo(int argc, char** argv, _AFCONT* conts, int contCount) {
     Options options;
     if (!parseOptions(kOptions, argc, argv, contCount, options) || !selectDefaultTargets(kOptions, contCount, options))
         return 1;
-    if (options.pdGiven && !allDrivesExist(options, contCount, conts))
+    if (!options.pdGiven)
+        GetPhysicalDriveNo("", options.pds, 0);
+    else if (!allDrivesExist(options, contCount, conts))
         return 1;
     int position = 0;
     for (const unsigned char contNo : selectedControllers(options.ctrls, contCount))

@@ -116,8 +116,6 @@ bool selectDefaultTargets(const OptionTable& table, int contCount, Options& opti
         return false;
     if (table.takesLds && !options.ldGiven)
         GetLogicalDriveNo("", options.lds);
-    if (table.takesPds && !options.pdGiven)
-        GetPhysicalDriveNo("", options.pds, 0);
     return true;
 }
 

@@ -61,8 +61,9 @@ OptionText optionText(const char* argument);
 /// Reads the arguments behind the command word. Returns true, or false after the refusal has been said.
 bool parseOptions(const OptionTable& table, int argc, char** argv, int contCount, Options& options);
 
-/// Selects the default of each kind of target that the command takes and that was not given: all LDs, all PDs, the only
-/// controller. Returns false when there are several controllers, which has been said.
+/// Selects the default of the targets that the command takes and that were not given: all LDs, the only controller. There
+/// is none for PDs, so that no command changes a drive that nobody named. Returns false when there are several
+/// controllers, which has been said.
 bool selectDefaultTargets(const OptionTable& table, int contCount, Options& options);
 
 /// Says that the named argument cannot be. A null argument is shown as the formatter of the C library shows it.

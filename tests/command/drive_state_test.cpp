@@ -162,7 +162,8 @@ TEST_F(DriveState, RebuildStarts) {
                    kFirst.pdChange("02/05", 12),
                kFirst.fails("02/05", 0x1C, 2)},
               {"-pdrbld -start -pd[:6] -a0", sent("SLStartRebuild", 4) + rebuildTrace(6) + notStarted("6"),
-               ready(6) + kFirst.pdChange("02/05", 6, " -> 0x04"), kFirst.outdates("02/00", 3, 14)}});
+               ready(6) + kFirst.pdChange("02/05", 6, " -> 0x04"), kFirst.outdates("02/00", 3, 14)},
+              {"-pdrbld -start -a0", {}, ""}}); // without a list no drive is meant
 }
 
 TEST_F(DriveState, RebuildIsNotTried) {

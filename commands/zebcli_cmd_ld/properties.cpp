@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <utility>
 
 namespace {
 
@@ -137,10 +138,11 @@ bool readGroup(unsigned char contNo, std::uint16_t arrayRef, _SL_ARRAY_INFO_T& g
 /// The change of the LDs of one controller: what is done so far, and the LD that failed.
 class ControllerChange {
   public:
-    ControllerChange(const Options& options, unsigned char contNo, bool& saidGroup)
-        : options_(options), contNo_(contNo), saidGroup_(saidGroup) {}
+    ControllerChange(const Options& options, unsigned char contNo, const _AFCONT* conts, bool& saidGroup)
+        : options_(options), contNo_(contNo), conts_(conts), saidGroup_(saidGroup) {}
 
-    /// Changes the LD and, for anything but its name, the others of its group. Returns false at the first failure.
+    /// Changes the LD and, for anything but its name, the others of its group. Returns false at the first failure,
+    /// which a group is that does not hold the LD.
     bool change(unsigned char ldNo) {
         _MR_LD_INFO ld{};
         _SL_ARRAY_INFO_T group{};
@@ -155,9 +157,14 @@ class ControllerChange {
         const std::span lds(group.ldTargetId, std::min<std::size_t>(group.ldCount, std::size(group.ldTargetId)));
         if (lds.size() > 1)
             sayGroup();
-        return std::all_of(lds.begin(), lds.end(), [&](unsigned char member) {
-            return write(member, policies, member == ldNo && options_.has(kName));
-        });
+        // The record is believed only where the controller lists the LD, and once.
+        auto isMember = [&, met = std::array<bool, 256>{}](unsigned char member) mutable {
+            return IsExistLD(contNo_, member, conts_) != 0 && !std::exchange(met[member], true);
+        };
+        return std::find(lds.begin(), lds.end(), ldNo) != lds.end() &&
+               std::all_of(lds.begin(), lds.end(), [&](unsigned char member) {
+                   return !isMember(member) || write(member, policies, member == ldNo && options_.has(kName));
+               });
     }
 
     void sayDone() const {
@@ -210,6 +217,7 @@ class ControllerChange {
 
     const Options& options_;
     unsigned char contNo_;
+    const _AFCONT* conts_;
     bool& saidGroup_;
     unsigned char failedLd_ = 0;
     std::array<bool, 256> written_{}; // by LD number: an LD of a group is written once for each selected LD of it
@@ -237,7 +245,7 @@ int CliCmdExecLDSetProp(int argc, char** argv, _AFCONT* conts, int contCount) {
     bool saidGroup = false;
     for (const unsigned char contNo : controllers) {
         const SelectedLds lds = selectedLds(selection, contNo);
-        ControllerChange change(options, contNo, saidGroup);
+        ControllerChange change(options, contNo, conts, saidGroup);
         const bool changed =
             std::all_of(lds.list().begin(), lds.list().end(), [&](unsigned char ldNo) { return change.change(ldNo); });
         change.sayDone();

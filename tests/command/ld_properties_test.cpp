@@ -157,6 +157,20 @@ TEST_F(LdProperties, FirstFailedWriteEndsTheCommand) {
     }
 }
 
+TEST_F(LdProperties, OnlyLdsOfTheControllerAreMembersOfAGroup) {
+    const auto patch = [](const char* offset, const char* hex) {
+        return std::string(R"([{"type":4,"cmd":8,"from":2,"patch":[{"offset":)") + offset + R"(,"hex":")" + hex +
+               R"("}]}])";
+    };
+    const std::string read = select(kFirst, 0, 0);
+    const std::string both =
+        read + write(kFirst, 0, {"ZERO", 0x15, 0, 2, 0x35, 1, 3}) + write(kFirst, 1, {"ONE", 0x15, 0, 2, 0x01});
+    checkAll({{"-ldsetprop -ra -L0 -a0", kGroup + changed(0, "0,1"), both,
+               patch("2", "ff\"},{\"offset\":18,\"hex\":\"c83f40ff")},
+              {"-ldsetprop -ra -L0 -a0", {notChanged(0, 0)}, read, patch("2", "00")},
+              {"-ldsetprop -ra -L0 -a0", kGroup + notChanged(0, 0), read, patch("16", "0101")}});
+}
+
 TEST_F(LdProperties, AlwaysWriteBackAsksBeforeTheFirstChange) {
     const std::string backed = select(kFirst, 4, 3) + write(kFirst, 4, {"", 0x11, 0, 2, 0});
     checkAll({{"-ldsetprop -wb -L4 -a0", kAskWithBackup, software(), "", "n\n"},

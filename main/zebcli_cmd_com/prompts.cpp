@@ -89,12 +89,16 @@ void printQuestion(unsigned char kind, const unsigned char* text) {
     CliLogging(kPrint, kComSource, __LINE__, "%s", question);
 }
 
-/// Reads past what a line has more than fits, so that its end is not taken for the answer to the question asked again.
-void dropRestOfLine(const char* read) {
-    if (std::string_view(read).size() + 1 < kAnswerSize || std::string_view(read).ends_with('\n'))
-        return;
-    for (int c = std::fgetc(stdin); c != EOF && c != '\n';)
-        c = std::fgetc(stdin);
+/// Reads a line. Of one that is too long the rest is dropped, so that its end is not taken for the answer to the question
+/// asked again. The last byte tells whether the buffer was filled: a line may have NULs in it.
+bool readLine(std::span<char, kAnswerSize> answer) {
+    answer.back() = '\n';
+    if (std::fgets(answer.data(), static_cast<int>(answer.size()), stdin) == nullptr)
+        return false;
+    if (answer.back() == '\0' && answer[kAnswerSize - 2] != '\n')
+        for (int c = std::fgetc(stdin); c != EOF && c != '\n';)
+            c = std::fgetc(stdin);
+    return true;
 }
 
 int askYesNo(unsigned char kind, const unsigned char* text, Answer& answer) {
@@ -177,9 +181,7 @@ bool readAnswer(std::span<char, kAnswerSize> answer) {
     const bool shown = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
     changeTerminalMode([](tcflag_t& flags) { flags |= ECHO; });
     answer.front() = '\0';
-    const bool read = std::fgets(answer.data(), static_cast<int>(answer.size()), stdin) != nullptr;
-    if (read)
-        dropRestOfLine(answer.data());
+    const bool read = readLine(answer);
     changeTerminalMode([](tcflag_t& flags) { flags &= ~static_cast<tcflag_t>(ECHO | ISIG); });
     if (!read) {
         answer.front() = '\0';

@@ -33,6 +33,11 @@ constexpr char kAccessError[] =
 
 using CommandWord = char[kWordSize + 1];
 
+/// Told by the library side that memory ran out.
+void DLL_MEMORYALLOC() {
+    CliLogging(kPrintAndLog, kSource, __LINE__, "Error - Failed to initialize.");
+}
+
 void CliCmdProcessDetach() {
     if (term_set_flg == 1)
         tcsetattr(STDIN_FILENO, TCSANOW, &old_term_set);
@@ -56,6 +61,12 @@ void surviveWriteSignals() {
     action.sa_flags = SA_RESTART;
     sigaction(SIGPIPE, &action, nullptr);
     sigaction(SIGXFSZ, &action, nullptr);
+}
+
+/// A caller may have left the end of children ignored; the status of a command that the shell runs for us would be
+/// lost.
+void waitForChildren() {
+    std::signal(SIGCHLD, SIG_DFL);
 }
 
 /// Lets a report go out in one piece, except to a terminal, where it is to be seen as it comes.
@@ -168,6 +179,7 @@ void checkOutput() {
 int main(int argc, char** argv) {
     occupyStandardDescriptors();
     surviveWriteSignals();
+    waitForChildren();
     gatherOutput();
     initLog(kLogName, kLogBudget);
     HistoryLog(argc, argv);

@@ -192,7 +192,3 @@ int SLLoggingPassThru(const char* label, int line, const char* func, std::uint32
     return Utillogging(label, line, status != kSlSuccess ? kTraceError : kTracePlain, "func=%s: %s (rval = 0x%08X)",
                        func, SLStrError(status), status);
 }
-
-void DLL_MEMORYALLOC() {
-    CliLogging(kPrintAndLog, kSource, __LINE__, "Error - Failed to initialize.");
-}

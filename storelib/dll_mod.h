@@ -60,6 +60,3 @@ int SLLogging(const char* label, int line, const char* func, std::uint32_t statu
 /// The same for a controller command.
 int SLLoggingPassThru(const char* label, int line, const char* func, std::uint32_t status,
                       const _SL_DCMD_INPUT_T* input);
-
-/// The memory-failure callback of the program: says "Error - Failed to initialize.".
-void DLL_MEMORYALLOC();

@@ -92,6 +92,14 @@ TEST_F(RaidLog, EveryRowRunsAndOneFailureIsEnough) {
     EXPECT_THAT(loggedMessages(), testing::Contains("Error - The Collection of the RAID log Failed.").Times(3));
 }
 
+TEST_F(RaidLog, CallerMayHaveLeftTheEndOfChildrenIgnored) {
+    installTool("MegaCli64");
+    auto options = optionsFor("", "");
+    options.program = "/bin/sh";
+    options.args = {"-c", "trap '' CHLD; exec " ZEB_ZEBCLI " -log"};
+    EXPECT_EQ(kSucceeded, box.run(options).out);
+}
+
 TEST_F(RaidLog, NothingToCollectWith) {
     EXPECT_EQ(kFailed, collect().out) << "the tool is not installed";
     fs::remove_all(folder());

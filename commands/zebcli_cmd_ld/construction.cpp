@@ -36,14 +36,6 @@ struct FileCloser {
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
-bool knownLevel(const char* func, ZEB_RAID_LVL level, unsigned char contNo, int line = __builtin_LINE()) {
-    if (level < kRaidLevels)
-        return true;
-    Utillogging(kLdSource, line, kTraceError, "func=%s: %s, contNo=%u, raidlvl=%u", func, "raidlvl invalid", contNo,
-                static_cast<unsigned>(level));
-    return false;
-}
-
 /// The levels of the row for that many drives, none beyond the table.
 std::span<const ZEB_RAID_LVL> patternLevels(unsigned drives) {
     if (drives == 0 || drives > kPatternRows)
@@ -109,6 +101,14 @@ void addPatternLevels(char* line, _configPat_T::Row& row) {
 
 } // namespace
 
+bool knownLevel(const char* func, ZEB_RAID_LVL level, unsigned char contNo, int line) {
+    if (level < kRaidLevels)
+        return true;
+    Utillogging(kLdSource, line, kTraceError, "func=%s: %s, contNo=%u, raidlvl=%u", func, "raidlvl invalid", contNo,
+                static_cast<unsigned>(level));
+    return false;
+}
+
 void ReadConfigPatFile(_configPat_T* table) {
     const std::unique_ptr<std::FILE, FileCloser> file(std::fopen(kPatternPath, "re"));
     if (!file) {
@@ -126,13 +126,13 @@ void readConfigPatterns(std::FILE* file, _configPat_T* table) {
 }
 
 int IsSupportRaidLvl(ZEB_RAID_LVL level, const _AFCONT* conts, unsigned char contNo) {
-    if (!knownLevel(__func__, level, contNo))
+    if (!knownLevel(__func__, level, contNo, __LINE__))
         return 0;
     return (conts[contNo].ctrlInfo.raidLevels & kLevelSupport[level].capability) != 0 ? 1 : 0;
 }
 
 unsigned GetMaxPdNumForRaidLvl(ZEB_RAID_LVL level, const _AFCONT* conts, unsigned char contNo) {
-    if (!knownLevel(__func__, level, contNo))
+    if (!knownLevel(__func__, level, contNo, __LINE__))
         return 0;
     return static_cast<unsigned>(conts[contNo].ctrlInfo.pdsForRaidLevel[kLevelSupport[level].limitEntry]) >>
            kPdLimitShift;

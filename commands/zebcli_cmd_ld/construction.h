@@ -64,6 +64,9 @@ void ReadConfigPatFile(_configPat_T* table);
 /// Reads a pattern file: a line for each number of drives, at most four levels on it.
 void readConfigPatterns(std::FILE* file, _configPat_T* table);
 
+/// Whether the level is one of the tool's; another one is traced under the name of the function that asks.
+bool knownLevel(const char* func, ZEB_RAID_LVL level, unsigned char contNo, int line);
+
 /// 1 when the controller can build the level, else 0. A level that is not known is traced.
 int IsSupportRaidLvl(ZEB_RAID_LVL level, const _AFCONT* conts, unsigned char contNo);
 
@@ -89,7 +92,8 @@ unsigned getRaidConstructMinNumDrives(ZEB_RAID_LVL level, const _AFCONT* conts, 
 void RaidLvlSort(_raidConstructInfoT& list);
 void RaidLvlSortForSnapshot(_raidConstructInfoT& list);
 
-/// Gives every planned array and LD its default settings, name and size. Asks the library for the drives. Returns 0.
+/// Gives every planned array and LD its default settings, name and size. Asks the library for the drives. A level
+/// that is not known is traced and ends the work. Returns 0.
 int CreateLDDefaultSet(_SL_CREATE_LD_INFO_T& plan, const _AFCONT* conts, unsigned char contNo, std::uint8_t initType);
 
 /// 1 when the drives of any planned array differ in size, else 0. Asks the library for the drives.

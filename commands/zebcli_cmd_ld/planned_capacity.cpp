@@ -57,7 +57,7 @@ int CreateLDDefaultSet(_SL_CREATE_LD_INFO_T& plan, const _AFCONT* conts, unsigne
         for (const std::uint8_t slotNo : drivesOf(array))
             if (std::uint64_t size = 0; askPdSize(__func__, contNo, slotNo, size))
                 smallest = std::min(smallest, size);
-        if (array.level >= kRaidLevels)
+        if (!knownLevel(__func__, array.level, contNo, __LINE__))
             return 0;
         const std::uint64_t capacity = CalcLDCapa(array.level, array.pdCount, smallestOr0(smallest), contNo);
         for (auto& ld : std::span(array.ld).first(std::min<std::size_t>(array.ldCount, kMaxLds)))

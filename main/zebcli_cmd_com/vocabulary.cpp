@@ -1,6 +1,8 @@
 #include "main/zebcli_cmd_com/vocabulary.h"
 
+#include "log/zebcli_log.h"
 #include "main/zebcli_cmd_com/lookup.h"
+#include "main/zebcli_cmd_com/source.h"
 #include "main/zebcli_cmd_com/string_shims.h"
 #include "storelib/common/StoreLib/controller.h"
 #include "storelib/records/status.h"
@@ -133,8 +135,10 @@ void mkLDErrInfoStr(unsigned char contNo, const _AFCONT* conts, unsigned char ld
 int IsSoftwareRAID() {
     static constexpr std::string_view kSoftwareRaid{"LSI Embedded MegaRAID\0", 22};
     _MR_CTRL_INFO info{};
-    if (SLGetCtrlInfo(0, &info) != kSlSuccess)
+    if (SLGetCtrlInfo(0, &info) != kSlSuccess) {
+        Utillogging(kComSource, __LINE__, kTraceError, "func=%s: %s, contNo=%u", __func__, "SLGetCtrlInfo error", 0U);
         return 0;
+    }
     // As many characters are compared as the product name has, so that a shorter beginning of the name, and no name at
     // all, count as equal.
     const std::string_view product(info.productName, strnlen(info.productName, sizeof info.productName));

@@ -256,6 +256,11 @@ TEST_F(UnitConstruction, DefaultsAndSizesAskTheLibraryForEachDrive) {
         library.finish();
     }
     log.take();
+    plan->array[0].pdCount = 0;
+    plan->array[0].level = static_cast<ZEB_RAID_LVL>(5);
+    EXPECT_EQ(0, CreateLDDefaultSet(*plan, model.conts(), kCont, 6));
+    EXPECT_EQ("!ERR func=CreateLDDefaultSet: raidlvl invalid, contNo=1, raidlvl=5\n", log.take());
+    plan->array[0].pdCount = 3;
     answer(7, 1000, 0x22);
     answer(8, 901, 0);
     answer(9, 901, 0);

@@ -270,6 +270,7 @@ TEST_F(WireQueries, SoftwareRaidIsToldByTheNameOfTheFirstController) {
     }
     library.expect({.type = 0x01, .cmd = 0x00, .size = 2048, .status = 0x04});
     EXPECT_EQ(0, IsSoftwareRAID());
+    EXPECT_TRUE(log.take().ends_with("\n!ERR func=IsSoftwareRAID: SLGetCtrlInfo error, contNo=0\n"));
 }
 
 } // namespace

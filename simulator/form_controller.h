@@ -55,7 +55,7 @@ void describePatrolRead(Io& io, PatrolRead& patrol) {
 
 template <class Io>
 void describeMfcDefaults(Io& io, std::array<std::uint8_t, 72>& defaults) {
-    constexpr std::size_t kFailPdOnSmartError = 52;
+    constexpr std::size_t kFailPdOnSmartError = offsetof(_MR_MFC_DEFAULTS, failPdOnSmartError);
     std::array<std::uint8_t, 72> usual{};
     usual[0] = 0x15; // bytes that the tool must carry over
     usual[71] = 0xA7;

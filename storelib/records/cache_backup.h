@@ -20,9 +20,11 @@ struct _MR_BBU_STATUS {
 };
 ZEB_WIRE_RECORD(_MR_BBU_STATUS, 64);
 ZEB_WIRE_FIELD(_MR_BBU_STATUS, voltage, 2);
+ZEB_WIRE_FIELD(_MR_BBU_STATUS, current, 4);
 ZEB_WIRE_FIELD(_MR_BBU_STATUS, temperature, 6);
 ZEB_WIRE_FIELD(_MR_BBU_STATUS, fwStatus, 8);
 ZEB_WIRE_FIELD(_MR_BBU_STATUS, remainingCapacityLow, 38);
+ZEB_WIRE_FIELD(_MR_BBU_STATUS, remainingCapacityHigh, 39);
 ZEB_WIRE_FIELD(_MR_BBU_STATUS, fullChargeCapacity, 40);
 
 struct _MR_BBU_CAPACITY_INFO {
@@ -35,6 +37,9 @@ struct _MR_BBU_CAPACITY_INFO {
     std::uint8_t reserved16[32];
 };
 ZEB_WIRE_RECORD(_MR_BBU_CAPACITY_INFO, 48);
+ZEB_WIRE_FIELD(_MR_BBU_CAPACITY_INFO, absoluteCharge, 2);
+ZEB_WIRE_FIELD(_MR_BBU_CAPACITY_INFO, remainingCapacity, 4);
+ZEB_WIRE_FIELD(_MR_BBU_CAPACITY_INFO, fullChargeCapacity, 6);
 ZEB_WIRE_FIELD(_MR_BBU_CAPACITY_INFO, cycleCount, 14);
 
 struct _MR_BBU_DESIGN_INFO {
@@ -51,8 +56,11 @@ struct _MR_BBU_DESIGN_INFO {
 };
 ZEB_WIRE_RECORD(_MR_BBU_DESIGN_INFO, 64);
 ZEB_WIRE_FIELD(_MR_BBU_DESIGN_INFO, designCapacity, 4);
+ZEB_WIRE_FIELD(_MR_BBU_DESIGN_INFO, designVoltage, 6);
 ZEB_WIRE_FIELD(_MR_BBU_DESIGN_INFO, serialNo, 10);
 ZEB_WIRE_FIELD(_MR_BBU_DESIGN_INFO, maker, 14);
+ZEB_WIRE_FIELD(_MR_BBU_DESIGN_INFO, deviceName, 26);
+ZEB_WIRE_FIELD(_MR_BBU_DESIGN_INFO, chemistry, 34);
 
 struct _MR_BBU_PROPERTIES {
     std::uint32_t learnPeriod; ///< seconds
@@ -62,6 +70,8 @@ struct _MR_BBU_PROPERTIES {
     std::uint8_t reserved10[22];
 };
 ZEB_WIRE_RECORD(_MR_BBU_PROPERTIES, 32);
+ZEB_WIRE_FIELD(_MR_BBU_PROPERTIES, nextLearnTime, 4);
+ZEB_WIRE_FIELD(_MR_BBU_PROPERTIES, learnDelay, 8);
 ZEB_WIRE_FIELD(_MR_BBU_PROPERTIES, autoLearnMode, 9);
 
 #pragma pack(pop)

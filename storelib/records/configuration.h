@@ -14,6 +14,9 @@ struct _MR_ARRAY_PD {
     std::uint8_t slotNo;
 };
 ZEB_WIRE_RECORD(_MR_ARRAY_PD, 8);
+ZEB_WIRE_FIELD(_MR_ARRAY_PD, fwState, 4);
+ZEB_WIRE_FIELD(_MR_ARRAY_PD, encl, 6);
+ZEB_WIRE_FIELD(_MR_ARRAY_PD, slotNo, 7);
 
 inline constexpr unsigned kMaxArrayDrives = 32;
 
@@ -57,8 +60,11 @@ struct _MR_CONFIG_DATA {
 };
 ZEB_WIRE_RECORD(_MR_CONFIG_DATA, 32);
 ZEB_WIRE_FIELD(_MR_CONFIG_DATA, arrayCount, 4);
+ZEB_WIRE_FIELD(_MR_CONFIG_DATA, arraySize, 6);
 ZEB_WIRE_FIELD(_MR_CONFIG_DATA, ldCount, 8);
+ZEB_WIRE_FIELD(_MR_CONFIG_DATA, ldSize, 10);
 ZEB_WIRE_FIELD(_MR_CONFIG_DATA, spareCount, 12);
+ZEB_WIRE_FIELD(_MR_CONFIG_DATA, spareSize, 14);
 
 /// A configuration of one array, one LD and one spare.
 inline constexpr std::uint32_t kSmallestConfigSize =
@@ -70,6 +76,7 @@ struct _MR_FREE_SEGMENT {
     std::uint64_t size; ///< blocks on each drive
 };
 ZEB_WIRE_RECORD(_MR_FREE_SEGMENT, 16);
+ZEB_WIRE_FIELD(_MR_FREE_SEGMENT, size, 8);
 
 inline constexpr unsigned kMaxFreeSegments = 127;
 
@@ -86,6 +93,9 @@ struct _SL_ARRAY_INFO_T {
     _MR_FREE_SEGMENT freeSegment[kMaxFreeSegments];
 };
 ZEB_WIRE_RECORD(_SL_ARRAY_INFO_T, 2368);
+ZEB_WIRE_FIELD(_SL_ARRAY_INFO_T, ldCount, 2);
+ZEB_WIRE_FIELD(_SL_ARRAY_INFO_T, pdCount, 3);
+ZEB_WIRE_FIELD(_SL_ARRAY_INFO_T, freeCount, 4);
 ZEB_WIRE_FIELD(_SL_ARRAY_INFO_T, totalSize, 8);
 ZEB_WIRE_FIELD(_SL_ARRAY_INFO_T, ldTargetId, 16);
 ZEB_WIRE_FIELD(_SL_ARRAY_INFO_T, pd, 80);
@@ -97,5 +107,6 @@ struct _SL_DEDICATED_SPARE_T {
     std::uint16_t arrayRef[16];
 };
 ZEB_WIRE_RECORD(_SL_DEDICATED_SPARE_T, 33);
+ZEB_WIRE_FIELD(_SL_DEDICATED_SPARE_T, arrayRef, 1);
 
 #pragma pack(pop)

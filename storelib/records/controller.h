@@ -24,6 +24,9 @@ struct _MR_CTRL_PROP {
 };
 ZEB_WIRE_RECORD(_MR_CTRL_PROP, 64);
 ZEB_WIRE_FIELD(_MR_CTRL_PROP, rebuildRate, 8);
+ZEB_WIRE_FIELD(_MR_CTRL_PROP, patrolReadRate, 9);
+ZEB_WIRE_FIELD(_MR_CTRL_PROP, bgiRate, 10);
+ZEB_WIRE_FIELD(_MR_CTRL_PROP, ccRate, 11);
 ZEB_WIRE_FIELD(_MR_CTRL_PROP, reconRate, 12);
 ZEB_WIRE_FIELD(_MR_CTRL_PROP, cacheFlushInterval, 13);
 ZEB_WIRE_FIELD(_MR_CTRL_PROP, alarmEnable, 18);
@@ -43,6 +46,9 @@ struct _MR_IMAGE_COMPONENT {
     char buildTime[16];
 };
 ZEB_WIRE_RECORD(_MR_IMAGE_COMPONENT, 72);
+ZEB_WIRE_FIELD(_MR_IMAGE_COMPONENT, version, 8);
+ZEB_WIRE_FIELD(_MR_IMAGE_COMPONENT, buildDate, 40);
+ZEB_WIRE_FIELD(_MR_IMAGE_COMPONENT, buildTime, 56);
 
 struct _MR_CTRL_INFO {
     std::uint16_t vendorId;
@@ -103,6 +109,9 @@ struct _MR_CTRL_INFO {
     std::uint8_t reserved1938[110];
 };
 ZEB_WIRE_RECORD(_MR_CTRL_INFO, 2048);
+ZEB_WIRE_FIELD(_MR_CTRL_INFO, deviceId, 2);
+ZEB_WIRE_FIELD(_MR_CTRL_INFO, subVendorId, 4);
+ZEB_WIRE_FIELD(_MR_CTRL_INFO, subDeviceId, 6);
 ZEB_WIRE_FIELD(_MR_CTRL_INFO, hostPortCount, 39);
 ZEB_WIRE_FIELD(_MR_CTRL_INFO, devicePortCount, 111);
 ZEB_WIRE_FIELD(_MR_CTRL_INFO, devicePortAddr, 112);
@@ -110,11 +119,20 @@ ZEB_WIRE_FIELD(_MR_CTRL_INFO, imageComponentCount, 180);
 ZEB_WIRE_FIELD(_MR_CTRL_INFO, imageComponent, 184);
 ZEB_WIRE_FIELD(_MR_CTRL_INFO, pendingImageComponentCount, 760);
 ZEB_WIRE_FIELD(_MR_CTRL_INFO, maxArms, 1340);
+ZEB_WIRE_FIELD(_MR_CTRL_INFO, maxSpans, 1341);
+ZEB_WIRE_FIELD(_MR_CTRL_INFO, maxArrays, 1342);
+ZEB_WIRE_FIELD(_MR_CTRL_INFO, maxLds, 1343);
 ZEB_WIRE_FIELD(_MR_CTRL_INFO, productName, 1344);
 ZEB_WIRE_FIELD(_MR_CTRL_INFO, serialNo, 1424);
 ZEB_WIRE_FIELD(_MR_CTRL_INFO, hwPresent, 1456);
+ZEB_WIRE_FIELD(_MR_CTRL_INFO, currentFwTime, 1460);
 ZEB_WIRE_FIELD(_MR_CTRL_INFO, ldPresentCount, 1472);
+ZEB_WIRE_FIELD(_MR_CTRL_INFO, ldDegradedCount, 1474);
+ZEB_WIRE_FIELD(_MR_CTRL_INFO, ldOfflineCount, 1476);
 ZEB_WIRE_FIELD(_MR_CTRL_INFO, pdPresentCount, 1478);
+ZEB_WIRE_FIELD(_MR_CTRL_INFO, pdDiskPresentCount, 1480);
+ZEB_WIRE_FIELD(_MR_CTRL_INFO, pdDiskPredFailureCount, 1482);
+ZEB_WIRE_FIELD(_MR_CTRL_INFO, pdDiskFailedCount, 1484);
 ZEB_WIRE_FIELD(_MR_CTRL_INFO, memorySize, 1488);
 ZEB_WIRE_FIELD(_MR_CTRL_INFO, memCorrectableErrorCount, 1492);
 ZEB_WIRE_FIELD(_MR_CTRL_INFO, memUncorrectableErrorCount, 1494);
@@ -122,6 +140,7 @@ ZEB_WIRE_FIELD(_MR_CTRL_INFO, raidLevels, 1500);
 ZEB_WIRE_FIELD(_MR_CTRL_INFO, adapterOperations, 1504);
 ZEB_WIRE_FIELD(_MR_CTRL_INFO, ldOperations, 1508);
 ZEB_WIRE_FIELD(_MR_CTRL_INFO, stripeSizeMin, 1512);
+ZEB_WIRE_FIELD(_MR_CTRL_INFO, stripeSizeMax, 1513);
 ZEB_WIRE_FIELD(_MR_CTRL_INFO, pdOperations, 1516);
 ZEB_WIRE_FIELD(_MR_CTRL_INFO, properties, 1536);
 ZEB_WIRE_FIELD(_MR_CTRL_INFO, packageVersion, 1600);
@@ -146,6 +165,8 @@ struct _MR_DRV_PCI_INFORMATION {
     std::uint8_t reserved[106];
 };
 ZEB_WIRE_RECORD(_MR_DRV_PCI_INFORMATION, 112);
+ZEB_WIRE_FIELD(_MR_DRV_PCI_INFORMATION, device, 4);
+ZEB_WIRE_FIELD(_MR_DRV_PCI_INFORMATION, function, 5);
 
 struct _MR_DRV_DRIVER_VERSION {
     char signature[12];
@@ -156,7 +177,11 @@ struct _MR_DRV_DRIVER_VERSION {
     char releaseDate[20];
 };
 ZEB_WIRE_RECORD(_MR_DRV_DRIVER_VERSION, 112);
+ZEB_WIRE_FIELD(_MR_DRV_DRIVER_VERSION, osName, 12);
+ZEB_WIRE_FIELD(_MR_DRV_DRIVER_VERSION, osVersion, 28);
+ZEB_WIRE_FIELD(_MR_DRV_DRIVER_VERSION, driverName, 40);
 ZEB_WIRE_FIELD(_MR_DRV_DRIVER_VERSION, driverVersion, 60);
+ZEB_WIRE_FIELD(_MR_DRV_DRIVER_VERSION, releaseDate, 92);
 
 struct _MR_PR_PROPERTIES {
     std::uint8_t mode; ///< 0 automatic, 1 manual, 2 disabled
@@ -171,8 +196,13 @@ struct _MR_PR_PROPERTIES {
     std::uint32_t clearFrequency; ///< seconds
 };
 ZEB_WIRE_RECORD(_MR_PR_PROPERTIES, 208);
+ZEB_WIRE_FIELD(_MR_PR_PROPERTIES, maxPds, 1);
+ZEB_WIRE_FIELD(_MR_PR_PROPERTIES, excludedLdCount, 3);
+ZEB_WIRE_FIELD(_MR_PR_PROPERTIES, excludedLd, 4);
+ZEB_WIRE_FIELD(_MR_PR_PROPERTIES, currentPdMap, 132);
 ZEB_WIRE_FIELD(_MR_PR_PROPERTIES, nextExecution, 196);
 ZEB_WIRE_FIELD(_MR_PR_PROPERTIES, executionFrequency, 200);
+ZEB_WIRE_FIELD(_MR_PR_PROPERTIES, clearFrequency, 204);
 
 struct _MR_MFC_DEFAULTS {
     std::uint8_t reserved0[52];
@@ -188,12 +218,15 @@ struct _SL_LD_OS_MAP_ENTRY {
     char osDeviceName[28];
 };
 ZEB_WIRE_RECORD(_SL_LD_OS_MAP_ENTRY, 36);
+ZEB_WIRE_FIELD(_SL_LD_OS_MAP_ENTRY, partitionArg, 4);
+ZEB_WIRE_FIELD(_SL_LD_OS_MAP_ENTRY, osDeviceName, 8);
 
 struct _SL_LD_OS_MAP_T {
     std::uint32_t count;
     _SL_LD_OS_MAP_ENTRY entry[256];
 };
 ZEB_WIRE_RECORD(_SL_LD_OS_MAP_T, 9220);
+ZEB_WIRE_FIELD(_SL_LD_OS_MAP_T, entry, 4);
 
 struct _SL_PARTITION_INFO_T {
     std::uint64_t reserved0;
@@ -211,5 +244,6 @@ struct _MR_FOREIGN_CFG_GUIDS {
     std::uint8_t guid[8][24];
 };
 ZEB_WIRE_RECORD(_MR_FOREIGN_CFG_GUIDS, 196);
+ZEB_WIRE_FIELD(_MR_FOREIGN_CFG_GUIDS, guid, 4);
 
 #pragma pack(pop)

@@ -15,6 +15,7 @@ struct _MR_ENCL_ENTRY {
     std::uint8_t reserved12[132];
 };
 ZEB_WIRE_RECORD(_MR_ENCL_ENTRY, 144);
+ZEB_WIRE_FIELD(_MR_ENCL_ENTRY, index, 2);
 ZEB_WIRE_FIELD(_MR_ENCL_ENTRY, slotCount, 3);
 ZEB_WIRE_FIELD(_MR_ENCL_ENTRY, type, 10);
 ZEB_WIRE_FIELD(_MR_ENCL_ENTRY, connectorIndex, 11);
@@ -49,6 +50,7 @@ struct _SL_ENCL_ELEMENT {
     std::uint8_t value[4];
 };
 ZEB_WIRE_RECORD(_SL_ENCL_ELEMENT, 8);
+ZEB_WIRE_FIELD(_SL_ENCL_ELEMENT, value, 4);
 
 /// Element types in the order in which the library lists them.
 enum EnclElementType : unsigned {
@@ -79,6 +81,7 @@ struct _MR_SAS_CONNECTOR {
     char name[16];
 };
 ZEB_WIRE_RECORD(_MR_SAS_CONNECTOR, 20);
+ZEB_WIRE_FIELD(_MR_SAS_CONNECTOR, name, 4);
 
 struct _MR_SAS_CONNECTORS {
     std::uint32_t count;

@@ -15,6 +15,8 @@ struct _MR_SPAN {
     std::uint8_t reserved[6];
 };
 ZEB_WIRE_RECORD(_MR_SPAN, 24);
+ZEB_WIRE_FIELD(_MR_SPAN, numBlocks, 8);
+ZEB_WIRE_FIELD(_MR_SPAN, arrayRef, 16);
 
 /// The settings of an LD that can be changed; the first 32 bytes of its configuration.
 struct _MR_LD_PROPERTIES {
@@ -31,7 +33,10 @@ struct _MR_LD_PROPERTIES {
 ZEB_WIRE_RECORD(_MR_LD_PROPERTIES, 32);
 ZEB_WIRE_FIELD(_MR_LD_PROPERTIES, name, 4);
 ZEB_WIRE_FIELD(_MR_LD_PROPERTIES, defaultCachePolicy, 20);
+ZEB_WIRE_FIELD(_MR_LD_PROPERTIES, accessPolicy, 21);
+ZEB_WIRE_FIELD(_MR_LD_PROPERTIES, diskCachePolicy, 22);
 ZEB_WIRE_FIELD(_MR_LD_PROPERTIES, currentCachePolicy, 23);
+ZEB_WIRE_FIELD(_MR_LD_PROPERTIES, noBgi, 24);
 ZEB_WIRE_FIELD(_MR_LD_PROPERTIES, snapshotFlags, 25);
 
 struct _MR_LD_CONFIG {
@@ -54,10 +59,14 @@ struct _MR_LD_CONFIG {
 };
 ZEB_WIRE_RECORD(_MR_LD_CONFIG, 256);
 ZEB_WIRE_FIELD(_MR_LD_CONFIG, primaryRaidLevel, 32);
+ZEB_WIRE_FIELD(_MR_LD_CONFIG, raidLevelQualifier, 33);
+ZEB_WIRE_FIELD(_MR_LD_CONFIG, secondaryRaidLevel, 34);
 ZEB_WIRE_FIELD(_MR_LD_CONFIG, stripeSize, 35);
 ZEB_WIRE_FIELD(_MR_LD_CONFIG, numDrives, 36);
 ZEB_WIRE_FIELD(_MR_LD_CONFIG, spanDepth, 37);
 ZEB_WIRE_FIELD(_MR_LD_CONFIG, state, 38);
+ZEB_WIRE_FIELD(_MR_LD_CONFIG, initState, 39);
+ZEB_WIRE_FIELD(_MR_LD_CONFIG, isConsistent, 40);
 ZEB_WIRE_FIELD(_MR_LD_CONFIG, snapshotSource, 45);
 ZEB_WIRE_FIELD(_MR_LD_CONFIG, cacheCade, 47);
 ZEB_WIRE_FIELD(_MR_LD_CONFIG, span, 64);
@@ -77,6 +86,8 @@ struct _MR_LD_PROGRESS {
 };
 ZEB_WIRE_RECORD(_MR_LD_PROGRESS, 36);
 ZEB_WIRE_FIELD(_MR_LD_PROGRESS, cc, 4);
+ZEB_WIRE_FIELD(_MR_LD_PROGRESS, bgi, 8);
+ZEB_WIRE_FIELD(_MR_LD_PROGRESS, init, 12);
 ZEB_WIRE_FIELD(_MR_LD_PROGRESS, recon, 16);
 
 inline constexpr std::uint32_t kLdProgCheck = 1U << 0;
@@ -108,6 +119,9 @@ struct _MR_LD_LIST_ENTRY {
     std::uint64_t size; ///< blocks
 };
 ZEB_WIRE_RECORD(_MR_LD_LIST_ENTRY, 16);
+ZEB_WIRE_FIELD(_MR_LD_LIST_ENTRY, seqNo, 2);
+ZEB_WIRE_FIELD(_MR_LD_LIST_ENTRY, state, 4);
+ZEB_WIRE_FIELD(_MR_LD_LIST_ENTRY, size, 8);
 
 struct _MR_LD_LIST {
     std::uint32_t count;
@@ -123,6 +137,7 @@ struct _SL_PD_IN_LD_T {
     std::uint16_t deviceId[256]; ///< kNoDevice = unused
 };
 ZEB_WIRE_RECORD(_SL_PD_IN_LD_T, 516);
+ZEB_WIRE_FIELD(_SL_PD_IN_LD_T, deviceId, 4);
 
 struct _MR_LD_ALLOWED_OPS {
     std::uint32_t ops;

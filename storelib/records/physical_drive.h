@@ -16,8 +16,12 @@ struct _MR_PD_ADDRESS {
     std::uint64_t sasAddr[2];
 };
 ZEB_WIRE_RECORD(_MR_PD_ADDRESS, 24);
+ZEB_WIRE_FIELD(_MR_PD_ADDRESS, enclDeviceId, 2);
+ZEB_WIRE_FIELD(_MR_PD_ADDRESS, enclIndex, 4);
 ZEB_WIRE_FIELD(_MR_PD_ADDRESS, slotNo, 5);
 ZEB_WIRE_FIELD(_MR_PD_ADDRESS, scsiDevType, 6);
+ZEB_WIRE_FIELD(_MR_PD_ADDRESS, connectedPorts, 7);
+ZEB_WIRE_FIELD(_MR_PD_ADDRESS, sasAddr, 8);
 
 struct _MR_PD_LIST {
     std::uint32_t size;
@@ -25,6 +29,7 @@ struct _MR_PD_LIST {
     _MR_PD_ADDRESS addr[256];
 };
 ZEB_WIRE_RECORD(_MR_PD_LIST, 6152);
+ZEB_WIRE_FIELD(_MR_PD_LIST, count, 4);
 ZEB_WIRE_FIELD(_MR_PD_LIST, addr, 8);
 
 inline constexpr std::uint8_t kScsiDisk = 0;
@@ -37,6 +42,7 @@ struct _MR_PROGRESS {
     std::uint16_t elapsed; ///< seconds
 };
 ZEB_WIRE_RECORD(_MR_PROGRESS, 4);
+ZEB_WIRE_FIELD(_MR_PROGRESS, elapsed, 2);
 
 struct _MR_PD_PROGRESS {
     std::uint32_t active; ///< see kPdProg... below
@@ -48,6 +54,7 @@ struct _MR_PD_PROGRESS {
 ZEB_WIRE_RECORD(_MR_PD_PROGRESS, 32);
 ZEB_WIRE_FIELD(_MR_PD_PROGRESS, rebuild, 4);
 ZEB_WIRE_FIELD(_MR_PD_PROGRESS, patrolRead, 8);
+ZEB_WIRE_FIELD(_MR_PD_PROGRESS, clear, 12);
 
 inline constexpr std::uint32_t kPdProgRebuild = 1U << 0;
 inline constexpr std::uint32_t kPdProgPatrolRead = 1U << 1;
@@ -112,6 +119,7 @@ struct _MR_PD_INFO {
     std::uint8_t reserved371[141];
 };
 ZEB_WIRE_RECORD(_MR_PD_INFO, 512);
+ZEB_WIRE_FIELD(_MR_PD_INFO, inquiry, 4);
 ZEB_WIRE_FIELD(_MR_PD_INFO, inquiry.vendor, 12);
 ZEB_WIRE_FIELD(_MR_PD_INFO, inquiry.product, 20);
 ZEB_WIRE_FIELD(_MR_PD_INFO, inquiry.revision, 36);

@@ -11,6 +11,7 @@ struct _MR_PD_REF {
     std::uint16_t seqNo;
 };
 ZEB_WIRE_RECORD(_MR_PD_REF, 4);
+ZEB_WIRE_FIELD(_MR_PD_REF, seqNo, 2);
 
 /// Names an LD in a request and in its configuration.
 struct _MR_LD_REF {
@@ -19,6 +20,7 @@ struct _MR_LD_REF {
     std::uint16_t seqNo;
 };
 ZEB_WIRE_RECORD(_MR_LD_REF, 4);
+ZEB_WIRE_FIELD(_MR_LD_REF, seqNo, 2);
 
 /// One request: a 32-byte header and the data pointer behind it.
 struct _SL_LIB_CMD_PARAM_T {
@@ -43,6 +45,7 @@ struct _SL_LIB_CMD_PARAM_T {
 };
 using SL_LIB_CMD_PARAM_T = _SL_LIB_CMD_PARAM_T;
 ZEB_WIRE_RECORD(_SL_LIB_CMD_PARAM_T, 40);
+ZEB_WIRE_FIELD(_SL_LIB_CMD_PARAM_T, cmd, 1);
 ZEB_WIRE_FIELD(_SL_LIB_CMD_PARAM_T, ctrlId, 4);
 ZEB_WIRE_FIELD(_SL_LIB_CMD_PARAM_T, ref, 8);
 ZEB_WIRE_FIELD(_SL_LIB_CMD_PARAM_T, param, 12);
@@ -103,6 +106,7 @@ struct _SL_SCSI_PASSTHRU_T {
     std::uint32_t dataLength;
 };
 ZEB_WIRE_RECORD(_SL_SCSI_PASSTHRU_T, 64);
+ZEB_WIRE_FIELD(_SL_SCSI_PASSTHRU_T, kind, 2);
 ZEB_WIRE_FIELD(_SL_SCSI_PASSTHRU_T, direction, 4);
 ZEB_WIRE_FIELD(_SL_SCSI_PASSTHRU_T, timeout, 8);
 ZEB_WIRE_FIELD(_SL_SCSI_PASSTHRU_T, cdbLength, 11);

@@ -74,6 +74,8 @@ struct Comparison {
         check("DCMD opcode", got.opcode, wanted.dcmd->opcode);
         check("DCMD direction", got.direction, wanted.dcmd->direction);
         check("DCMD data size", got.dataSize, wanted.size);
+        const std::uint8_t noBytes[sizeof got.reserved] = {};
+        checkBytes("DCMD reserved bytes", got.reserved, noBytes, sizeof noBytes);
         checkBytes("DCMD mailbox", got.mailbox, wanted.dcmd->mailbox.data(), wanted.dcmd->mailbox.size());
         check("DCMD data pointer is set", got.data != nullptr, wanted.size != 0);
         return got.dataSize == wanted.size ? static_cast<std::uint8_t*>(got.data) : nullptr;

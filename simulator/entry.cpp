@@ -3,6 +3,7 @@
 #include "simulator/dispatch.h"
 #include "simulator/scenario_io.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -89,32 +90,41 @@ void writeTrace(const char* path, std::string line, std::uint32_t status) {
 /// Makes a call take the time that ZEBSIM_LATENCY_US says, counted from its construction.
 class Latency {
   public:
-    Latency() : microseconds_(wanted()) { clock_gettime(CLOCK_MONOTONIC, &end_); }
+    Latency() : nanoseconds_(wanted()), end_(nanoseconds_ > 0 ? now() + nanoseconds_ : 0) {}
     ~Latency() {
-        if (microseconds_ <= 0)
+        if (nanoseconds_ <= 0)
             return;
-        constexpr long kPerSecond = 1000000;
-        constexpr long kNanosecondsPerSecond = 1000000000;
-        end_.tv_sec += microseconds_ / kPerSecond;
-        end_.tv_nsec += microseconds_ % kPerSecond * 1000;
-        if (end_.tv_nsec >= kNanosecondsPerSecond) {
-            ++end_.tv_sec;
-            end_.tv_nsec -= kNanosecondsPerSecond;
-        }
-        while (clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &end_, nullptr) == EINTR) {
+        sleepUntil(end_ - kLateness);
+        while (now() < end_) {
         }
     }
     Latency(const Latency&) = delete;
     Latency& operator=(const Latency&) = delete;
 
   private:
-    static long wanted() {
+    static constexpr std::int64_t kPerSecond = 1000000000;
+    /// A sleeper wakes up to this much too late; the rest of the time is spent awake, so that calls take what was
+    /// asked.
+    static constexpr std::int64_t kLateness = 150000;
+
+    static std::int64_t wanted() {
         const char* text = std::getenv("ZEBSIM_LATENCY_US");
-        return text == nullptr ? 0 : std::strtol(text, nullptr, 10);
+        constexpr long kLongest = 3600 * 1000000L;
+        return text == nullptr ? 0 : std::clamp(std::strtol(text, nullptr, 10), 0L, kLongest) * std::int64_t{1000};
+    }
+    static std::int64_t now() {
+        timespec time{};
+        clock_gettime(CLOCK_MONOTONIC, &time);
+        return time.tv_sec * kPerSecond + time.tv_nsec;
+    }
+    static void sleepUntil(std::int64_t when) {
+        const timespec time{.tv_sec = when / kPerSecond, .tv_nsec = when % kPerSecond};
+        while (clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &time, nullptr) == EINTR) {
+        }
     }
 
-    long microseconds_;
-    timespec end_{};
+    std::int64_t nanoseconds_;
+    std::int64_t end_;
 };
 
 std::uint32_t process(const _SL_LIB_CMD_PARAM_T& request) {

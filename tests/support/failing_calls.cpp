@@ -1,6 +1,8 @@
 // Preloaded into a program: makes the n-th call of one kind fail. ZEB_FAIL_CALL names the kind, ZEB_FAIL_AT the call,
-// and ZEB_FAIL_MARK a file that is made when it came to that.
+// and ZEB_FAIL_MARK a file that is made when it came to that. The kind "killed" ends the program by SIGKILL behind the
+// n-th byte that it writes with pwrite.
 #include <cerrno>
+#include <csignal>
 #include <cstdarg>
 #include <cstddef>
 #include <cstdio>
@@ -37,14 +39,30 @@ __attribute__((constructor)) void readSettings() {
     }
 }
 
+void leaveMark() {
+    const long fd = syscall(SYS_openat, AT_FDCWD, mark, O_WRONLY | O_CREAT, 0600);
+    syscall(SYS_close, fd);
+}
+
 /// Whether this call is the one that fails; errno is set then.
 bool fails(const char* kind, int error) {
     if (callsLeft <= 0 || std::strcmp(kind, failing) != 0 || --callsLeft != 0)
         return false;
-    const long fd = syscall(SYS_openat, AT_FDCWD, mark, O_WRONLY | O_CREAT, 0600);
-    syscall(SYS_close, fd);
+    leaveMark();
     errno = error;
     return true;
+}
+
+/// Ends the program when the n-th byte is among those that it writes now; the bytes up to that one are written.
+void killAmid(int fd, const void* data, std::size_t size, off_t offset) {
+    if (callsLeft <= 0 || std::strcmp("killed", failing) != 0)
+        return;
+    if (size >= static_cast<std::size_t>(callsLeft)) {
+        syscall(SYS_pwrite64, fd, data, callsLeft, offset);
+        leaveMark();
+        std::raise(SIGKILL);
+    }
+    callsLeft -= static_cast<long>(size);
 }
 
 /// The same for an allocation, unless the simulated controllers ask for it: the JSON library in them cannot do without.
@@ -88,6 +106,7 @@ EXPORT FILE* fopen(const char* path, const char* mode) {
 
 EXPORT ssize_t pwrite(int fd, const void* data, std::size_t size, off_t offset) {
     using Pwrite = ssize_t(int, const void*, std::size_t, off_t);
+    killAmid(fd, data, size, offset);
     return fails("pwrite", ENOSPC) ? -1 : next<Pwrite>("pwrite")(fd, data, size, offset);
 }
 

@@ -10,6 +10,7 @@
 #include <fstream>
 #include <ostream>
 #include <sched.h>
+#include <sstream>
 #include <sys/mount.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -231,8 +232,9 @@ void SandboxTest::SetUp() {
 }
 
 std::string readFile(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
+    std::ostringstream bytes;
+    bytes << std::ifstream(path, std::ios::binary).rdbuf();
+    return std::move(bytes).str();
 }
 
 void writeFile(const fs::path& path, std::string_view bytes) {

@@ -187,39 +187,6 @@ TEST(UnitLogRing, DumpFoldsEqualRows) {
     EXPECT_EQ("F\n", log.take());
 }
 
-TEST(UnitLogRing, RunThatIsKilledWhileItWritesLosesNoOlderRecord) {
-    // The file is as it was after every number of bytes of the last record's writes: the marker goes ahead, then the
-    // record takes the place of the old marker. The record is at the file's end, on its last line, behind its first.
-    for (const unsigned older : {2U, 4U, 6U}) {
-        const TempLog log(kFiveLines);
-        for (unsigned i = 0; i < older; ++i) {
-            put("old" + std::to_string(i));
-        }
-        const std::string before = log.file().bytes();
-        put("torn");
-        const std::string after = log.file().bytes();
-        const std::size_t ahead = after.find("<END>");
-        const std::size_t place = before.find("<END>");
-        for (std::size_t k = 0; k <= 2 * kLogLineBytes; ++k) {
-            const std::size_t marker = std::min(k, kLogLineBytes);
-            std::string state = before;
-            state.resize(std::max(state.size(), ahead + marker));
-            state.replace(ahead, marker, after, ahead, marker);
-            state.replace(place, k - marker, after, place, k - marker);
-            log.file().write(state);
-            log.reopen();
-            EXPECT_EQ(1, put("new"));
-            EXPECT_TRUE(log.file().everyLineExact()) << k;
-            const Lines lines = stored(log);
-            EXPECT_EQ(1, std::count(lines.begin(), lines.end(), "new")) << k;
-            EXPECT_EQ(1, std::count(lines.begin(), lines.end(), "old" + std::to_string(older - 1))) << k;
-            // An old marker left on the last line does no harm: the first marker is the one that counts.
-            const bool oldMarkerLeft = older == 4 && k >= 5 && k <= kLogLineBytes;
-            EXPECT_EQ(oldMarkerLeft ? 2U : 1U, log.file().markers().size()) << k;
-        }
-    }
-}
-
 TEST(UnitLogRing, OpeningSetsTheModeAndSaysWhyItFails) {
     const TempLog log;
     struct stat info {};

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Replays the seeds of every fuzzer, then runs each of them, two at a time, and prints one table. Ends with 1 on a finding.
-#   fuzz/run.sh [SECONDS-EACH] [FOLDER-OF-THE-PROGRAMS]
+#   fuzz/run.sh [SECONDS-EACH] [FOLDER-OF-THE-PROGRAMS] [FUZZER...]
 # Without the folder the fuzz preset is built first. What was learned stays in the folder (corpus/), and so does what was found
 # (findings/, logs/) until it is mended. PROGRAM FINDING replays one.
 set -uo pipefail
@@ -41,31 +41,32 @@ run_one() {
 # figure PATTERN FILE: the last number behind the pattern, or "-".
 figure() { { grep -oE "$1 *[0-9]+" "$2" 2>/dev/null || echo -; } | tail -n 1 | grep -oE '[0-9]+$|-$'; }
 
-names=()
-for source in "$root"/fuzz/*_fuzz.cpp; do
-  names+=("$(basename "$source" .cpp)")
-done
-rm -f "$folder/logs/"*
+names=("${@:3}")
+if [ ${#names[@]} -eq 0 ]; then
+  for source in "$root"/fuzz/*_fuzz.cpp; do
+    names+=("$(basename "$source" .cpp)")
+  done
+fi
 for name in "${names[@]}"; do
+  rm -f "$folder/logs/$name".*
   [ "$(jobs -rp | wc -l)" -ge 2 ] && wait -n
   { run_one "$name" || touch "$folder/logs/$name.failed"; } &
 done
 wait
 
-status=0
+failed=()
 printf '%-20s %8s %12s %12s %8s %8s\n' target seconds executions per-second coverage findings
 for name in "${names[@]}"; do
   log=$folder/logs/$name.log
   found=$(findings_of "$name" | wc -l)
   if [ -e "$folder/logs/$name.failed" ]; then
-    status=1
+    failed+=("$folder/logs/$name".*)
     [ "$found" -eq 0 ] && found='?'
   fi
   printf '%-20s %8s %12s %12s %8s %8s\n' "$name" "$seconds" "$(figure number_of_executed_units: "$log")" \
     "$(figure average_exec_per_sec: "$log")" "$(figure cov: "$log")" "$found"
 done
-if [ "$status" -ne 0 ]; then
-  echo "The findings are in $folder/findings, their reports in $folder/logs:"
-  grep -hE 'ERROR:|runtime error:|does not hold:|No such file' "$folder"/logs/* | sort -u | head -n 20
-fi
-exit "$status"
+[ ${#failed[@]} -eq 0 ] && exit 0
+echo "The findings are in $folder/findings, their reports in $folder/logs:"
+grep -hE 'ERROR:|runtime error:|does not hold:|No such file' "${failed[@]}" | sort -u | head -n 20
+exit 1

@@ -4,7 +4,7 @@
 # shellcheck disable=SC2034  # used by the scripts that source this
 packages_to_build=(g++ cmake ninja-build nlohmann-json3-dev libgtest-dev libgmock-dev)
 # shellcheck disable=SC2034
-packages_to_check=(clang clang-tidy cppcheck shellcheck binutils util-linux mandoc groff bash-completion debootstrap dpkg-dev
+packages_to_check=(clang clang-tidy libclang-rt-dev cppcheck shellcheck binutils util-linux mandoc groff bash-completion debootstrap dpkg-dev
   gzip perl valgrind strace)
 
 # Installs the named Debian packages that are missing. Without the rights to do so, prints the one command to run and ends.

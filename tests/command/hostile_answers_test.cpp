@@ -3,6 +3,8 @@
 #include <filesystem>
 #include <set>
 
+#include <gmock/gmock.h>
+
 #include "tests/command/operation_case.h"
 #include "tests/support/expected.h"
 
@@ -69,6 +71,16 @@ const Lie kLies[] = {
      R"("patch":[{"offset":19,"hex":"08"}])"},
     {"65535 elements of each type", kElements, R"("patch":[{"offset":0,"hex":"ffffffffffffffffffffffffffffffff"}])"},
     {"elements of ones", kElements, R"("fill":255)"},
+    // Records that lead to themselves or to each other.
+    {"every slot with the same drive", kPdList, R"("patch":[{"offset":32,"hex":"0800"},{"offset":56,"hex":"0800"}])"},
+    {"every drive in the same slot", kPdList, R"("patch":[{"offset":37,"hex":"00"},{"offset":61,"hex":"00"}])"},
+    {"the same LD twice", kLdList, R"("patch":[{"offset":24,"hex":"00"}])"},
+    {"two arrays of the same number", kConfig, R"("patch":[{"offset":330,"hex":"0000"}])"},
+    {"an array of one drive twice", kConfig, R"("patch":[{"offset":72,"hex":"0800"}])"},
+    {"eight spans on one array", kLd, R"("patch":[{"offset":37,"hex":"08"},{"offset":104,"hex":"0000"}])"},
+    {"groups that hold each other's LDs", kArray,
+     R"("nth":1,"patch":[{"offset":2,"hex":"03"},{"offset":16,"hex":"010001"}])"},
+    {"a copyback partner of itself", kPd, R"("patch":[{"offset":184,"hex":"2000"},{"offset":364,"hex":"0800"}])"},
     {"everything of ones", R"("from":2)", R"("fill":255)"},
     {"everything of nothing", R"("from":2)", R"("fill":0)"},
     {"everything cut", R"("from":2)", R"("truncate":7)"},
@@ -112,6 +124,21 @@ TEST_P(HostileAnswers, EveryReportSurvives) {
 INSTANTIATE_TEST_SUITE_P(Lies, HostileAnswers, testing::ValuesIn(kLies), [](const auto& lie) {
     return masked(lie.param.name, {{"[^A-Za-z0-9]+", "_"}});
 });
+
+using HostileSizes = OperationTest;
+
+TEST_F(HostileSizes, SnapshotOf4GigabytesIsReadUpToOneMegabyte) {
+    auto options = optionsFor(kScenario, "-ldpdprog");
+    options.env["ZEBSIM_FAULTS"] =
+        R"([{"type":6,"cmd":3,"opcode":"0x030F0800","nth":1,"patch":[{"offset":0,"hex":"ffffffff"}]}])";
+    const auto result = box.run(options);
+    std::vector<std::string> sizes; // the first four bytes of a controller command's record
+    for (const auto& request : parseTrace(result.trace))
+        if (request.type == 6 && request.cmd == 3 && request.out.at(6) == 0x0F)
+            sizes.push_back(toHex({reinterpret_cast<const char*>(request.out.data()), 4}));
+    EXPECT_THAT(sizes, testing::ElementsAre("04000000", "00001000", "04000000", testing::_));
+    EXPECT_EQ(box.run(optionsFor(kScenario, "-ldpdprog")).out, result.out);
+}
 
 /// The lines of a report with the values taken off, where a line has one.
 std::string layoutOf(const std::string& report) {

@@ -103,25 +103,26 @@ constexpr Status kStatuses[] = {
     {0x8015, "Failed to allocate memory"},
 };
 
-/// One run of the sweep: which request of which command fails, and how.
+/// One run of the sweep: which request of which command goes wrong, once or for ever after, and how.
 struct Point {
     const SweptCommand* command;
     std::size_t position; ///< from 1
-    enum Kind { kOnce, kForEver, kTruncated, kRandom } kind;
+    bool forEver;
+    enum Kind { kStatus, kTruncated, kRandom } kind;
     Status status{};
 
     std::string fault() const {
         const std::string at = std::to_string(position);
-        switch (kind) {
-        case kOnce:
-            return R"([{"nth":)" + at + R"(,"status":)" + std::to_string(status.code) + "}]";
-        case kForEver:
-            return R"([{"from":)" + at + R"(,"status":)" + std::to_string(status.code) + "}]";
-        case kTruncated:
-            return R"([{"nth":)" + at + R"(,"truncate":)" + std::to_string(position * 7 % 64) + "}]";
-        default:
-            return R"([{"nth":)" + at + R"(,"random":)" + at + "}]";
-        }
+        return std::string(forEver ? R"([{"from":)" : R"([{"nth":)") + at + [&]() -> std::string {
+            switch (kind) {
+            case kStatus:
+                return R"(,"status":)" + std::to_string(status.code);
+            case kTruncated:
+                return R"(,"truncate":)" + std::to_string(position * 7 % 64);
+            default:
+                return R"(,"random":)" + at;
+            }
+        }() + "}]";
     }
 };
 
@@ -210,7 +211,7 @@ void runPoint(Sandbox& box, const SweptProgram& program, const Point& point, con
     if (options.input == Input::kTerminal) {
         EXPECT_TRUE(sameMode(result.terminalBefore, result.terminalAfter));
     }
-    if (point.kind == Point::kOnce || point.kind == Point::kForEver)
+    if (point.kind == Point::kStatus)
         checkFailure(point, clean, result, log);
 }
 
@@ -220,11 +221,12 @@ std::vector<Point> makePoints(const CleanRuns& clean, bool everyKind) {
     for (const SweptCommand& command : kCommands)
         for (std::size_t position = 1; position <= clean.requests.at(&command).size(); ++position) {
             std::vector<Point> here;
-            for (const Status& status : kStatuses)
-                here.push_back({&command, position, Point::kOnce, status});
-            here.push_back({&command, position, Point::kForEver, kStatuses[position % std::size(kStatuses)]});
-            here.push_back({&command, position, Point::kTruncated});
-            here.push_back({&command, position, Point::kRandom});
+            for (const bool forEver : {false, true}) {
+                for (const Status& status : kStatuses)
+                    here.push_back({&command, position, forEver, Point::kStatus, status});
+                here.push_back({&command, position, forEver, Point::kTruncated});
+                here.push_back({&command, position, forEver, Point::kRandom});
+            }
             if (everyKind)
                 points.insert(points.end(), here.begin(), here.end());
             else

@@ -215,11 +215,16 @@ void runPoint(Sandbox& box, const SweptProgram& program, const Point& point, con
         checkFailure(point, clean, result, log);
 }
 
-/// Every kind of failure at each request, or one kind at each, in turn.
+/// Every kind of failure at each request; or one kind, in turn, at the first few of each command's requests of a type.
 std::vector<Point> makePoints(const CleanRuns& clean, bool everyKind) {
+    constexpr int kFew = 4;
+    constexpr std::size_t kStride = 5; // meets all twelve kinds
     std::vector<Point> points;
-    for (const SweptCommand& command : kCommands)
-        for (std::size_t position = 1; position <= clean.requests.at(&command).size(); ++position) {
+    for (const SweptCommand& command : kCommands) {
+        const auto& requests = clean.requests.at(&command);
+        std::map<std::pair<int, int>, int> alike;
+        for (std::size_t position = 1; position <= requests.size(); ++position) {
+            const TracedRequest& request = requests[position - 1];
             std::vector<Point> here;
             for (const bool forEver : {false, true}) {
                 for (const Status& status : kStatuses)
@@ -229,9 +234,10 @@ std::vector<Point> makePoints(const CleanRuns& clean, bool everyKind) {
             }
             if (everyKind)
                 points.insert(points.end(), here.begin(), here.end());
-            else
-                points.push_back(here[(position + points.size()) % here.size()]);
+            else if (++alike[{request.type, request.cmd}] <= kFew)
+                points.push_back(here[points.size() * kStride % here.size()]);
         }
+    }
     return points;
 }
 
@@ -252,8 +258,8 @@ std::size_t sweep(Sandbox& box, const SweptProgram& program) {
     return points.size();
 }
 
-TEST_F(RequestSweep, OneKindOfFailureAtEveryRequest) {
-    EXPECT_GT(sweep(box, {"", std::nullopt, false}), 1000U);
+TEST_F(RequestSweep, OneKindOfFailureAtTheFirstRequestsOfEachType) {
+    EXPECT_GT(sweep(box, {"", std::nullopt, false}), 500U);
 }
 
 TEST_F(RequestSweep, EveryKindOfFailureAtEveryRequestOfTheReleaseBuild) {

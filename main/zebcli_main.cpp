@@ -33,7 +33,7 @@ constexpr char kAccessError[] =
 
 using CommandWord = char[kWordSize + 1];
 
-/// Told by the library side that memory ran out.
+/// Called where memory for a request ran out.
 void DLL_MEMORYALLOC() {
     CliLogging(kPrintAndLog, kSource, __LINE__, "Error - Failed to initialize.");
 }
@@ -61,12 +61,6 @@ void surviveWriteSignals() {
     action.sa_flags = SA_RESTART;
     sigaction(SIGPIPE, &action, nullptr);
     sigaction(SIGXFSZ, &action, nullptr);
-}
-
-/// A caller may have left the end of children ignored; the status of a command that the shell runs for us would be
-/// lost.
-void waitForChildren() {
-    std::signal(SIGCHLD, SIG_DFL);
 }
 
 /// Lets a report go out in one piece, except to a terminal, where it is to be seen as it comes.
@@ -179,7 +173,6 @@ void checkOutput() {
 int main(int argc, char** argv) {
     occupyStandardDescriptors();
     surviveWriteSignals();
-    waitForChildren();
     gatherOutput();
     initLog(kLogName, kLogBudget);
     HistoryLog(argc, argv);

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
@@ -87,6 +88,7 @@ int CliCmdExecLog(int argc, char** argv, _AFCONT* /*conts*/, int /*contCount*/) 
         refuseToken(kCtrlSource, __LINE__, argv[1]);
         return 1;
     }
+    std::signal(SIGCHLD, SIG_DFL); // ignored by the caller, the tool's status would be lost
     const char* tool = toolName();
     if (tool == nullptr) {
         sayFailed();

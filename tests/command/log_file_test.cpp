@@ -133,6 +133,21 @@ TEST_F(CommandLog, FiftyRunsAtOnceMixNoLines) {
     EXPECT_THAT(log.bytes(), HasSubstr(kRefusal));
 }
 
+TEST_F(CommandLog, ARunWaitsForTheLock) {
+    const std::string before = oldLines(1) + logMarker();
+    log.write(before);
+    RunOptions options;
+    options.args = {"x"};
+    options.timeLimit = std::chrono::milliseconds(300);
+    options.mayTimeOut = true;
+    {
+        const Fd lock = log.holdLock();
+        EXPECT_TRUE(box.run(options).timedOut);
+        EXPECT_EQ(before, log.bytes());
+    }
+    shortRun();
+}
+
 /// A preloaded pwrite does not go together with the sanitizers, so the release build is what is killed.
 TEST_F(CommandLog, ARunKilledAtAnyByteLosesOnlyItsRecordUnderWay) {
 #ifndef ZEB_RELEASE_DIR

@@ -89,9 +89,9 @@ struct StartFailure {
     int error;
 };
 
-bool limit(int resource, const std::optional<std::uint64_t>& bytes) {
+bool limitFileSize(const std::optional<std::uint64_t>& bytes) {
     const rlimit both{bytes.value_or(0), bytes.value_or(0)};
-    return !bytes || setrlimit(static_cast<__rlimit_resource_t>(resource), &both) == 0;
+    return !bytes || setrlimit(RLIMIT_FSIZE, &both) == 0;
 }
 
 bool takeStandardDescriptors(const RunOptions& options, const Channels& channels) {
@@ -132,7 +132,7 @@ bool takeStandardDescriptors(const RunOptions& options, const Channels& channels
     need(setns(what.mountNamespace, CLONE_NEWNS) == 0, "setns");
     need(chdir(what.workFolder.c_str()) == 0, "chdir");
     need(takeStandardDescriptors(options, channels), "dup2");
-    need(limit(RLIMIT_FSIZE, options.fileSizeLimit) && limit(RLIMIT_AS, options.memoryLimit), "setrlimit");
+    need(limitFileSize(options.fileSizeLimit), "setrlimit");
     if (options.uid != 0) {
         need(setgroups(0, nullptr) == 0 && setgid(options.uid) == 0 && setuid(options.uid) == 0, "setuid");
     }

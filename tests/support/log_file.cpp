@@ -169,16 +169,6 @@ void LogFile::write(std::string_view bytes) const {
     writeFile(path_, bytes);
 }
 
-void LogFile::cut(std::size_t size) const {
-    std::filesystem::resize_file(path_, size);
-}
-
-void LogFile::setByte(std::size_t offset, char value) const {
-    std::string all = bytes();
-    all.at(offset) = value;
-    write(all);
-}
-
 Fd LogFile::holdLock() const {
     Fd file(open(path_.c_str(), O_RDWR | O_CLOEXEC));
     if (!file.open() || flock(file.get(), LOCK_EX) != 0) {

@@ -50,8 +50,6 @@ class LogFile {
 
     std::string bytes() const;
     void write(std::string_view bytes) const;
-    void cut(std::size_t size) const;
-    void setByte(std::size_t offset, char value) const;
     /// Takes the exclusive lock that writers need, until the returned object is gone.
     [[nodiscard]] Fd holdLock() const;
 

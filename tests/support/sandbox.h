@@ -56,7 +56,6 @@ struct RunOptions {
     std::chrono::milliseconds timeLimit{20000};
     bool mayTimeOut = false; ///< a run over its time limit is part of the test
     std::optional<std::uint64_t> fileSizeLimit;
-    std::optional<std::uint64_t> memoryLimit; ///< address space, bytes; not for a program with sanitizers
     bool trace = false; ///< collect the simulator's request trace
 };
 

@@ -1,7 +1,6 @@
 // The harness's own tests: what it promises to the others.
 #include <csignal>
 #include <cstdlib>
-#include <thread>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest-spi.h>
@@ -68,34 +67,6 @@ TEST_F(SupportSandbox, ProgramSeesItsOwnWorld) {
                  readFile("/opt/quorvel/zeb/log/zebcli.log") == "left\n");
 }
 
-TEST_F(SupportSandbox, StandardStreams) {
-    auto options = shell("cat; echo err >&2");
-    options.input = Input::kPipe;
-    options.inputText = std::string(300000, 'x');
-    auto result = box.run(options);
-    EXPECT_EQ(options.inputText, result.out);
-    EXPECT_EQ("err\n", result.err);
-
-    options = shell("echo out; test -e /proc/self/fd/0 && echo in >&2");
-    const struct {
-        Output output;
-        int signal;
-        std::string err;
-    } cases[] = {{Output::kFull, 0, "/bin/sh: 1: echo: echo: I/O error\n"},
-                 {Output::kBrokenPipe, SIGPIPE, ""},
-                 {Output::kClosed, 0, "echo"}};
-    options.argv0 = "/bin/sh";
-    options.input = Input::kClosed;
-    for (const auto& c : cases) {
-        options.output = c.output;
-        result = box.run(options);
-        EXPECT_EQ(c.signal, result.signal) << result;
-        EXPECT_EQ("", result.out);
-        EXPECT_EQ(std::string::npos, result.err.find("in\n")) << "standard input is open";
-        EXPECT_EQ(c.err.empty(), result.err.empty()) << result;
-    }
-}
-
 TEST_F(SupportSandbox, TerminalDialogueTypesOnlyWhenAsked) {
     auto options =
         shell("stty -echo -isig; printf 'Sure?'; sleep 0.1; stty echo; read a; stty -echo; printf 'More?'; read b; "
@@ -129,10 +100,6 @@ TEST_F(SupportSandbox, LimitsAndTimeOut) {
     options.fileSizeLimit = 4096;
     box.run(options);
     EXPECT_EQ(4096U, std::filesystem::file_size(box.work() / "big"));
-
-    options = shell("ulimit -v");
-    options.memoryLimit = 64U << 20U;
-    EXPECT_EQ("65536\n", box.run(options).out);
 
     options = shell("id -u; id -g; id -G");
     options.uid = 65534;
@@ -171,48 +138,6 @@ TEST_F(SupportSandbox, SanitizerFindingsAreFailures) {
     }
 }
 
-TEST_F(SupportSandbox, SyslogDatagramsAreCollected) {
-    for (const uid_t uid : {0U, 65534U}) {
-        auto options = probe({"syslog", "ZEB_ERR01 text"});
-        options.uid = uid;
-        const auto result = box.run(options);
-        ASSERT_EQ(1U, result.syslog.size());
-        EXPECT_EQ("<11>TIME probe[PID]: ZEB_ERR01 text",
-                  masked(result.syslog[0],
-                         {{">[A-Z][a-z]{2} [ \\d]\\d \\d\\d:\\d\\d:\\d\\d ", ">TIME "}, {"\\[\\d+\\]", "[PID]"}}));
-    }
-}
-
-TEST_F(SupportSandbox, LibraryFolderIsTheProgramsOnlyLibrary) {
-    const struct {
-        std::filesystem::path folder;
-        const char* found;
-    } cases[] = {
-        {box.noLibrary(), "no library\n"}, {ZEB_LIB_NO_ENTRY, "no entry point\n"}, {ZEB_LIB_HOSTILE, "entry point\n"}};
-    for (const auto& c : cases) {
-        auto options = probe({"load"});
-        options.libraryDir = c.folder;
-        EXPECT_EQ(c.found, box.run(options).out) << c.folder;
-    }
-}
-
-TEST_F(SupportSandbox, ParallelRunsDoNotDisturbEachOther) {
-    const auto work = [](const std::string& name) {
-        Sandbox own;
-        for (int i = 0; i < 50; ++i) {
-            auto options = shell("cat; echo " + name + " >> /opt/mine");
-            options.input = Input::kPipe;
-            options.inputText = name;
-            EXPECT_EQ(name, own.run(options).out);
-        }
-        EXPECT_EQ(50 * (name.size() + 1), readFile(own.opt() / "mine").size());
-    };
-    std::thread first(work, "first");
-    std::thread second(work, "second");
-    first.join();
-    second.join();
-}
-
 using SupportLogFile = SandboxTest;
 
 TEST_F(SupportLogFile, RingIsReadFromTheMarkerOn) {
@@ -241,18 +166,11 @@ TEST_F(SupportLogFile, RingIsReadFromTheMarkerOn) {
 
 TEST_F(SupportLogFile, DamageIsSeen) {
     const LogFile log(box.log());
-    log.write(logLine("a") + logMarker());
-    log.setByte(3, '\n');
+    const std::string whole = logLine("a") + logMarker();
+    log.write(whole.substr(0, 399));
     EXPECT_FALSE(log.everyLineExact());
-    log.write(logLine("a") + logMarker());
-    log.cut(399);
+    log.write(std::string(whole).replace(3, 1, "\n"));
     EXPECT_FALSE(log.everyLineExact());
-    auto options = shell("flock -n /opt/quorvel/zeb/log/zebcli.log true || echo held");
-    {
-        const auto lock = log.holdLock();
-        EXPECT_EQ("held\n", box.run(options).out);
-    }
-    EXPECT_EQ("", box.run(options).out);
 }
 
 TEST(SupportTrace, LineIsTakenApart) {

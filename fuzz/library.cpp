@@ -43,8 +43,11 @@ Room roomOf(const _SL_LIB_CMD_PARAM_T& request) {
     return reads ? Room{static_cast<std::uint8_t*>(input.data), input.dataSize} : Room{};
 }
 
-/// Answers as the simulator does, which is asked once for each question: the model stands still.
+/// Answers as the simulator does, which is asked once for each question: the model stands still. Large answers, and
+/// those behind a number of questions that only sizes at random bring about, are not kept.
 void answerFromModel(_SL_LIB_CMD_PARAM_T& request, Room room) {
+    constexpr std::size_t kLargestKept = 16U << 10U;
+    constexpr std::size_t kMostKept = 4096;
     static std::unordered_map<std::string, std::vector<std::uint8_t>> known;
     std::string question(reinterpret_cast<const char*>(&request), offsetof(_SL_LIB_CMD_PARAM_T, data));
     if (request.cmdType == kPassThrough)
@@ -52,7 +55,7 @@ void answerFromModel(_SL_LIB_CMD_PARAM_T& request, Room room) {
     const auto answer = known.find(question);
     if (answer != known.end())
         std::copy(answer->second.begin(), answer->second.end(), room.begin());
-    else if (ProcessLibCommand(&request) == kSlSuccess)
+    else if (ProcessLibCommand(&request) == kSlSuccess && room.size() <= kLargestKept && known.size() < kMostKept)
         known.emplace(question, std::vector<std::uint8_t>(room.begin(), room.end()));
 }
 

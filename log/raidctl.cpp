@@ -40,10 +40,25 @@ int systemCallFailed(const char* call) {
     return 0;
 }
 
+/// Takes the exclusive lock. Anyone who may read the log can hold it, so a run waits for it only so long in all: the
+/// log never stops the program.
+bool lockFile(int fd) {
+    constexpr useconds_t kPause = 2000;
+    constexpr int kMostPauses = 5000; // ten seconds
+    static int pauses = 0;
+    while (flock(fd, LOCK_EX | LOCK_NB) != 0) {
+        if ((errno != EWOULDBLOCK && errno != EINTR) || pauses == kMostPauses)
+            return false;
+        ++pauses;
+        usleep(kPause);
+    }
+    return true;
+}
+
 /// The exclusive lock on the log file, held for one record with its dump.
 class LogLock {
   public:
-    explicit LogLock(int fd) : fd_(fd), held_(flock(fd, LOCK_EX) == 0) {}
+    explicit LogLock(int fd) : fd_(fd), held_(lockFile(fd)) {}
     ~LogLock() { release(); }
     LogLock(const LogLock&) = delete;
     LogLock& operator=(const LogLock&) = delete;
@@ -208,11 +223,28 @@ class RecordWriter {
     std::size_t count_ = 0;
 };
 
-bool logPath(const char* fileName, char (&path)[kPathSize]) {
+bool inLogDirectory(const char* fileName) {
     struct stat info {};
-    const bool inLogDirectory = std::strchr(fileName, '/') == nullptr && stat(kLogDirectory, &info) == 0;
-    const int length = std::snprintf(path, sizeof path, "%s%s", inLogDirectory ? kLogDirectory : "", fileName);
-    return length >= 0 && static_cast<std::size_t>(length) < sizeof path;
+    return std::strchr(fileName, '/') == nullptr && stat(kLogDirectory, &info) == 0;
+}
+
+/// Opens the log, or makes it. Nothing but a file is taken: what stands there in its place, a device above all, would
+/// be written to and get another mode. In a working directory, which may be anybody's, a link is no log either.
+int openLog(const char* fileName) {
+    char path[kPathSize];
+    const bool ours = inLogDirectory(fileName);
+    const int length = std::snprintf(path, sizeof path, "%s%s", ours ? kLogDirectory : "", fileName);
+    if (length < 0 || static_cast<std::size_t>(length) >= sizeof path)
+        return -1;
+    const bool anybodys = !ours && std::strchr(fileName, '/') == nullptr;
+    const int flags = O_RDWR | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK | (anybodys ? O_NOFOLLOW : 0);
+    const int fd = open(path, flags, kLogMode);
+    struct stat info {};
+    if (fd >= 0 && (fstat(fd, &info) != 0 || !S_ISREG(info.st_mode))) {
+        close(fd);
+        return -1;
+    }
+    return fd;
 }
 
 void closeLog() {
@@ -229,10 +261,7 @@ int initLog(const char* fileName, unsigned int maxFileSize) {
         DLLSetLastError(kErrNoFileName, "initLog");
         return 0;
     }
-    char path[kPathSize];
-    if (!logPath(fileName, path))
-        return systemCallFailed("open");
-    logState.fd = open(path, O_RDWR | O_CREAT | O_CLOEXEC | O_NOCTTY, kLogMode);
+    logState.fd = openLog(fileName);
     if (logState.fd < 0)
         return systemCallFailed("open");
     if (fchmod(logState.fd, kLogMode) != 0)

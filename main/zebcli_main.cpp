@@ -4,6 +4,7 @@
 #include "log/raidctl.h"
 #include "log/zebcli_log.h"
 #include "main/command_table.h"
+#include "main/process_setup.h"
 #include "main/zebcli_cmd_com/prompts.h"
 #include "main/zebcli_cmd_com/snapshot.h"
 #include "storelib/dll_mod.h"
@@ -14,9 +15,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <fcntl.h>
-#include <iterator>
-#include <poll.h>
 #include <unistd.h>
 
 namespace {
@@ -26,7 +24,6 @@ constexpr char kLogName[] = "zebcli.log";
 constexpr unsigned int kLogBudget = 2000000; // bytes
 constexpr std::size_t kWordSize = 256;
 constexpr std::size_t kLongestArgument = 256;
-constexpr std::size_t kOutputSize = 65536;
 constexpr int kFailure = -1;
 constexpr char kAccessError[] =
     "Error - An error has occurred on accessing to RAID controller.\nQuits the application.\n";
@@ -38,36 +35,15 @@ void DLL_MEMORYALLOC() {
     CliLogging(kPrintAndLog, kSource, __LINE__, "Error - Failed to initialize.");
 }
 
+/// Whether the terminal belongs to another job just now. Whoever changes its mode then is stopped.
+bool inBackground() {
+    const pid_t front = tcgetpgrp(STDIN_FILENO);
+    return front >= 0 && front != getpgrp();
+}
+
 void CliCmdProcessDetach() {
-    if (term_set_flg == 1)
+    if (term_set_flg == 1 && !inBackground())
         tcsetattr(STDIN_FILENO, TCSANOW, &old_term_set);
-}
-
-/// Occupies the standard descriptors that the caller left closed, so that no file that is opened later, the log above
-/// all, gets one of their numbers. What is read from or written to them fails as it would on a closed descriptor.
-void occupyStandardDescriptors() {
-    pollfd standard[] = {{STDIN_FILENO, 0, 0}, {STDOUT_FILENO, 0, 0}, {STDERR_FILENO, 0, 0}};
-    poll(standard, std::size(standard), 0);
-    for (const pollfd& file : standard)
-        if ((file.revents & POLLNVAL) != 0)
-            open("/dev/null", file.fd == STDIN_FILENO ? O_WRONLY : O_RDONLY);
-}
-
-/// Makes a write to a pipe without a reader, or past the allowed file size, fail instead of ending the run. A handler,
-/// not an ignored signal: commands that the shell runs for us start with the default again.
-void surviveWriteSignals() {
-    struct sigaction action {};
-    action.sa_handler = [](int) {};
-    action.sa_flags = SA_RESTART;
-    sigaction(SIGPIPE, &action, nullptr);
-    sigaction(SIGXFSZ, &action, nullptr);
-}
-
-/// Lets a report go out in one piece, except to a terminal, where it is to be seen as it comes.
-void gatherOutput() {
-    static char gathered[kOutputSize];
-    if (isatty(STDOUT_FILENO) == 0)
-        std::setvbuf(stdout, gathered, _IOFBF, sizeof gathered);
 }
 
 bool argumentsTooLong(int argc, char** argv) {
@@ -77,6 +53,24 @@ bool argumentsTooLong(int argc, char** argv) {
     return false;
 }
 
+/// Makes the signals that end a run put the terminal back first, as it was when the run began.
+void restoreTerminalOnSignals() {
+    static termios before;
+    before = old_term_set;
+    struct sigaction action {};
+    action.sa_handler = [](int signal) {
+        tcsetattr(STDIN_FILENO, TCSANOW, &before);
+        raise(signal);
+    };
+    action.sa_flags = static_cast<int>(SA_RESETHAND);
+    sigaddset(&action.sa_mask, SIGTTOU); // in the background too
+    for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM}) {
+        struct sigaction present {};
+        if (sigaction(signal, nullptr, &present) == 0 && present.sa_handler != SIG_IGN)
+            sigaction(signal, &action, nullptr);
+    }
+}
+
 /// Canonical input stays on; only the echo and the signal keys go off for the run.
 void setTerminalMode() {
     if (tcgetattr(STDIN_FILENO, &old_term_set) != 0)
@@ -84,7 +78,10 @@ void setTerminalMode() {
     new_term_set = old_term_set;
     new_term_set.c_lflag &= ~static_cast<tcflag_t>(ECHO);
     new_term_set.c_lflag &= ~static_cast<tcflag_t>(ISIG);
-    tcsetattr(STDIN_FILENO, TCSANOW, &new_term_set);
+    if (!inBackground()) {
+        restoreTerminalOnSignals();
+        tcsetattr(STDIN_FILENO, TCSANOW, &new_term_set);
+    }
     term_set_flg = 1;
 }
 

@@ -24,6 +24,7 @@ constexpr char kDefaultQuestion[] = "Is it executed?(Y/N)?";
 constexpr char kMenuQuestion[] = "Please input number or Q :";
 constexpr char kLdListQuestion[] = "Please input LD number or Q :";
 constexpr useconds_t kEndOfInputPause = 100000;
+constexpr unsigned kLongestLine = 1U << 20U;
 constexpr unsigned kHighestMenuNumber = 255;
 
 // Question texts by kind; an empty one is no yes/no kind with a fixed text. The small differences between kinds 2 and
@@ -89,16 +90,19 @@ void printQuestion(unsigned char kind, const unsigned char* text) {
     CliLogging(kPrint, kComSource, __LINE__, "%s", question);
 }
 
-/// Reads a line. Of one that is too long the rest is dropped, so that its end is not taken for the answer to the question
-/// asked again. The last byte tells whether the buffer was filled: a line may have NULs in it.
+/// Reads a line. Of one that is too long the rest is dropped, so that its end is not taken for the answer to the
+/// question asked again; one that has no end counts as the end of the input. The last byte tells whether the buffer was
+/// filled: a line may have NULs in it.
 bool readLine(std::span<char, kAnswerSize> answer) {
     answer.back() = '\n';
     if (std::fgets(answer.data(), static_cast<int>(answer.size()), stdin) == nullptr)
         return false;
-    if (answer.back() == '\0' && answer[kAnswerSize - 2] != '\n')
-        for (int c = std::fgetc(stdin); c != EOF && c != '\n';)
-            c = std::fgetc(stdin);
-    return true;
+    if (answer.back() != '\0' || answer[kAnswerSize - 2] == '\n')
+        return true;
+    for (unsigned dropped = 0; dropped < kLongestLine; ++dropped)
+        if (const int c = std::fgetc(stdin); c == EOF || c == '\n')
+            return true;
+    return false;
 }
 
 int askYesNo(unsigned char kind, const unsigned char* text, Answer& answer) {
@@ -167,10 +171,12 @@ int askNumbers(unsigned char* a, const unsigned char* b, unsigned char kind, uns
         const bool goOn = readAnswer(answer);
         std::string_view text(answer.data());
         text = text.substr(0, text.find('\n'));
-        if (text == "Q" || text == "q" || !goOn)
+        if (text == "Q" || text == "q")
             return 0;
         if (menu ? takeMenuNumber(text, a, c) : takeLdList(text, a, b))
             return 1;
+        if (!goOn)
+            return 0;
         std::printf("\"%.*s\" is invalid.\n", static_cast<int>(text.size()), text.data());
     }
 }
@@ -188,7 +194,7 @@ bool readAnswer(std::span<char, kAnswerSize> answer) {
         std::clearerr(stdin);
         usleep(kEndOfInputPause);
     }
-    return read || shown;
+    return shown;
 }
 
 int ComChk(unsigned char* a, unsigned char* b, unsigned char* text, unsigned char kind, unsigned char c) {

@@ -16,8 +16,7 @@ inline constexpr std::size_t kAnswerSize = 65536;
 /// Reads one line from standard input, newline included, with echo on meanwhile. The mode in force before and during
 /// the input lands in old_term_set on purpose: after any question the mode that is put back at exit is the one of the
 /// last input. At the end of the input the answer is empty and 100 ms have passed, so that asking again cannot spin a
-/// processor. Returns false when asking again is in vain: the input is at its end and nobody reads the questions any
-/// more.
+/// processor. Returns false when asking again is in vain, since nobody reads the questions any more.
 bool readAnswer(std::span<char, kAnswerSize> answer);
 
 /// The kinds of questions that handlers ask by name.

@@ -2,6 +2,7 @@
 #include <csignal>
 #include <filesystem>
 #include <set>
+#include <sys/stat.h>
 #include <thread>
 
 #include <gmock/gmock.h>
@@ -196,6 +197,11 @@ TEST_F(CommandLog, WithoutItsFolderItLiesInTheWorkingDirectory) {
     EXPECT_THAT(LogFile(box.work() / "zebcli.log").messages(), testing::ElementsAre("zebcli x", kRefusal));
     EXPECT_FALSE(fs::exists(box.logFolder()));
     fs::remove(box.work() / "zebcli.log");
+    writeFile(box.opt() / "secret", "secret");
+    fs::create_symlink("/opt/secret", box.work() / "zebcli.log");
+    shortRun();
+    EXPECT_EQ("secret", readFile(box.opt() / "secret")) << "a link in a folder that may be anybody's";
+    fs::remove(box.work() / "zebcli.log");
     writeFile(box.logFolder(), "no folder");
     shortRun();
     EXPECT_TRUE(fs::exists(box.work() / "zebcli.log"));
@@ -208,6 +214,11 @@ TEST_F(CommandLog, ALogThatCannotBeWrittenStopsNothing) {
     fs::remove(box.log());
     fs::create_symlink("zebcli.log", box.log());
     shortRun();
+    fs::remove(box.log());
+    fs::create_symlink("/opt/device", box.log());
+    ASSERT_EQ(0, mkfifo((box.opt() / "device").c_str(), 0600));
+    shortRun();
+    EXPECT_EQ(fs::perms(0600), fs::status(box.opt() / "device").permissions()) << "nothing but a file is a log";
     fs::remove(box.log());
     RunOptions options;
     options.uid = 65534;
@@ -230,6 +241,19 @@ TEST_F(CommandLog, AFullDiskStopsNothing) {
         EXPECT_EQ(0, box.run({"-v"}).exitStatus);
         EXPECT_FALSE(log.markers().empty());
     }
+}
+
+TEST_F(CommandLog, OutputThatDoesNotWaitLosesNothing) {
+    // A pipe that holds less than the report, whose end another program left without waiting.
+    RunOptions options;
+    options.program = "/usr/bin/perl";
+    options.args = {"-e", R"(use Fcntl; pipe(R, W); if (fork == 0) { close W; sleep 1; print while <R>; exit }
+        close R; fcntl(W, F_SETFL, fcntl(W, F_GETFL, 0) | O_NONBLOCK); open(STDOUT, ">&W"); close W;
+        exec $ARGV[0], "-pdinfo", "-aAll" if fork == 0; close STDOUT; wait; wait)",
+                    ZEB_ZEBCLI};
+    options.env["ZEBSIM_SCENARIO"] = fs::path(ZEB_SCENARIO_DIR) / "maximum_fill.json";
+    const auto result = box.run(options);
+    EXPECT_TRUE(sameText(result.out, readFile(fs::path(ZEB_EXPECTED_DIR) / "maximum_fill/pdinfo.txt")));
 }
 
 TEST_F(CommandLog, LostOutputIsRecordedAndChangesNoStatus) {

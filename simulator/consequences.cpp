@@ -112,7 +112,7 @@ void endCopyback(Controller& ctrl, Drive& drive) {
         if (side == nullptr || !side->copyback)
             continue;
         side->copyback.reset();
-        changeDriveState(ctrl, *side, kPdUnconfiguredGood);
+        changeDriveState(ctrl, *side, findSpare(ctrl, side->deviceId) ? kPdHotSpare : kPdUnconfiguredGood);
     }
 }
 

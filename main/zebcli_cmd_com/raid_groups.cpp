@@ -27,12 +27,13 @@ const _MR_SPARE* spareOf(const _AFCONT& cont, std::uint16_t deviceId) {
 
 /// The groups that a spare serves, each once, in the spare's order.
 void mkServedGroupsStr(unsigned char contNo, const _AFCONT* conts, const _MR_SPARE& spare, std::span<char> out) {
-    std::array<bool, kMaxArrays> named{};
+    std::array<std::array<bool, kMaxArrays>, 2> named{}; // CacheCade groups are counted apart
     for (unsigned i = 0; i < std::min<std::size_t>(spare.arrayCount, std::size(spare.arrayRef)); ++i) {
         const std::uint16_t arrayRef = spare.arrayRef[i];
         if (arrayRef >= kMaxArrays || conts[contNo].rgNoList.entry[arrayRef].known == 0)
             continue;
-        bool& alreadyNamed = named[conts[contNo].rgNoList.entry[arrayRef].groupNo % kMaxArrays];
+        const auto& group = conts[contNo].rgNoList.entry[arrayRef];
+        bool& alreadyNamed = named[group.cacheCade != 0 ? 1 : 0][group.groupNo % kMaxArrays];
         if (alreadyNamed)
             continue;
         alreadyNamed = true;

@@ -30,6 +30,7 @@ struct UnitRaidGroups : testing::Test {
         model.spare(61, 1, {4, 77, 127});
         model.spare(62, 0, {9}); // a global one
         model.spare(63, 1, {});
+        model.spare(65, 1, {0, 4, 9}); // of equal numbers, one a CacheCade group
     }
     std::string group(unsigned slot) {
         return textOf([&](auto out) { mkRaidGroupStr(kCont, model.conts(), static_cast<unsigned char>(slot), out); });
@@ -51,9 +52,9 @@ TEST_F(UnitRaidGroups, AreNumberedInConfigurationOrder) {
 }
 
 TEST_F(UnitRaidGroups, OfADriveAreItsOwnOrThoseThatItServes) {
-    const std::pair<unsigned, const char*> slots[] = {{0, "RG0"}, {2, "scRG0"}, {3, "RG0"},      {5, "RG1"},
-                                                      {6, "RG2"}, {8, "RG3"},   {9, "-"},        {12, "-"},
-                                                      {13, "-"},  {99, "-"},    {10, "RG0, RG1"}};
+    const std::pair<unsigned, const char*> slots[] = {{0, "RG0"}, {2, "scRG0"}, {3, "RG0"},       {5, "RG1"},
+                                                      {6, "RG2"}, {8, "RG3"},   {9, "-"},         {12, "-"},
+                                                      {13, "-"},  {99, "-"},    {10, "RG0, RG1"}, {15, "RG0, scRG0"}};
     for (const auto& [slot, wanted] : slots)
         EXPECT_EQ(wanted, group(slot)) << "slot " << slot;
 }

@@ -1,5 +1,6 @@
 #include "log/os_event.h"
 
+#include "log/file_closer.h"
 #include "log/zebcli_log.h"
 
 #include <algorithm>
@@ -7,7 +8,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
-#include <memory>
 #include <string_view>
 #include <syslog.h>
 
@@ -60,10 +60,6 @@ constexpr auto kIdentifiers = std::to_array<MessageIdentifier>({
     {0x60000019, "ZEB_INF0T: INFORMATION Event for TEST"},
 });
 static_assert(kIdentifiers.size() == 25);
-
-struct FileCloser {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
 
 /// Reads one line of at most 511 characters; what a longer one has more is read as the next line.
 bool readLine(std::FILE* file, char (&line)[kLineSize]) {
@@ -128,7 +124,7 @@ int priorityOf(std::uint32_t messageId) {
 
 void ReadEventInfo() {
     evtInfoCount = 0;
-    const std::unique_ptr<std::FILE, FileCloser> file(std::fopen(kEventTablePath, "re"));
+    const OwnedFile file(std::fopen(kEventTablePath, "re"));
     if (file)
         readEventTable(file.get());
     else

@@ -4,16 +4,18 @@
 #include "log/raidctl.h"
 #include "log/zebcli_log.h"
 #include "main/zebcli_cmd_com/calendar.h"
-#include "main/zebcli_cmd_com/controller_options.h"
+#include "main/zebcli_cmd_com/options.h"
 #include "main/zebcli_cmd_com/report.h"
 #include "main/zebcli_cmd_com/source.h"
+#include "main/zebcli_cmd_com/trace.h"
+#include "main/zebcli_cmd_com/vocabulary.h"
 #include "storelib/common/StoreLib/cache_backup.h"
 #include "storelib/records/status.h"
 
-#include <span>
-
 namespace {
 
+constexpr OptionTable kOptions = controllerOptions(kCtrlSource);
+constexpr TraceOrigin kOrigin{kCtrlSource, "CliCmdExecCacheBkupInfo"};
 constexpr unsigned kSecondsPerDay = 86400;
 
 struct CacheBackupData {
@@ -23,22 +25,18 @@ struct CacheBackupData {
 };
 
 /// Says that there is no unit to report on and leaves the trace of the query that told so.
-bool succeeded(std::uint32_t status, const char* text, unsigned char contNo, int line = __builtin_LINE()) {
+bool answered(std::uint32_t status, const char* text, unsigned char contNo, int line = __builtin_LINE()) {
     if (status == kSlSuccess)
         return true;
     CliLogging(kPrintAndLog, kCtrlSource, line, "Error - This command is not supported at the current configuration.");
-    Utillogging(kCtrlSource, line, kTraceError, "func=%s: %s, contNo=%u", "CliCmdExecCacheBkupInfo", text, contNo);
+    traceFailure(kOrigin, text, contNo, line);
     return false;
 }
 
 bool queryCacheBackup(unsigned char contNo, CacheBackupData& data) {
-    return succeeded(SLGetCacheBkupStatus(contNo, &data.status), "SLGetCacheBkupStatus error", contNo) &&
-           succeeded(SLGetCacheBkupProperties(contNo, &data.properties), "SLGetCacheBkupProperties error", contNo) &&
-           succeeded(SLGetCacheBkupDesignInfo(contNo, &data.design), "SLGetCacheBkupDesignInfo error", contNo);
-}
-
-const char* wordOf(std::span<const char* const> words, unsigned code) {
-    return code < words.size() ? words[code] : "Not defined";
+    return answered(SLGetCacheBkupStatus(contNo, &data.status), "SLGetCacheBkupStatus error", contNo) &&
+           answered(SLGetCacheBkupProperties(contNo, &data.properties), "SLGetCacheBkupProperties error", contNo) &&
+           answered(SLGetCacheBkupDesignInfo(contNo, &data.design), "SLGetCacheBkupDesignInfo error", contNo);
 }
 
 void reportCacheBackup(unsigned char contNo, const CacheBackupData& data) {
@@ -49,14 +47,15 @@ void reportCacheBackup(unsigned char contNo, const CacheBackupData& data) {
     Report report;
     report.add("%s: %d\r\n\r\n", "RAID Controller", contNo);
     report.add("%s\r\n", "### General Information ###");
-    report.add("%s        : %s\r\n", "Cache Backup Type", wordOf(kTypes, data.status.type));
+    report.add("%s        : %s\r\n", "Cache Backup Type", wordOf(kTypes, data.status.type, "Not defined"));
     report.add("%s            : %d\r\n", "Serial Number", data.design.serialNo);
     report.add("%s            : %d Joules\r\n", "Full Capacity", data.design.designCapacity);
     report.add("%s       : %d Joules\r\n", "Remaining Capacity", remaining);
     report.add("%s              : %d C\r\n", "Temperature", data.status.temperature);
     report.add("%s                  : %d mV\r\n", "Voltage", data.status.voltage);
     report.add("%s                  : %d mA\r\n", "Current", data.status.current);
-    report.add("%s    : %s\r\n", "Automatic Learn Cycle", wordOf(kLearnModes, data.properties.autoLearnMode));
+    report.add("%s    : %s\r\n", "Automatic Learn Cycle",
+               wordOf(kLearnModes, data.properties.autoLearnMode, "Not defined"));
     report.add("%s        : %d Days\r\n", "Auto Learn Period",
                static_cast<int>(data.properties.learnPeriod / kSecondsPerDay));
     report.add("%s         : %d/%d/%d ; %d:%d:%d\r\n", "Next Learn Cycle", next.year, next.month, next.day, next.hour,
@@ -69,7 +68,7 @@ void reportCacheBackup(unsigned char contNo, const CacheBackupData& data) {
 int CliCmdExecCacheBkupInfo(int argc, char** argv, _AFCONT* /*conts*/, int contCount) {
     dumpLog(kCtrlSource, __LINE__, __func__);
     Options options;
-    if (!parseControllers(kCtrlSource, argc, argv, contCount, options))
+    if (!readArguments(kOptions, argc, argv, contCount, options))
         return 1;
     for (const unsigned char contNo : selectedControllers(options.ctrls, contCount)) {
         CacheBackupData data;
@@ -83,7 +82,7 @@ int CliCmdExecCacheBkupInfo(int argc, char** argv, _AFCONT* /*conts*/, int contC
 int CliCmdExecCacheBkup(int argc, char** argv, _AFCONT* /*conts*/, int contCount) {
     dumpLog(kCtrlSource, __LINE__, __func__);
     Options options;
-    if (!parseControllers(kCtrlSource, argc, argv, contCount, options))
+    if (!readArguments(kOptions, argc, argv, contCount, options))
         return 1;
     for (const unsigned char contNo : selectedControllers(options.ctrls, contCount)) {
         if (SLLearnCacheBkup(contNo) == kSlSuccess)

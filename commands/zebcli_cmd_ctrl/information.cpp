@@ -4,14 +4,14 @@
 #include "log/raidctl.h"
 #include "log/zebcli_log.h"
 #include "main/zebcli_cmd_com/calendar.h"
-#include "main/zebcli_cmd_com/controller_options.h"
 #include "main/zebcli_cmd_com/lookup.h"
+#include "main/zebcli_cmd_com/options.h"
 #include "main/zebcli_cmd_com/report.h"
 #include "main/zebcli_cmd_com/source.h"
 #include "main/zebcli_cmd_com/text_field.h"
+#include "main/zebcli_cmd_com/trace.h"
 #include "main/zebcli_cmd_com/vocabulary.h"
 #include "storelib/common/StoreLib/controller.h"
-#include "storelib/records/status.h"
 
 #include <algorithm>
 #include <span>
@@ -19,7 +19,9 @@
 
 namespace {
 
+constexpr OptionTable kOptions = controllerOptions(kCtrlSource);
 constexpr char kHandler[] = "CliCmdExecAdpInfo";
+constexpr TraceOrigin kOrigin{kCtrlSource, kHandler};
 
 struct ControllerData {
     _MR_CTRL_INFO info{};
@@ -30,20 +32,12 @@ struct ControllerData {
     _MR_DRV_DRIVER_VERSION driver{};
 };
 
-/// Leaves the trace of a query that failed. Returns whether it succeeded.
-bool succeeded(std::uint32_t status, const char* text, unsigned char contNo, int line = __builtin_LINE()) {
-    if (status == kSlSuccess)
-        return true;
-    Utillogging(kCtrlSource, line, kTraceError, "func=%s: %s, contNo=%u", kHandler, text, contNo);
-    return false;
-}
-
 bool queryController(unsigned char contNo, ControllerData& data) {
-    return succeeded(SLGetCtrlInfo(contNo, &data.info), "SLGetCtrlInfo error", contNo) &&
-           succeeded(SLGetCtrlProp(contNo, &data.properties), "SLGetCtrlProp error", contNo) &&
-           succeeded(SLGetPciInfo(contNo, &data.pci), "SLGetPciInfo error", contNo) &&
-           succeeded(SLGetPatrolReadProp(contNo, &data.patrolRead), "SLGetPatrolReadProp error", contNo) &&
-           succeeded(SLGetMFCDefaults(contNo, &data.defaults), "SLGetMFCDefaults error", contNo);
+    return succeeded(SLGetCtrlInfo(contNo, &data.info), kOrigin, "SLGetCtrlInfo error", contNo) &&
+           succeeded(SLGetCtrlProp(contNo, &data.properties), kOrigin, "SLGetCtrlProp error", contNo) &&
+           succeeded(SLGetPciInfo(contNo, &data.pci), kOrigin, "SLGetPciInfo error", contNo) &&
+           succeeded(SLGetPatrolReadProp(contNo, &data.patrolRead), kOrigin, "SLGetPatrolReadProp error", contNo) &&
+           succeeded(SLGetMFCDefaults(contNo, &data.defaults), kOrigin, "SLGetMFCDefaults error", contNo);
 }
 
 const char* yesNo(bool yes) {
@@ -52,11 +46,6 @@ const char* yesNo(bool yes) {
 
 const char* enabledWhen(bool enabled) {
     return enabled ? "Enabled" : "Disabled";
-}
-
-/// The word for a small code, "Unknown" beyond the table.
-const char* wordOf(std::span<const char* const> words, unsigned code) {
-    return code < words.size() ? words[code] : "Unknown";
 }
 
 const char* patrolReadInterval(std::uint32_t seconds, unsigned char contNo) {
@@ -92,7 +81,7 @@ void addGeneral(Report& report, unsigned char contNo, const ControllerData& data
     report.add("%s             : 0x%X\r\n", "SubDevice ID", static_cast<unsigned>(info.subDeviceId));
     report.add("%s        : %d\r\n", "Device Port Count", info.devicePortCount);
     report.add("%s            : %s\r\n", "Alarm Present", yesNo((info.hwPresent & kHwAlarm) != 0));
-    report.add("%s            : %s\r\n", "Alarm Enabled", wordOf(kAlarm, properties.alarmEnable));
+    report.add("%s            : %s\r\n", "Alarm Enabled", wordOf(kAlarm, properties.alarmEnable, "Unknown"));
     report.add("%s     : %d sec\r\n", "Cache Flush Interval", properties.cacheFlushInterval);
     report.add("%s     : %s\r\n", "Cache Backup Present", yesNo((info.hwPresent & kHwCacheBackup) != 0));
     report.add("%s   : %s\r\n", "Native Command Queuing", enabledWhen((properties.onOff & kPropNcqDisabled) == 0));
@@ -136,8 +125,9 @@ void addSettings(Report& report, unsigned char contNo, const ControllerData& dat
     const CalendarTime next = SecondToDate(data.patrolRead.nextExecution);
     report.add("%s           : %s\r\n", "Driver Version", fieldText(data.driver.driverVersion).c_str());
     report.add("\r\n%s\r\n", "### Controller Settings Information ###");
-    report.add("%s             : %s\r\n", "Rebuild Mode", wordOf(kRebuildMode, data.properties.disableAutoRebuild));
-    report.add("%s         : %s\r\n", "Patrol Read Mode", wordOf(kPatrolReadMode, data.patrolRead.mode));
+    report.add("%s             : %s\r\n", "Rebuild Mode",
+               wordOf(kRebuildMode, data.properties.disableAutoRebuild, "Unknown"));
+    report.add("%s         : %s\r\n", "Patrol Read Mode", wordOf(kPatrolReadMode, data.patrolRead.mode, "Unknown"));
     report.add("%s     : %s\r\n", "Patrol Read Interval",
                patrolReadInterval(data.patrolRead.executionFrequency, contNo));
     report.add("%s     : %d/%d/%d ; %02d:%02d:%02d", "Patrol Read Schedule", next.year, next.month, next.day, next.hour,
@@ -171,7 +161,7 @@ bool reportController(unsigned char contNo, const _AFCONT* conts) {
     Report report;
     addGeneral(report, contNo, data);
     addFirmware(report, data.info);
-    if (!succeeded(SLGetDrvVer(contNo, &data.driver), "SLGetDrvVer error", contNo))
+    if (!succeeded(SLGetDrvVer(contNo, &data.driver), kOrigin, "SLGetDrvVer error", contNo))
         return false;
     addSettings(report, contNo, data);
     report.emit();
@@ -187,7 +177,7 @@ bool reportController(unsigned char contNo, const _AFCONT* conts) {
 int CliCmdExecAdpInfo(int argc, char** argv, _AFCONT* conts, int contCount) {
     dumpLog(kCtrlSource, __LINE__, __func__);
     Options options;
-    if (!parseControllers(kCtrlSource, argc, argv, contCount, options))
+    if (!readArguments(kOptions, argc, argv, contCount, options))
         return 1;
     for (const unsigned char contNo : selectedControllers(options.ctrls, contCount))
         if (!reportController(contNo, conts))

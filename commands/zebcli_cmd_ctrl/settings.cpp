@@ -7,6 +7,7 @@
 #include "main/zebcli_cmd_com/prompts.h"
 #include "main/zebcli_cmd_com/snapshot.h"
 #include "main/zebcli_cmd_com/source.h"
+#include "main/zebcli_cmd_com/trace.h"
 #include "storelib/common/StoreLib/controller.h"
 #include "storelib/records/status.h"
 
@@ -43,7 +44,7 @@ constexpr auto kSettingWords = std::to_array<OptionWord>({
     {"pdfailenbl", kPdFailEnable, kPdFail},
     {"pdfaildsbl", kPdFailDisable, kPdFail},
 });
-constexpr OptionTable kSettingOptions{kCtrlSource, BadToken::Before, kSettingWords, true, false, false};
+constexpr OptionTable kSettingOptions = controllerOptions(kCtrlSource, kSettingWords);
 
 enum RebuildBit : unsigned { kRebuildEnable = 1, kRebuildDisable = 2 };
 constexpr unsigned kRebuildModes = kRebuildEnable | kRebuildDisable;
@@ -51,18 +52,7 @@ constexpr auto kRebuildWords = std::to_array<OptionWord>({
     {"enbl", kRebuildEnable, kRebuildModes},
     {"dsbl", kRebuildDisable, kRebuildModes},
 });
-constexpr OptionTable kRebuildOptions{kCtrlSource, BadToken::Before, kRebuildWords, true, false, false};
-
-/// Reads the arguments of a command that needs at least one option word; a missing one names the third argument.
-bool parse(const OptionTable& table, int argc, char** argv, int contCount, Options& options) {
-    if (!parseOptions(table, argc, argv, contCount, options))
-        return false;
-    if (options.bits == 0) {
-        refuseToken(kCtrlSource, __LINE__, argc > 2 ? argv[2] : nullptr);
-        return false;
-    }
-    return selectDefaultTargets(table, contCount, options);
-}
+constexpr OptionTable kRebuildOptions = controllerOptions(kCtrlSource, kRebuildWords);
 
 /// Failing a drive on SMART errors and copying it back on SMART errors exclude each other.
 void refuseBoth(unsigned char contNo) {
@@ -77,7 +67,7 @@ void sayChanged(unsigned char contNo) {
 }
 
 void sayFailed(const char* handler, const char* text, unsigned char contNo, int line = __builtin_LINE()) {
-    Utillogging(kCtrlSource, line, kTraceError, "func=%s: %s, contNo=%u", handler, text, contNo);
+    traceFailure({kCtrlSource, handler}, text, contNo, line);
     CliLogging(kPrintAndLog, kCtrlSource, line,
                "Error - Failed to change Controller[%d] Settings.\n"
                "Please confirm OS event log whether there is no problem with RAID controller.\n",
@@ -121,7 +111,7 @@ std::uint8_t pdFailValue(const Options& options, const SL_CTRL_SETTING_INFO& set
 bool changeSettings(unsigned char contNo, const Options& options, const _AFCONT& cont) {
     constexpr char kHandler[] = "CliCmdExecAdpSetProp";
     const auto trace = [&](int line, const char* text) {
-        Utillogging(kCtrlSource, line, kTraceError, "func=%s: %s, contNo=%u", kHandler, text, contNo);
+        traceFailure({kCtrlSource, kHandler}, text, contNo, line);
         return false;
     };
     _MR_CTRL_INFO info{};
@@ -158,7 +148,7 @@ bool changeSettings(unsigned char contNo, const Options& options, const _AFCONT&
 int CliCmdExecAdpSetProp(int argc, char** argv, _AFCONT* conts, int contCount) {
     dumpLog(kCtrlSource, __LINE__, __func__);
     Options options;
-    if (!parse(kSettingOptions, argc, argv, contCount, options))
+    if (!readArguments(kSettingOptions, argc, argv, contCount, options))
         return 1;
     if (options.has(kPdFailEnable) && options.has(kCopybackEnable)) {
         refuseBoth(options.ctrls[0]);
@@ -173,7 +163,7 @@ int CliCmdExecAdpSetProp(int argc, char** argv, _AFCONT* conts, int contCount) {
 int CliCmdExecAdpRbldMode(int argc, char** argv, _AFCONT* /*conts*/, int contCount) {
     dumpLog(kCtrlSource, __LINE__, __func__);
     Options options;
-    if (!parse(kRebuildOptions, argc, argv, contCount, options))
+    if (!readArguments(kRebuildOptions, argc, argv, contCount, options))
         return 1;
     const bool disable = options.has(kRebuildDisable);
     for (const unsigned char contNo : selectedControllers(options.ctrls, contCount)) {

@@ -45,12 +45,8 @@ void writeTestEvent(std::uint16_t eventCode, std::uint32_t messageId, const ZEBS
 int CliCmdExecTSTEVT(int argc, char** argv, _AFCONT* /*conts*/, int contCount) {
     dumpLog(kCtrlSource, __LINE__, __func__);
     Options options;
-    if (!parseOptions(kOptions, argc, argv, contCount, options))
+    if (!readArguments(kOptions, argc, argv, contCount, options))
         return 1;
-    if (options.bits == 0) {
-        refuseToken(kCtrlSource, __LINE__, argc > 2 ? argv[2] : nullptr);
-        return 1;
-    }
     const std::uint16_t eventCode = testEventCode(options);
     std::uint32_t messageId = 0;
     const ZEBSRV_EVT_INFO* event = nullptr;

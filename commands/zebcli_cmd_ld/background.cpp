@@ -6,26 +6,24 @@
 #include "log/zebcli_log.h"
 #include "main/zebcli_cmd_com/number_list.h"
 #include "main/zebcli_cmd_com/raid_level.h"
+#include "main/zebcli_cmd_com/start_stop_words.h"
 #include "storelib/common/StoreLib/logical_drive.h"
 #include "storelib/records/status.h"
 
-#include <array>
+#include <utility>
 
 namespace {
 
-enum ModeBit : unsigned { kStart = 1, kStop = 2 };
-constexpr unsigned kModes = kStart | kStop;
-constexpr auto kModeWords = std::to_array<OptionWord>({{"start", kStart, kModes}, {"stop", kStop, kModes}});
-constexpr OptionTable kOptions = ldOptions(kModeWords);
+constexpr OptionTable kOptions = ldOptions(kStartStopWords);
 
-enum class Outcome { Done, Failed, PassedOver };
+enum class Outcome { Done, Failed, FailedOnRaid0, PassedOver };
 
-/// One command in one mode: what is done with each LD, and the summary lines. The lines name the controller and the
-/// LDs.
+/// One command in one mode: what is done with each LD, and the words of the summary lines.
 struct Operation {
-    Outcome (*perform)(unsigned char contNo, unsigned char ldNo, const _AFCONT* conts, bool& saidRaid0);
-    void (*sayDone)(unsigned char contNo, const char* lds);
-    void (*sayFailed)(unsigned char contNo, const char* lds);
+    Outcome (*perform)(unsigned char contNo, unsigned char ldNo, const _AFCONT* conts);
+    const char* done;
+    const char* failed;
+    const char* advice; ///< behind the failure line, with the line ends
 };
 
 /// Leaves the trace of a failed wrapper.
@@ -37,28 +35,23 @@ Outcome outcomeOf(std::uint32_t status, const char* func, const char* text, unsi
     return Outcome::Failed;
 }
 
-Outcome startCheck(unsigned char contNo, unsigned char ldNo, const _AFCONT* conts, bool& saidRaid0) {
+Outcome startCheck(unsigned char contNo, unsigned char ldNo, const _AFCONT* conts) {
     if (CheckLDActive(contNo, ldNo, conts) != kLdIdle)
         return Outcome::Failed;
-    if (SLTransLateRAIDLvl(&conts[contNo].ldInfo[ldNo].config) == kRaid0) {
-        if (!saidRaid0)
-            CliLogging(kPrintAndLog, kLdSource, __LINE__, "Error - Controller[%d] Cannot Check Consistency for RAID0.",
-                       contNo);
-        saidRaid0 = true;
-        return Outcome::Failed;
-    }
+    if (SLTransLateRAIDLvl(&conts[contNo].ldInfo[ldNo].config) == kRaid0)
+        return Outcome::FailedOnRaid0;
     return outcomeOf(SLStartCheckConsistency(contNo, ldNo), "CliCmdExecLDCC", "SLStartCheckConsistency error", contNo,
                      ldNo);
 }
 
-Outcome stopCheck(unsigned char contNo, unsigned char ldNo, const _AFCONT* conts, bool& /*saidRaid0*/) {
+Outcome stopCheck(unsigned char contNo, unsigned char ldNo, const _AFCONT* conts) {
     if (CheckLDActive(contNo, ldNo, conts) != kLdChecking)
         return Outcome::Failed;
     return outcomeOf(SLCancelCheckConsistency(contNo, ldNo), "CliCmdExecLDCC", "SLCancelCheckConsistency error", contNo,
                      ldNo);
 }
 
-Outcome startInit(unsigned char contNo, unsigned char ldNo, const _AFCONT* conts, bool& /*saidRaid0*/) {
+Outcome startInit(unsigned char contNo, unsigned char ldNo, const _AFCONT* conts) {
     const _MR_LD_INFO& ld = conts[contNo].ldInfo[ldNo];
     if (CheckLDActive(contNo, ldNo, conts) != kLdIdle)
         return Outcome::Failed;
@@ -83,62 +76,35 @@ Outcome startInit(unsigned char contNo, unsigned char ldNo, const _AFCONT* conts
                      ldNo);
 }
 
-Outcome stopInit(unsigned char contNo, unsigned char ldNo, const _AFCONT* conts, bool& /*saidRaid0*/) {
+Outcome stopInit(unsigned char contNo, unsigned char ldNo, const _AFCONT* conts) {
     if (CheckLDActive(contNo, ldNo, conts) != kLdInitializing)
         return Outcome::Failed;
     return outcomeOf(SLCancelInitialization(contNo, ldNo), "CliCmdExecLDINIT", "SLCancelInitialization error", contNo,
                      ldNo);
 }
 
-// "Check Consistency" in the failure lines against "Consistency Check" in the others is part of the texts.
-constexpr Operation kStartCheck{
-    startCheck,
-    [](unsigned char contNo, const char* lds) {
-        CliLogging(kPrint, kLdSource, __LINE__,
-                   "Information - Controller[%d] Start Consistency Check on LD(Logical Drive) %s.", contNo, lds);
-    },
-    [](unsigned char contNo, const char* lds) {
-        CliLogging(kPrintAndLog, kLdSource, __LINE__,
-                   "Error - Controller[%d] Failed to start Check Consistency on LD(Logical Drive) %s.\r\n"
-                   "Please confirm LD(Logical Drive) state.",
-                   contNo, lds);
-    }};
-constexpr Operation kStopCheck{
-    stopCheck,
-    [](unsigned char contNo, const char* lds) {
-        CliLogging(kPrint, kLdSource, __LINE__,
-                   "Information - Controller[%d] Stop Consistency Check on LD(Logical Drive) %s.", contNo, lds);
-    },
-    [](unsigned char contNo, const char* lds) {
-        CliLogging(kPrintAndLog, kLdSource, __LINE__,
-                   "Error - Controller[%d] Failed to stop Check Consistency on LD(Logical Drive) %s.\r\n"
-                   "Please confirm whether to have already ended.",
-                   contNo, lds);
-    }};
-constexpr Operation kStartInit{
-    startInit,
-    [](unsigned char contNo, const char* lds) {
-        CliLogging(kPrint, kLdSource, __LINE__,
-                   "Information - Controller[%d] Start Initialization on LD(Logical Drive) %s.", contNo, lds);
-    },
-    [](unsigned char contNo, const char* lds) {
-        CliLogging(kPrintAndLog, kLdSource, __LINE__,
-                   "Error - Controller[%d] Failed to start Initialization on LD(Logical Drive) %s.\n"
-                   "Please confirm LD(Logical Drive) state.\n",
-                   contNo, lds);
-    }};
-constexpr Operation kStopInit{
-    stopInit,
-    [](unsigned char contNo, const char* lds) {
-        CliLogging(kPrint, kLdSource, __LINE__,
-                   "Information - Controller[%d] Stop Initialization on LD(Logical Drive) %s.", contNo, lds);
-    },
-    [](unsigned char contNo, const char* lds) {
-        CliLogging(kPrintAndLog, kLdSource, __LINE__,
-                   "Error - Controller[%d] Failed to stop Initialization on LD(Logical Drive) %s.\n"
-                   "Please confirm whether to have already ended.\n",
-                   contNo, lds);
-    }};
+// "Check Consistency" in the failure lines against "Consistency Check" in the others, and the line ends that differ,
+// are part of the texts.
+constexpr Operation kStartCheck{startCheck, "Start Consistency Check", "start Check Consistency",
+                                "\r\nPlease confirm LD(Logical Drive) state."};
+constexpr Operation kStopCheck{stopCheck, "Stop Consistency Check", "stop Check Consistency",
+                               "\r\nPlease confirm whether to have already ended."};
+constexpr Operation kStartInit{startInit, "Start Initialization", "start Initialization",
+                               "\nPlease confirm LD(Logical Drive) state.\n"};
+constexpr Operation kStopInit{stopInit, "Stop Initialization", "stop Initialization",
+                              "\nPlease confirm whether to have already ended.\n"};
+
+void sayDone(const Operation& operation, unsigned char contNo, const NumberList& lds) {
+    if (!lds.empty())
+        CliLogging(kPrint, kLdSource, __LINE__, "Information - Controller[%d] %s on LD(Logical Drive) %s.", contNo,
+                   operation.done, lds.c_str());
+}
+
+void sayFailed(const Operation& operation, unsigned char contNo, const NumberList& lds) {
+    if (!lds.empty())
+        CliLogging(kPrintAndLog, kLdSource, __LINE__, "Error - Controller[%d] Failed to %s on LD(Logical Drive) %s.%s",
+                   contNo, operation.failed, lds.c_str(), operation.advice);
+}
 
 void performOnController(const Operation& operation, unsigned char contNo, std::span<const unsigned char> lds,
                          const _AFCONT* conts) {
@@ -146,28 +112,23 @@ void performOnController(const Operation& operation, unsigned char contNo, std::
     NumberList failed;
     bool saidRaid0 = false;
     for (const unsigned char ldNo : lds) {
-        const Outcome outcome = operation.perform(contNo, ldNo, conts, saidRaid0);
+        const Outcome outcome = operation.perform(contNo, ldNo, conts);
+        if (outcome == Outcome::FailedOnRaid0 && !std::exchange(saidRaid0, true))
+            CliLogging(kPrintAndLog, kLdSource, __LINE__, "Error - Controller[%d] Cannot Check Consistency for RAID0.",
+                       contNo);
         if (outcome == Outcome::Done)
             done.add(ldNo);
-        else if (outcome == Outcome::Failed)
+        else if (outcome != Outcome::PassedOver)
             failed.add(ldNo);
     }
-    if (!done.empty())
-        operation.sayDone(contNo, done.c_str());
-    if (!failed.empty())
-        operation.sayFailed(contNo, failed.c_str());
+    sayDone(operation, contNo, done);
+    sayFailed(operation, contNo, failed);
 }
 
 int runOperation(const Operation& start, const Operation& stop, int argc, char** argv, const _AFCONT* conts,
                  int contCount) {
     Options options;
-    if (!parseOptions(kOptions, argc, argv, contCount, options))
-        return 1;
-    if (options.bits == 0) {
-        refuseToken(kLdSource, __LINE__, argc > 2 ? argv[2] : nullptr);
-        return 1;
-    }
-    if (!selectDefaultTargets(kOptions, contCount, options))
+    if (!readArguments(kOptions, argc, argv, contCount, options))
         return 1;
     LdSelection selection{};
     getAdpLdArray(options.ctrls, options.lds, selection, conts);

@@ -1,12 +1,13 @@
 #include "commands/zebcli_cmd_ld/construction.h"
 
 #include "commands/zebcli_cmd_ld/ld_targets.h"
+#include "log/file_closer.h"
 #include "log/zebcli_log.h"
+#include "main/zebcli_cmd_com/lookup.h"
 #include "main/zebcli_cmd_com/string_shims.h"
 
 #include <algorithm>
 #include <cstdio>
-#include <memory>
 #include <string_view>
 
 _configPat_T configPat{};
@@ -31,10 +32,6 @@ constexpr LevelOrder raidlvlPriority{kRaid5, kRaid6, kRaid10, kRaid1, kRaid0};
 constexpr LevelOrder snapshotRaidlvlPriority{kRaid0, kRaid5, kRaid6, kRaid10, kRaid1};
 
 using LevelMarks = std::array<bool, kRaidLevels>;
-
-struct FileCloser {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
 
 /// The levels of the row for that many drives, none beyond the table.
 std::span<const ZEB_RAID_LVL> patternLevels(unsigned drives) {
@@ -110,7 +107,7 @@ bool knownLevel(const char* func, ZEB_RAID_LVL level, unsigned char contNo, int 
 }
 
 void ReadConfigPatFile(_configPat_T* table) {
-    const std::unique_ptr<std::FILE, FileCloser> file(std::fopen(kPatternPath, "re"));
+    const OwnedFile file(std::fopen(kPatternPath, "re"));
     if (!file) {
         Utillogging(kLdSource, __LINE__, kTraceError, "func=%s: %s", __func__, "ConfigPatFile open error");
         return;
@@ -189,9 +186,9 @@ void RaidLvlSortForSnapshot(_raidConstructInfoT& list) {
 }
 
 int IsMixedInterfacePD(const _AFCONT* conts, unsigned char contNo) {
-    return isMixed(conts, contNo, [](const _MR_PD_INFO& pd) { return pd.ddfType >> kDdfInterfaceShift; });
+    return isMixed(conts, contNo, interfaceOf);
 }
 
 int IsMixedMediaTypePD(const _AFCONT* conts, unsigned char contNo) {
-    return isMixed(conts, contNo, [](const _MR_PD_INFO& pd) { return pd.mediaType & 0x0F; });
+    return isMixed(conts, contNo, mediaOf);
 }

@@ -4,6 +4,7 @@
 #include "main/zebcli_cmd_com/lookup.h"
 #include "main/zebcli_cmd_com/source.h"
 #include "main/zebcli_cmd_com/string_shims.h"
+#include "main/zebcli_cmd_com/trace.h"
 #include "main/zebcli_cmd_com/vocabulary.h"
 #include "storelib/common/StoreLib/enclosure.h"
 #include "storelib/dll_mod.h"
@@ -77,7 +78,7 @@ void SetSelectHDDList(const _SL_CREATE_LD_INFO_T* /*plan*/, _AFCONT* conts, unsi
         return;
     std::uint16_t slots = 0;
     if (SLGetSlotNum(contNo, &slots) != kSlSuccess) {
-        Utillogging(kLdSource, __LINE__, kTraceError, "func=%s: %s, contNo=%u", __func__, "SLGetSlotNum error", contNo);
+        traceFailure({kLdSource, __func__}, "SLGetSlotNum error", contNo);
         return;
     }
     std::array<unsigned char, kMaxSlots> present{};

@@ -210,7 +210,7 @@ void reportController(const ReportContext& context, const LdSelection& selection
 int CliCmdExecLDInfo(int argc, char** argv, _AFCONT* conts, int contCount) {
     dumpLog(kLdSource, __LINE__, __func__);
     Options options;
-    if (!parseOptions(kOptions, argc, argv, contCount, options) || !selectDefaultTargets(kOptions, contCount, options))
+    if (!readArguments(kOptions, argc, argv, contCount, options))
         return 1;
     LdSelection selection{};
     getAdpLdArray(options.ctrls, options.lds, selection, conts);

@@ -3,8 +3,8 @@
 
 #include "commands/zebcli_cmd_ld/ld_targets.h"
 #include "commands/zebcli_cmd_ld/setting_tables.h"
-#include "log/zebcli_log.h"
 #include "main/zebcli_cmd_com/string_shims.h"
+#include "main/zebcli_cmd_com/trace.h"
 #include "storelib/common/StoreLib/physical_drive.h"
 #include "storelib/records/status.h"
 
@@ -24,8 +24,7 @@ std::span<const std::uint8_t> drivesOf(const PlannedArray& array) {
 bool askPdSize(const char* func, unsigned char contNo, unsigned char slotNo, std::uint64_t& size) {
     _MR_PD_INFO info{};
     if (SLGetPDInfo(contNo, slotNo, &info) != kSlSuccess) {
-        Utillogging(kLdSource, __LINE__, kTraceError, "func=%s: %s, contNo=%u, pdNo=%u", func, "SLGetPDInfo error",
-                    contNo, slotNo);
+        tracePdFailure({kLdSource, func}, "SLGetPDInfo error", contNo, slotNo);
         return false;
     }
     size = info.coercedSize;

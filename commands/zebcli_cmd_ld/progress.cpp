@@ -3,10 +3,10 @@
 
 #include "commands/zebcli_cmd_ld/drive_table.h"
 #include "log/raidctl.h"
-#include "log/zebcli_log.h"
 #include "main/zebcli_cmd_com/lookup.h"
 #include "main/zebcli_cmd_com/source.h"
 #include "main/zebcli_cmd_com/string_shims.h"
+#include "main/zebcli_cmd_com/trace.h"
 #include "main/zebcli_cmd_com/vocabulary.h"
 #include "storelib/common/StoreLib/enclosure.h"
 #include "storelib/dll_mod.h"
@@ -71,8 +71,7 @@ void printPd(unsigned char contNo, unsigned char slotNo, const _AFCONT* conts) {
 void printPds(unsigned char contNo, const _AFCONT* conts) {
     std::uint16_t slots = 0;
     if (SLGetSlotNum(contNo, &slots) != kSlSuccess) {
-        Utillogging(kLdSource, __LINE__, kTraceError, "func=%s: %s, contNo=%u", "CliCmdExecLDPDProg",
-                    "SLGetSlotNum error", contNo);
+        traceFailure({kLdSource, "CliCmdExecLDPDProg"}, "SLGetSlotNum error", contNo);
         return;
     }
     std::array<unsigned char, kMaxSlots> present{};

@@ -229,13 +229,7 @@ class ControllerChange {
 int CliCmdExecLDSetProp(int argc, char** argv, _AFCONT* conts, int contCount) {
     dumpLog(kLdSource, __LINE__, __func__);
     Options options;
-    if (!parseOptions(kOptions, argc, argv, contCount, options))
-        return 1;
-    if (options.bits == 0) {
-        refuseToken(kLdSource, __LINE__, argc > 2 ? argv[2] : nullptr);
-        return 1;
-    }
-    if (!selectDefaultTargets(kOptions, contCount, options))
+    if (!readArguments(kOptions, argc, argv, contCount, options))
         return 1;
     const auto controllers = selectedControllers(options.ctrls, contCount);
     if (!mayChange(options, controllers, conts))

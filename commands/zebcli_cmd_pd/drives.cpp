@@ -4,16 +4,15 @@
 #include "commands/zebcli_cmd_pd/drive_words.h"
 #include "commands/zebcli_cmd_pd/pd_targets.h"
 #include "log/raidctl.h"
-#include "log/zebcli_log.h"
 #include "main/zebcli_cmd_com/capacity.h"
 #include "main/zebcli_cmd_com/lookup.h"
 #include "main/zebcli_cmd_com/report.h"
 #include "main/zebcli_cmd_com/string_shims.h"
 #include "main/zebcli_cmd_com/targets.h"
 #include "main/zebcli_cmd_com/text_field.h"
+#include "main/zebcli_cmd_com/trace.h"
 #include "main/zebcli_cmd_com/vocabulary.h"
 #include "storelib/common/StoreLib/passthrough.h"
-#include "storelib/records/status.h"
 
 #include <algorithm>
 #include <string_view>
@@ -21,6 +20,7 @@
 namespace {
 
 constexpr OptionTable kOptions = pdOptions();
+constexpr TraceOrigin kOrigin{kPdSource, "CliCmdExecPDInfo"};
 
 void mkRoleStr(unsigned char contNo, unsigned char slotNo, const _AFCONT* conts, std::span<char> out) {
     mkLDAssignStr(contNo, conts, slotNo, out);
@@ -34,22 +34,15 @@ void mkRoleStr(unsigned char contNo, unsigned char slotNo, const _AFCONT* conts,
     }
 }
 
-bool succeeded(std::uint32_t status, const char* text, unsigned char contNo, unsigned char slotNo,
-               int line = __builtin_LINE()) {
-    if (status == kSlSuccess)
-        return true;
-    Utillogging(kPdSource, line, kTraceError, "func=%s: %s, contNo=%u, pdNo=%u", "CliCmdExecPDInfo", text, contNo,
-                slotNo);
-    return false;
-}
-
 /// The drive is asked now; one that does not tell its temperature has no line.
 void addTemperature(Report& report, unsigned char contNo, unsigned char slotNo) {
     int supported = 0;
     unsigned char temperature = 0;
-    if (succeeded(SLIsTempPageSupported(contNo, slotNo, &supported), "SLIsTempPageSupported error", contNo, slotNo) &&
+    if (succeededOnPd(SLIsTempPageSupported(contNo, slotNo, &supported), kOrigin, "SLIsTempPageSupported error", contNo,
+                      slotNo) &&
         supported != 0 &&
-        succeeded(SLGetPDTemperature(contNo, slotNo, &temperature), "SLGetPDTemperature error", contNo, slotNo))
+        succeededOnPd(SLGetPDTemperature(contNo, slotNo, &temperature), kOrigin, "SLGetPDTemperature error", contNo,
+                      slotNo))
         report.add("%s              : %d C\r\n", "Temperature", temperature);
 }
 
@@ -130,7 +123,7 @@ void reportController(int position, unsigned char contNo, std::span<const unsign
 int CliCmdExecPDInfo(int argc, char** argv, _AFCONT* conts, int contCount) {
     dumpLog(kPdSource, __LINE__, __func__);
     Options options;
-    if (!parseOptions(kOptions, argc, argv, contCount, options) || !selectDefaultTargets(kOptions, contCount, options))
+    if (!readArguments(kOptions, argc, argv, contCount, options))
         return 1;
     if (!options.pdGiven)
         GetPhysicalDriveNo("", options.pds, 0);

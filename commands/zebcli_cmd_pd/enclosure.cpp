@@ -2,21 +2,23 @@
 #include "commands/handlers.h"
 
 #include "log/raidctl.h"
-#include "log/zebcli_log.h"
-#include "main/zebcli_cmd_com/controller_options.h"
+#include "main/zebcli_cmd_com/options.h"
 #include "main/zebcli_cmd_com/report.h"
 #include "main/zebcli_cmd_com/source.h"
 #include "main/zebcli_cmd_com/text_field.h"
+#include "main/zebcli_cmd_com/trace.h"
+#include "main/zebcli_cmd_com/vocabulary.h"
 #include "storelib/common/StoreLib/enclosure.h"
 #include "storelib/common/StoreLib/request_path.h"
 
 #include <algorithm>
 #include <cstring>
-#include <span>
+#include <iterator>
 
 namespace {
 
-constexpr char kHandler[] = "CliCmdExecEnclInfo";
+constexpr OptionTable kOptions = controllerOptions(kPdSource);
+constexpr TraceOrigin kOrigin{kPdSource, "CliCmdExecEnclInfo"};
 
 /// What is asked of one enclosure.
 struct EnclosureData {
@@ -24,21 +26,10 @@ struct EnclosureData {
     _MR_SAS_CONNECTORS connectors{};
 };
 
-bool succeeded(std::uint32_t status, const char* text, unsigned char contNo, int line = __builtin_LINE()) {
-    if (status == kSlSuccess)
-        return true;
-    Utillogging(kPdSource, line, kTraceError, "func=%s: %s, contNo=%u", kHandler, text, contNo);
-    return false;
-}
-
-const char* wordOf(std::span<const char* const> words, unsigned code) {
-    return code < words.size() ? words[code] : "Not defined";
-}
-
 const char* GetEnclEleStatusStr(int code) {
     static constexpr const char* kWords[] = {
         "Unsupported", "OK", "Critical", "Non Critical", "Unrecoverable", "Not Installed", "Unknown", "Not Available"};
-    return code >= 0 && static_cast<std::size_t>(code) < std::size(kWords) ? kWords[code] : "Invalid";
+    return wordOf(kWords, static_cast<unsigned>(code), "Invalid");
 }
 
 /// Hands each element of a type to the sink with its number and status word. The elements are grouped by type in the
@@ -96,7 +87,7 @@ void addConnector(Report& report, const _MR_ENCL_ENTRY& enclosure, const _MR_SAS
     if (enclosure.connectorIndex >= std::min<std::size_t>(connectors.count, std::size(connectors.connector)))
         return;
     const _MR_SAS_CONNECTOR& connector = connectors.connector[enclosure.connectorIndex];
-    report.add("%s       : %s\r\n", "Enclosure Location", wordOf(kLocations, connector.location));
+    report.add("%s       : %s\r\n", "Enclosure Location", wordOf(kLocations, connector.location, "Not defined"));
     report.add("%s                : %s\r\n", "Connector", fieldText(connector.name).c_str());
 }
 
@@ -104,7 +95,7 @@ void addConnector(Report& report, const _MR_ENCL_ENTRY& enclosure, const _MR_SAS
 bool gather(Report& report, int position, unsigned char contNo, _SL_ENCL_STATUS_EX_T& status) {
     static constexpr const char* kModels[] = {"Unknown", "SAFTE", "SES", "Backplane"};
     _MR_ENCL_LIST list{};
-    if (!succeeded(SLGetEnclList(contNo, &list), "SLGetEnclList error", contNo))
+    if (!succeeded(SLGetEnclList(contNo, &list), kOrigin, "SLGetEnclList error", contNo))
         return false;
     // The first entry is what is reported, whatever the count says.
     const _MR_ENCL_ENTRY& enclosure = list.encl[0];
@@ -112,15 +103,16 @@ bool gather(Report& report, int position, unsigned char contNo, _SL_ENCL_STATUS_
     report.add("%s\r\n", "### General Information ###");
     report.add("%s                : %s\r\n", "Vendor ID", "LSI");
     report.add("%s             : %d\r\n", "Enclosure ID", enclosure.deviceId);
-    report.add("%s          : %s\r\n", "Enclosure Model", wordOf(kModels, enclosure.type));
+    report.add("%s          : %s\r\n", "Enclosure Model", wordOf(kModels, enclosure.type, "Not defined"));
     if (enclosure.type == kEnclBackplane) {
         report.add("%s       : %s\r\n", "Enclosure Location", "Internal");
         return true;
     }
     EnclosureData data;
-    if (!succeeded(SLGetEnclConfig(contNo, enclosure.deviceId, &data.config), "SLGetEnclConfig error", contNo) ||
-        !succeeded(SLGetEnclStatus(contNo, enclosure.deviceId, &status), "SLGetEnclStatus error", contNo) ||
-        !succeeded(SLGetSASConnector(contNo, &data.connectors), "SLGetSASConnector error", contNo))
+    if (!succeeded(SLGetEnclConfig(contNo, enclosure.deviceId, &data.config), kOrigin, "SLGetEnclConfig error",
+                   contNo) ||
+        !succeeded(SLGetEnclStatus(contNo, enclosure.deviceId, &status), kOrigin, "SLGetEnclStatus error", contNo) ||
+        !succeeded(SLGetSASConnector(contNo, &data.connectors), kOrigin, "SLGetSASConnector error", contNo))
         return false;
     addConnector(report, enclosure, data.connectors);
     report.add("%s          : %d\r\n", "Number of Slots", enclosure.slotCount);
@@ -135,7 +127,7 @@ bool gather(Report& report, int position, unsigned char contNo, _SL_ENCL_STATUS_
 int CliCmdExecEnclInfo(int argc, char** argv, _AFCONT* /*conts*/, int contCount) {
     dumpLog(kPdSource, __LINE__, __func__);
     Options options;
-    if (!parseControllers(kPdSource, argc, argv, contCount, options))
+    if (!readArguments(kOptions, argc, argv, contCount, options))
         return 1;
     const auto status = allocateRecord<_SL_ENCL_STATUS_EX_T>();
     if (!status)

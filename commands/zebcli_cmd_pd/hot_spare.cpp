@@ -7,10 +7,10 @@
 #include "main/zebcli_cmd_com/lookup.h"
 #include "main/zebcli_cmd_com/number_list.h"
 #include "main/zebcli_cmd_com/prompts.h"
+#include "main/zebcli_cmd_com/trace.h"
 #include "main/zebcli_cmd_com/vocabulary.h"
 #include "storelib/common/StoreLib/logical_drive.h"
 #include "storelib/common/StoreLib/physical_drive.h"
-#include "storelib/records/status.h"
 
 #include <algorithm>
 #include <array>
@@ -20,7 +20,7 @@
 
 namespace {
 
-constexpr char kHandler[] = "CliCmdExecPDHSP";
+constexpr TraceOrigin kOrigin{kPdSource, "CliCmdExecPDHSP"};
 
 enum SpareBit : unsigned { kGlobal = 1, kDedicated = 2, kRemove = 4, kNoCheck = 8 };
 constexpr unsigned kModes = kGlobal | kDedicated | kRemove;
@@ -63,11 +63,7 @@ Outcome refuseRelease(int line = __builtin_LINE()) {
 }
 
 bool succeeded(std::uint32_t status, const char* text, const Target& target, int line = __builtin_LINE()) {
-    if (status == kSlSuccess)
-        return true;
-    Utillogging(kPdSource, line, kTraceError, "func=%s: %s, contNo=%u, pdNo=%u", kHandler, text, target.contNo,
-                target.slotNo);
-    return false;
+    return succeededOnPd(status, kOrigin, text, target.contNo, target.slotNo, line);
 }
 
 bool readPd(const Target& target, _MR_PD_INFO& pd) {
@@ -141,10 +137,6 @@ const _RG_SEL_LIST_T::Entry* askGroup(const _RG_SEL_LIST_T& groups) {
         std::printf("RG No.(\"Q\"->Quit) :");
         const bool goOn = readAnswer(answer);
         std::string_view text(answer.data());
-        if (!goOn)
-            return nullptr;
-        if (text.empty())
-            continue; // the input is at its end
         text = text.substr(0, text.find_first_of("\r\n"));
         if (text.size() <= kLongestAnswer && !text.empty()) {
             if (text.front() == 'Q' || text.front() == 'q')
@@ -156,7 +148,10 @@ const _RG_SEL_LIST_T::Entry* askGroup(const _RG_SEL_LIST_T& groups) {
             if (error == std::errc{} && end == text.data() + text.size() && group != listed.end())
                 return &*group;
         }
-        std::printf("\"%.*s\" is invalid.\n", static_cast<int>(text.size()), text.data());
+        if (!goOn)
+            return nullptr;
+        if (answer.front() != '\0') // else the input is at its end
+            std::printf("\"%.*s\" is invalid.\n", static_cast<int>(text.size()), text.data());
     }
 }
 

@@ -2,25 +2,22 @@
 #include "commands/handlers.h"
 
 #include "commands/zebcli_cmd_pd/pd_targets.h"
-#include "commands/zebcli_cmd_pd/start_stop_words.h"
 #include "log/raidctl.h"
 #include "log/zebcli_log.h"
 #include "main/zebcli_cmd_com/number_list.h"
+#include "main/zebcli_cmd_com/start_stop_words.h"
+#include "main/zebcli_cmd_com/trace.h"
 #include "storelib/common/StoreLib/physical_drive.h"
 #include "storelib/records/status.h"
 
 namespace {
 
 constexpr OptionTable kOptions = pdOptions(kStartStopWords);
+constexpr TraceOrigin kOrigin{kPdSource, "CliCmdExecPDLocate"};
 constexpr unsigned char ucLocateLEDsts = 0;
 
 bool isComplete(const Options& options) {
     return options.pdGiven && options.bits != 0;
-}
-
-void trace(const char* text, unsigned char contNo, unsigned char slotNo, int line = __builtin_LINE()) {
-    Utillogging(kPdSource, line, kTraceError, "func=%s: %s, contNo=%u, pdNo=%u", "CliCmdExecPDLocate", text, contNo,
-                slotNo);
 }
 
 /// A drive that fails does not keep the others from blinking.
@@ -31,7 +28,7 @@ void startOnController(unsigned char contNo, const PdList& pds) {
             blinking.add(slotNo);
             continue;
         }
-        trace("SLStartLocatePD error", contNo, slotNo);
+        tracePdFailure(kOrigin, "SLStartLocatePD error", contNo, slotNo);
         CliLogging(kPrintAndLog, kPdSource, __LINE__,
                    "Error - Controller[%d] Failed to blink PD(Physical Drive) %d location LED.", contNo, slotNo);
     }
@@ -46,7 +43,7 @@ void stopOnController(unsigned char contNo, const PdList& pds) {
     NumberList off;
     for (const unsigned char slotNo : listedDrives(pds)) {
         if (SLStopLocatePD(contNo, slotNo) != kSlSuccess) {
-            trace("SLStopLocatePD error", contNo, slotNo);
+            tracePdFailure(kOrigin, "SLStopLocatePD error", contNo, slotNo);
             CliLogging(kPrintAndLog, kPdSource, __LINE__,
                        "Error - Controller[%d] Failed to off PD(Physical Drive) %d location LED.", contNo, slotNo);
             break;
@@ -67,7 +64,7 @@ int CliCmdExecPDLocate(int argc, char** argv, _AFCONT* conts, int contCount) {
     if (!parsePdCommand(kOptions, isComplete, argc, argv, contCount, conts, options))
         return 1;
     for (const unsigned char contNo : selectedControllers(options.ctrls, contCount)) {
-        if (options.has(kPdStart))
+        if (options.has(kStart))
             startOnController(contNo, options.pds);
         else
             stopOnController(contNo, options.pds);

@@ -5,10 +5,6 @@
 
 #include <algorithm>
 
-namespace {
-constexpr unsigned kMediaMask = 0x0F;
-}
-
 std::span<const unsigned char> listedDrives(const PdList& pds) {
     const std::span<const unsigned char> all(pds);
     return all.first(static_cast<std::size_t>(std::find(all.begin(), all.end(), kNoTarget) - all.begin()));
@@ -35,12 +31,4 @@ bool parsePdCommand(const OptionTable& table, bool (*isComplete)(const Options&)
         return false;
     }
     return selectDefaultTargets(table, contCount, options) && allDrivesExist(options, contCount, conts);
-}
-
-unsigned interfaceOf(const _MR_PD_INFO& pd) {
-    return static_cast<unsigned>(pd.ddfType) >> kDdfInterfaceShift;
-}
-
-unsigned mediaOf(const _MR_PD_INFO& pd) {
-    return pd.mediaType & kMediaMask;
 }

@@ -1,4 +1,4 @@
-// What the PD commands share: their targets, and the facts about a drive that several of them compare.
+// What the PD commands share: how they are told their targets.
 #pragma once
 
 #include "main/zebcli_cmd_com/options.h"
@@ -22,7 +22,3 @@ bool allDrivesExist(const Options& options, int contCount, const _AFCONT* conts)
 /// was not, the last argument is named. Returns false when the command is over; what is due has been said.
 bool parsePdCommand(const OptionTable& table, bool (*isComplete)(const Options&), int argc, char** argv, int contCount,
                     const _AFCONT* conts, Options& options);
-
-/// The interface (SAS, SATA, ...) and the media (HDD, SSD) of a drive as the numbers that are compared.
-unsigned interfaceOf(const _MR_PD_INFO& pd);
-unsigned mediaOf(const _MR_PD_INFO& pd);

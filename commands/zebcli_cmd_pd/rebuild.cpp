@@ -2,11 +2,11 @@
 #include "commands/handlers.h"
 
 #include "commands/zebcli_cmd_pd/pd_targets.h"
-#include "commands/zebcli_cmd_pd/start_stop_words.h"
 #include "log/raidctl.h"
 #include "log/zebcli_log.h"
 #include "main/zebcli_cmd_com/number_list.h"
 #include "main/zebcli_cmd_com/raid_groups.h"
+#include "main/zebcli_cmd_com/start_stop_words.h"
 #include "storelib/common/StoreLib/physical_drive.h"
 #include "storelib/records/status.h"
 

@@ -5,6 +5,7 @@
 #include "log/raidctl.h"
 #include "log/zebcli_log.h"
 #include "main/zebcli_cmd_com/number_list.h"
+#include "main/zebcli_cmd_com/trace.h"
 #include "storelib/common/StoreLib/physical_drive.h"
 #include "storelib/records/status.h"
 
@@ -22,8 +23,7 @@ void changeOnController(const char* handler, StateChange change, unsigned char c
             continue;
         }
         // All three commands leave the same text on purpose.
-        Utillogging(kPdSource, __LINE__, kTraceError, "func=%s: %s, contNo=%u, pdNo=%u", handler,
-                    "SLMakeDriveOnline error", contNo, slotNo);
+        tracePdFailure({kPdSource, handler}, "SLMakeDriveOnline error", contNo, slotNo);
         CliLogging(kPrintAndLog, kPdSource, __LINE__,
                    "Error - Controller[%d] Failed to change PD(Physical Drive) %d state.\n"
                    "Please confirm PD(Physical Drive) state.",

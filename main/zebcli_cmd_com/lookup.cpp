@@ -9,6 +9,8 @@
 
 namespace {
 
+constexpr unsigned kMediaMask = 0x0F;
+
 /// The information of the drive that the given one copies back with, null when there is none.
 const _MR_PD_INFO* copybackPartner(unsigned char contNo, unsigned char slotNo, const _AFCONT* conts) {
     const std::uint16_t deviceId = conts[contNo].pdInfo[slotNo].copybackPartner;
@@ -105,6 +107,14 @@ int CheckLDActive(unsigned char contNo, unsigned char ldNo, const _AFCONT* conts
 int HddIsDuringCopyBack(unsigned char contNo, unsigned char slotNo, const _AFCONT* conts) {
     const _MR_PD_INFO* partner = copybackPartner(contNo, slotNo, conts);
     return partner != nullptr && partner->fwState == kPdCopyback ? 1 : 0;
+}
+
+unsigned interfaceOf(const _MR_PD_INFO& pd) {
+    return static_cast<unsigned>(pd.ddfType) >> kDdfInterfaceShift;
+}
+
+unsigned mediaOf(const _MR_PD_INFO& pd) {
+    return pd.mediaType & kMediaMask;
 }
 
 int IsCacheBkupPresent(const _AFCONT* conts, unsigned char contNo) {

@@ -45,6 +45,12 @@ int CheckLDActive(unsigned char contNo, unsigned char ldNo, const _AFCONT* conts
 /// 1 when the drive's copy-back partner copies back, else 0.
 int HddIsDuringCopyBack(unsigned char contNo, unsigned char slotNo, const _AFCONT* conts);
 
+/// The interface of a drive (SAS, SATA, ...) as a number, 0 to 15.
+unsigned interfaceOf(const _MR_PD_INFO& pd);
+
+/// The media of a drive (HDD, SSD, ...) as a number, 0 to 15.
+unsigned mediaOf(const _MR_PD_INFO& pd);
+
 /// 1 when the controller has a cache backup unit, else 0.
 int IsCacheBkupPresent(const _AFCONT* conts, unsigned char contNo);
 

@@ -119,6 +119,16 @@ bool selectDefaultTargets(const OptionTable& table, int contCount, Options& opti
     return true;
 }
 
+bool readArguments(const OptionTable& table, int argc, char** argv, int contCount, Options& options) {
+    if (!parseOptions(table, argc, argv, contCount, options))
+        return false;
+    if (!table.words.empty() && options.bits == 0) {
+        refuseToken(table.source, __LINE__, argc > 2 ? argv[2] : nullptr);
+        return false;
+    }
+    return selectDefaultTargets(table, contCount, options);
+}
+
 void refuseToken(const char* source, int line, const char* argument) {
     CliLogging(kPrintAndLog, source, line, "Error - Invalid input at or near token %s.",
                argument != nullptr ? argument : "(null)");

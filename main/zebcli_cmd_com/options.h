@@ -30,6 +30,11 @@ struct OptionTable {
     bool takesPds;
 };
 
+/// The option table of a command that takes controllers and its own words, no other targets.
+inline constexpr OptionTable controllerOptions(const char* source, std::span<const OptionWord> words = {}) {
+    return {source, BadToken::Before, words, true, false, false};
+}
+
 /// What was given.
 struct Options {
     unsigned bits = 0;
@@ -61,10 +66,14 @@ OptionText optionText(const char* argument);
 /// Reads the arguments behind the command word. Returns true, or false after the refusal has been said.
 bool parseOptions(const OptionTable& table, int argc, char** argv, int contCount, Options& options);
 
-/// Selects the default of the targets that the command takes and that were not given: all LDs, the only controller. There
-/// is none for PDs, so that no command changes a drive that nobody named. Returns false when there are several
+/// Selects the default of the targets that the command takes and that were not given: all LDs, the only controller.
+/// There is none for PDs, so that no command changes a drive that nobody named. Returns false when there are several
 /// controllers, which has been said.
 bool selectDefaultTargets(const OptionTable& table, int contCount, Options& options);
+
+/// Reads the arguments of a command and selects its default targets. A command that has words needs one of them;
+/// without one the third argument is named. Returns false when the command is over; what is due has been said.
+bool readArguments(const OptionTable& table, int argc, char** argv, int contCount, Options& options);
 
 /// Says that the named argument cannot be. A null argument is shown as the formatter of the C library shows it.
 void refuseToken(const char* source, int line, const char* argument);

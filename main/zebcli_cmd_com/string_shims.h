@@ -8,7 +8,6 @@
 #include <cstddef>
 #include <cstdio>
 #include <cstring>
-#include <span>
 
 /// Formats into size bytes, cutting what does not fit. Returns the length of the text written.
 [[gnu::format(printf, 3, 4)]] inline int sprintf_s(char* out, std::size_t size, const char* format, ...) {
@@ -43,6 +42,7 @@ inline char* strtok_s(char* text, const char* separators, char** context) {
     return strtok_r(text, separators, context);
 }
 
+/// Formats into the array, cutting what does not fit. Returns the length of the text written.
 template <std::size_t N>
 [[gnu::format(printf, 2, 3)]] int wsprintf(char (&out)[N], const char* format, ...) {
     va_list args;
@@ -54,11 +54,13 @@ template <std::size_t N>
     return std::clamp(length, 0, static_cast<int>(N) - 1);
 }
 
+/// Appends text to what stands in the array, cutting what does not fit.
 template <std::size_t N>
 void lstrcat(char (&out)[N], const char* text) {
     strcat_s(out, N, text);
 }
 
+/// Clears a block of size bytes.
 inline void ZeroMemory(void* block, std::size_t size) {
     std::memset(block, 0, size);
 }

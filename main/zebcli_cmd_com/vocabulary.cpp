@@ -1,9 +1,9 @@
 #include "main/zebcli_cmd_com/vocabulary.h"
 
-#include "log/zebcli_log.h"
 #include "main/zebcli_cmd_com/lookup.h"
 #include "main/zebcli_cmd_com/source.h"
 #include "main/zebcli_cmd_com/string_shims.h"
+#include "main/zebcli_cmd_com/trace.h"
 #include "storelib/common/StoreLib/controller.h"
 #include "storelib/records/status.h"
 
@@ -55,6 +55,10 @@ unsigned percentOf(const _MR_PROGRESS& progress) {
 
 } // namespace
 
+const char* wordOf(std::span<const char* const> words, unsigned code, const char* otherwise) {
+    return code < words.size() ? words[code] : otherwise;
+}
+
 void mkPDStateStr(unsigned short state, std::span<char> out) {
     setText(out, wordFor(HddStsMsg, state));
 }
@@ -74,9 +78,8 @@ void mkLDStateStr(unsigned char contNo, const _AFCONT* conts, const _MR_LD_CONFI
 }
 
 void mkMediaTypeStr(const _MR_PD_INFO* pd, std::span<char> out) {
-    static constexpr std::array<const char*, 2> kWords{"HDD", "SSD"};
-    const unsigned type = pd->mediaType & 0x0FU;
-    setText(out, type < kWords.size() ? kWords[type] : "Not defined");
+    static constexpr const char* kWords[] = {"HDD", "SSD"};
+    setText(out, wordOf(kWords, mediaOf(*pd), "Not defined"));
 }
 
 void FormatSASAddress(unsigned long long address, std::span<char> out) {
@@ -136,7 +139,7 @@ int IsSoftwareRAID() {
     static constexpr std::string_view kSoftwareRaid{"LSI Embedded MegaRAID\0", 22};
     _MR_CTRL_INFO info{};
     if (SLGetCtrlInfo(0, &info) != kSlSuccess) {
-        Utillogging(kComSource, __LINE__, kTraceError, "func=%s: %s, contNo=%u", __func__, "SLGetCtrlInfo error", 0U);
+        traceFailure({kComSource, __func__}, "SLGetCtrlInfo error", 0);
         return 0;
     }
     // As many characters are compared as the product name has, so that a shorter beginning of the name, and no name at

@@ -11,6 +11,9 @@
 /// Room for any text of this family, the longest list of LDs or groups included.
 inline constexpr unsigned kTextSize = 1024;
 
+/// The word for a small code, what is said otherwise for one beyond the table.
+const char* wordOf(std::span<const char* const> words, unsigned code, const char* otherwise);
+
 /// The word for a firmware state of a PD, "UNKNOWN" for one that is not in the table.
 void mkPDStateStr(unsigned short state, std::span<char> out);
 

@@ -10,7 +10,6 @@
 
 namespace {
 
-constexpr char kSource[] = "StoreLib";
 constexpr Command kGetCtrlProp{0x01, 0x01};
 constexpr Command kSetCtrlProp{0x01, 0x02};
 constexpr Command kGetLdOsMap{0x01, 0x0C};
@@ -40,7 +39,7 @@ std::uint32_t SLGetLibraryVersion(_SL_LIB_VER_T* version) {
     attachData(request, version, sizeof *version);
     const std::uint32_t status = pfnProcessLibCommandMR != nullptr ? pfnProcessLibCommandMR(&request) : kSlInvalidInput;
     if (status != kSlSuccess)
-        SLLogging(kSource, __LINE__, __func__, status, &request);
+        SLLogging(kStoreLibSource, __LINE__, __func__, status, &request);
     return status;
 }
 
@@ -140,7 +139,8 @@ std::uint32_t SLSetCtrlProp(unsigned char contNo, const SL_CTRL_SETTING_INFO* se
     setBit(onOff, kPropSmartCopybackHdd, (settings->smartCopybackHdd & 1U) != 0);
     setBit(onOff, kPropSmartCopybackSsd, (settings->smartCopybackSsd & 1U) != 0);
     changed.onOff = onOff;
-    Utillogging_dmp(kSource, __LINE__, kTracePlain, &changed, sizeof changed, "func=%s: contNo=%u", __func__, contNo);
+    Utillogging_dmp(kStoreLibSource, __LINE__, kTracePlain, &changed, sizeof changed, "func=%s: contNo=%u", __func__,
+                    contNo);
     return writeCtrlProp(__func__, contNo, current.seqNo, changed);
 }
 
@@ -150,7 +150,7 @@ std::uint32_t SLSetCtrlRbldMode(unsigned char contNo, unsigned char disableAutoR
         return status;
     _MR_CTRL_PROP changed = current;
     changed.disableAutoRebuild = disableAutoRebuild;
-    Utillogging_dmp(kSource, __LINE__, kTracePlain, &changed, sizeof changed,
+    Utillogging_dmp(kStoreLibSource, __LINE__, kTracePlain, &changed, sizeof changed,
                     "func=%s: contNo=%u, disableAutoRebuild=%u", __func__, contNo, disableAutoRebuild);
     return writeCtrlProp(__func__, contNo, current.seqNo, changed);
 }
@@ -165,8 +165,8 @@ std::uint32_t SLSetPatrolReadProp(unsigned char contNo, const _MR_PR_PROPERTIES*
     SL_LIB_CMD_PARAM_T request = makeRequest(kSetPatrolReadProp, contNo);
     request.ref.ctrlSeqNo = seqNo;
     attachData(request, &properties, sizeof properties);
-    Utillogging_dmp(kSource, __LINE__, kTracePlain, &properties, sizeof properties, "func=%s: contNo=%u", __func__,
-                    contNo);
+    Utillogging_dmp(kStoreLibSource, __LINE__, kTracePlain, &properties, sizeof properties, "func=%s: contNo=%u",
+                    __func__, contNo);
     return sendRequest(__func__, request, contNo, Trace::Always);
 }
 
@@ -179,7 +179,8 @@ std::uint32_t SLStopPatrolReadOpe(unsigned char contNo) {
 }
 
 std::uint32_t SLSetFailPDOnSmartTer(unsigned char contNo, unsigned char value) {
-    Utillogging(kSource, __LINE__, kTracePlain, "func=%s: contNo=%u, failPdOnSMARTer=%u", __func__, contNo, value);
+    Utillogging(kStoreLibSource, __LINE__, kTracePlain, "func=%s: contNo=%u, failPdOnSMARTer=%u", __func__, contNo,
+                value);
     _MR_MFC_DEFAULTS defaults{};
     if (const std::uint32_t status = SLGetMFCDefaults(contNo, &defaults); status != kSlSuccess)
         return failedBeforeSend(__func__, status);

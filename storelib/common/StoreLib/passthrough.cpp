@@ -7,7 +7,6 @@
 
 namespace {
 
-constexpr char kSource[] = "StoreLib";
 constexpr Command kScsiPassThru{0x06, 0x00};
 constexpr Command kDcmdPassThru{0x06, 0x03};
 
@@ -60,7 +59,7 @@ std::uint32_t SendDCMDPassThru(unsigned char contNo, _SL_DCMD_INPUT_T* input) {
     attachData(request, input, sizeof *input);
     const std::uint32_t status = sendRequest(__func__, request, contNo);
     if (status != kSlSuccess)
-        Utillogging_dmp(kSource, __LINE__, kTracePlain, input, sizeof *input, "func=%s: DcmdInput >", __func__);
+        Utillogging_dmp(kStoreLibSource, __LINE__, kTracePlain, input, sizeof *input, "func=%s: DcmdInput >", __func__);
     return status;
 }
 
@@ -73,7 +72,7 @@ std::uint32_t sendDcmd(Caller caller, unsigned char contNo, Dcmd dcmd, void* dat
     input.data = data;
     const std::uint32_t status = SendDCMDPassThru(contNo, &input);
     if (status != kSlSuccess)
-        SLLoggingPassThru(kSource, caller.line, caller.func, status, &input);
+        SLLoggingPassThru(kStoreLibSource, caller.line, caller.func, status, &input);
     return status;
 }
 

@@ -11,8 +11,6 @@
 
 namespace {
 
-constexpr char kSource[] = "StoreLib";
-
 std::span<_MR_PD_ADDRESS> addresses(_MR_PD_LIST& list) {
     return {list.addr, std::min<std::size_t>(list.count, std::size(list.addr))};
 }
@@ -32,7 +30,8 @@ std::uint32_t findDisk(Caller caller, unsigned char contNo, const char* key, uns
     });
     if (found)
         return kSlSuccess;
-    Utillogging(kSource, caller.line, kTraceError, "func=%s: contNo=%u, %s=%u", caller.func, contNo, key, wanted);
+    Utillogging(kStoreLibSource, caller.line, kTraceError, "func=%s: contNo=%u, %s=%u", caller.func, contNo, key,
+                wanted);
     return kSlDeviceNotFound;
 }
 
@@ -169,8 +168,8 @@ std::uint32_t SLMakeDedicatedHotspare(unsigned char contNo, unsigned char slotNo
         status != kSlSuccess)
         return status;
     attachData(request, &block, sizeof block);
-    Utillogging_dmp(kSource, __LINE__, kTracePlain, &block, sizeof block, "func=%s: contNo=%u ,slotNo=%u, arrayRef=%u",
-                    __func__, contNo, slotNo, arrayId);
+    Utillogging_dmp(kStoreLibSource, __LINE__, kTracePlain, &block, sizeof block,
+                    "func=%s: contNo=%u ,slotNo=%u, arrayRef=%u", __func__, contNo, slotNo, arrayId);
     return sendRequest(__func__, request, contNo, Trace::Always);
 }
 
@@ -179,6 +178,6 @@ std::uint32_t SLRemoveHotspare(unsigned char contNo, unsigned char slotNo) {
 }
 
 std::uint32_t SLMakeDriveUnconfGood(unsigned char contNo, unsigned char slotNo) {
-    Utillogging(kSource, __LINE__, kTracePlain, "func=%s: contNo=%u, pdNo=%u", __func__, contNo, slotNo);
+    Utillogging(kStoreLibSource, __LINE__, kTracePlain, "func=%s: contNo=%u, pdNo=%u", __func__, contNo, slotNo);
     return changePd(__func__, contNo, {0x02, 0x13}, slotNo, Trace::Always);
 }

@@ -4,10 +4,6 @@
 
 #include <iterator>
 
-namespace {
-constexpr char kSource[] = "StoreLib";
-}
-
 SL_LIB_CMD_PARAM_T makeRequest(Command command, unsigned char contNo) {
     SL_LIB_CMD_PARAM_T request{};
     request.cmdType = command.type;
@@ -25,12 +21,12 @@ void attachData(SL_LIB_CMD_PARAM_T& request, void* data, std::uint32_t size) {
 std::uint32_t sendRequest(Caller caller, SL_LIB_CMD_PARAM_T& request, unsigned char contNo, Trace trace) {
     const std::uint32_t status = ProcessLibCommandCall(&request, contNo);
     if (status != kSlSuccess || trace == Trace::Always)
-        SLLogging(kSource, caller.line, caller.func, status, &request);
+        SLLogging(kStoreLibSource, caller.line, caller.func, status, &request);
     return status;
 }
 
 std::uint32_t failedBeforeSend(Caller caller, std::uint32_t status) {
-    SLLogging(kSource, caller.line, caller.func, status, nullptr);
+    SLLogging(kStoreLibSource, caller.line, caller.func, status, nullptr);
     return status;
 }
 

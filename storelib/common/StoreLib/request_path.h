@@ -11,6 +11,9 @@
 #include <cstdlib>
 #include <memory>
 
+/// The source unit under which all wrappers leave their traces.
+inline constexpr char kStoreLibSource[] = "StoreLib";
+
 /// The name and line under which a wrapper leaves its trace.
 struct Caller {
     const char* func;

@@ -1,0 +1,10 @@
+// The words "start" and "stop" of the commands that do either.
+#pragma once
+
+#include "main/zebcli_cmd_com/options.h"
+
+#include <array>
+
+enum StartStopBit : unsigned { kStart = 1, kStop = 2 };
+inline constexpr auto kStartStopWords =
+    std::to_array<OptionWord>({{"start", kStart, kStart | kStop}, {"stop", kStop, kStart | kStop}});

@@ -66,7 +66,7 @@ TEST_P(CallSweep, NoFailureEndsTheRunBySignal) {
         }
         EXPECT_TRUE(LogFile(box.log()).everyLineExact()) << call;
     }
-    for (const char* call : {"open", "pwrite", "flock", "fstat", "fchmod", "terminal"})
+    for (const char* call : {"malloc", "open", "pwrite", "pread", "flock", "fstat", "fchmod", "terminal"})
         EXPECT_GT(swept[call], 0) << call << " was never made to fail";
 #endif
 }

@@ -193,8 +193,10 @@ void checkFailure(const Point& point, const CleanRuns& clean, const RunResult& r
     ASSERT_GE(sent.size(), point.position);
     EXPECT_TRUE(isExit(sent.back())) << briefs(sent);
     // An initialisation that failed is followed by the exit request as well; an exit request by nothing.
-    if (inStartUp || point.command->endsAtFailure) {
-        EXPECT_LE(sent.size(), std::max(point.position + 1, isExit(failed) ? point.position : 0)) << briefs(sent);
+    if (isExit(failed)) {
+        EXPECT_EQ(sent.size(), point.position) << briefs(sent);
+    } else if (inStartUp || point.command->endsAtFailure) {
+        EXPECT_LE(sent.size(), point.position + 1) << briefs(sent);
     }
 }
 

@@ -147,7 +147,7 @@ void Sandbox::openNamespace() {
 std::vector<std::string> Sandbox::environment(const RunOptions& options) const {
     const std::string exitCode = "exitcode=" + std::to_string(kSanitizerExit);
     std::map<std::string, std::string> variables{
-        {"PATH", options.path.value_or(bin().string() + ":/usr/sbin:/usr/bin:/sbin:/bin")},
+        {"PATH", bin().string() + ":/usr/sbin:/usr/bin:/sbin:/bin"},
         {"LD_LIBRARY_PATH", options.libraryDir.value_or(ZEB_LIBRARY_DIR).string()},
         {"LC_ALL", "C"},
         {"TZ", "UTC0"},
@@ -156,9 +156,6 @@ std::vector<std::string> Sandbox::environment(const RunOptions& options) const {
         {"UBSAN_OPTIONS", exitCode + ":halt_on_error=1:print_stacktrace=1"}};
     for (const auto& [name, value] : options.env) {
         variables[name] = value;
-    }
-    for (const auto& name : options.unset) {
-        variables.erase(name);
     }
     std::vector<std::string> texts;
     for (const auto& [name, value] : variables) {

@@ -45,14 +45,12 @@ struct RunOptions {
     std::string program; ///< empty: the zebcli of this build
     std::string argv0 = "zebcli"; ///< what the program sees as its own name
     std::map<std::string, std::string> env; ///< on top of a small fixed environment (TZ is UTC)
-    std::vector<std::string> unset; ///< names taken out of that environment
     Input input = Input::kNull; ///< what standard input is
     std::string inputText; ///< for kPipe; the pipe is closed behind it
     std::vector<Answer> answers; ///< for kTerminal
     Output output = Output::kPipe; ///< what standard output is; kTerminal needs Input::kTerminal
     uid_t uid = 0; ///< who runs it
     std::optional<std::filesystem::path> libraryDir; ///< where libstorelib.so is; not set: the simulator of this build
-    std::optional<std::string> path; ///< PATH; not set: the sandbox's bin(), then the system's folders
     std::chrono::milliseconds timeLimit{20000};
     bool mayTimeOut = false; ///< a run over its time limit is part of the test
     std::optional<std::uint64_t> fileSizeLimit;

@@ -1,14 +1,12 @@
-// Options of a command: words and their groups, targets, and the token that a refusal names.
+// Options of a command: words and their groups, and targets.
 #include <gtest/gtest.h>
 
-#include "commands/handlers.h"
 #include "main/zebcli_cmd_com/options.h"
 
 namespace zebtest {
 namespace {
 
 using Arguments = std::vector<std::string>;
-using Handler = int (*)(int, char**, _AFCONT*, int);
 
 struct ArgV {
     explicit ArgV(Arguments arguments) : texts(std::move(arguments)) {
@@ -19,63 +17,6 @@ struct ArgV {
     Arguments texts;
     std::vector<char*> pointers;
 };
-
-/// What a command with two controllers says to these arguments, which it must refuse before it looks at anything.
-std::string refusal(Handler handler, const std::string& command, const Arguments& options) {
-    Arguments all{"zebcli", command};
-    all.insert(all.end(), options.begin(), options.end());
-    ArgV argv(all);
-    testing::internal::CaptureStdout();
-    handler(argv.argc(), argv.pointers.data(), nullptr, 2);
-    return testing::internal::GetCapturedStdout();
-}
-
-std::string token(const std::string& text) {
-    return "Error - Invalid input at or near token " + text + ".\n";
-}
-
-TEST(UnitOptions, RefusalNamesTheTokenBeforeOrTheTokenItself) {
-    const std::string twoControllers =
-        "Error - There are multiple RAID controllers. Please set the RAID controller number.\n";
-    const std::string noThird = "Error - The specified Controller 3: doesn't exist.\n";
-    const struct {
-        Handler handler;
-        const char* command;
-        Arguments options;
-        std::string wanted;
-    } cases[] = {
-        {CliCmdExecTSTEVT, "-tstevt", {"-inf", "-wrn"}, token("-inf")},
-        {CliCmdExecTSTEVT, "-TstEvt", {"-inform"}, token("-TstEvt")},
-        {CliCmdExecTSTEVT, "-tstevt", {"-INF", "-inf"}, token("-INF")},
-        {CliCmdExecTSTEVT, "-tstevt", {}, token("(null)")},
-        {CliCmdExecPDRbld, "-pdrbld", {"-start", "-stop"}, token("-start")},
-        {CliCmdExecPDRbld, "-pdrbld", {"-pd[1:2]", "-pd[1:3]"}, token("-pd[1:2]")},
-        {CliCmdExecPDRbld, "-pdrbld", {"-start", "-L0"}, token("-start")},
-        {CliCmdExecPDRbld, "-pdrbld", {"-pd"}, token("-pdrbld")},
-        {CliCmdExecPDHSP, "-pdhsp", {"-pd[1:2]", "-rmv", "-ghs"}, token("-rmv")},
-        {CliCmdExecPDHSP, "-pdhsp", {"-ghs", "-nochk", "-NOCHK"}, token("-nochk")},
-        {CliCmdExecPDHSP, "-pdhsp", {"-nochk"}, token("-nochk")}, // a mode and drives are missing: the last argument
-        {CliCmdExecAdpSetProp, "-ctrlsetprop", {"-trh", "TRL"}, token("-trh")},
-        {CliCmdExecAdpSetProp, "-ctrlsetprop", {"-hddcpybkenbl", "-trm", "-hddcpybkdsbl"}, token("-trm")},
-        {CliCmdExecAdpSetProp, "-ctrlsetprop", {"--trh"}, token("-ctrlsetprop")},
-        {CliCmdExecAdpSetProp, "-ctrlsetprop", {"-trh", "-a0", "-A1"}, token("-a0")},
-        {CliCmdExecAdpSetProp, "-ctrlsetprop", {"-trh", "-a3"}, noThird},
-        {CliCmdExecAdpRbldMode, "-ctrlautorbld", {"x-enbl", "-dsbl"}, token("x-enbl")},
-        {CliCmdExecLDCC, "-ldcc", {"-start", "-Stop"}, token("-Stop")},
-        {CliCmdExecLDCC, "-ldcc", {"-start", "-bogus"}, token("-bogus")},
-        {CliCmdExecLDCC, "-ldcc", {"-L0", "-aAll"}, token("-L0")}, // no mode: the third argument
-        {CliCmdExecLDCC, "-ldcc", {"-start", "-a0", "-a1"}, token("-a1")},
-        {CliCmdExecLDCC, "-ldcc", {"-start", "-A3"}, noThird},
-        {CliCmdExecLDCC, "-ldcc", {"-start", "-L64"}, token("-L64")},
-        {CliCmdExecLDCC, "-ldcc", {"-start", "-L0", "-lALL"}, token("-lALL")},
-        {CliCmdExecLDCC, "-ldcc", {"-start", "-pd[1:2]"}, token("-pd[1:2]")},
-        {CliCmdExecLDCC, "-ldcc", {"-start"}, twoControllers},
-        {CliCmdExecLDSetProp, "-ldsetprop", {"-wt", "-ra", "-WB"}, token("-WB")},
-        {CliCmdExecLDSetProp, "-ldsetprop", {"-name"}, token("-name")},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(c.wanted, refusal(c.handler, c.command, c.options)) << c.command << testing::PrintToString(c.options);
-}
 
 TEST(UnitOptions, AcceptedArgumentsAreKept) {
     static constexpr OptionWord kWords[] = {{"on", 1, 3}, {"off", 2, 3}, {"name", 4, 4, true}, {"deep", 8, 8}};

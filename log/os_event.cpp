@@ -1,6 +1,6 @@
 #include "log/os_event.h"
 
-#include "log/file_closer.h"
+#include "log/site_file.h"
 #include "log/zebcli_log.h"
 
 #include <algorithm>
@@ -124,7 +124,7 @@ int priorityOf(std::uint32_t messageId) {
 
 void ReadEventInfo() {
     evtInfoCount = 0;
-    const OwnedFile file(std::fopen(kEventTablePath, "re"));
+    const SiteFile file = openSiteFile(kEventTablePath);
     if (file)
         readEventTable(file.get());
     else

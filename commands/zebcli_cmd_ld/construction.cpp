@@ -1,7 +1,7 @@
 #include "commands/zebcli_cmd_ld/construction.h"
 
 #include "commands/zebcli_cmd_ld/ld_targets.h"
-#include "log/file_closer.h"
+#include "log/site_file.h"
 #include "log/zebcli_log.h"
 #include "main/zebcli_cmd_com/lookup.h"
 #include "main/zebcli_cmd_com/string_shims.h"
@@ -107,7 +107,7 @@ bool knownLevel(const char* func, ZEB_RAID_LVL level, unsigned char contNo, int 
 }
 
 void ReadConfigPatFile(_configPat_T* table) {
-    const OwnedFile file(std::fopen(kPatternPath, "re"));
+    const SiteFile file = openSiteFile(kPatternPath);
     if (!file) {
         Utillogging(kLdSource, __LINE__, kTraceError, "func=%s: %s", __func__, "ConfigPatFile open error");
         return;

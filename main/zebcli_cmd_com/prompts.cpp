@@ -9,6 +9,7 @@
 #include <array>
 #include <cerrno>
 #include <cstdio>
+#include <poll.h>
 #include <string_view>
 #include <unistd.h>
 
@@ -90,19 +91,34 @@ void printQuestion(unsigned char kind, const unsigned char* text) {
     CliLogging(kPrint, kComSource, __LINE__, "%s", question);
 }
 
+/// The next byte of standard input, waited for even where another program left it in a mode that does not wait.
+int nextByte() {
+    while (true) {
+        const int c = std::fgetc(stdin);
+        if (c != EOF || std::feof(stdin) != 0 || errno != EAGAIN)
+            return c;
+        std::clearerr(stdin);
+        pollfd input{STDIN_FILENO, POLLIN, 0};
+        poll(&input, 1, -1);
+    }
+}
+
 /// Reads a line. Of one that is too long the rest is dropped, so that its end is not taken for the answer to the
-/// question asked again; one that has no end counts as the end of the input. The last byte tells whether the buffer was
-/// filled: a line may have NULs in it.
+/// question asked again; one that has no end counts as the end of the input.
 bool readLine(std::span<char, kAnswerSize> answer) {
-    answer.back() = '\n';
-    if (std::fgets(answer.data(), static_cast<int>(answer.size()), stdin) == nullptr)
-        return false;
-    if (answer.back() != '\0' || answer[kAnswerSize - 2] == '\n')
-        return true;
-    for (unsigned dropped = 0; dropped < kLongestLine; ++dropped)
-        if (const int c = std::fgetc(stdin); c == EOF || c == '\n')
-            return true;
-    return false;
+    std::size_t length = 0;
+    unsigned dropped = 0;
+    for (int c = 0; c != '\n' && dropped < kLongestLine;) {
+        c = nextByte();
+        if (c == EOF)
+            break;
+        if (length < answer.size() - 1)
+            answer[length++] = static_cast<char>(c);
+        else
+            ++dropped;
+    }
+    answer[length] = '\0';
+    return length > 0 && dropped < kLongestLine;
 }
 
 int askYesNo(unsigned char kind, const unsigned char* text, Answer& answer) {

@@ -1,4 +1,6 @@
 // Test events as they arrive in the operating system's log, and the event table that they come from.
+#include <sys/stat.h>
+
 #include "tests/command/operation_case.h"
 
 #include "tests/support/expected.h"
@@ -124,6 +126,13 @@ TEST_F(TestEvent, SilentWithoutEvent) {
     checkEvent("-", "-tstevt -inf", traced(kOpenError) + notConfigured("60011"), "");
     checkEvent("", "-tstevt -inf", notConfigured("60011"), "");
     checkEvent(row("60011", "1", "25", "suppressed"), "-tstevt -inf", {}, "");
+    const auto table = box.zeb() / "zeb_config.csv";
+    std::filesystem::remove(table);
+    ASSERT_EQ(0, mkfifo(table.c_str(), 0600));
+    check("", {"-tstevt -inf", traced(kOpenError) + notConfigured("60011")});
+    std::filesystem::remove(table);
+    std::filesystem::create_directory(table);
+    check("", {"-tstevt -inf", traced(kOpenError) + notConfigured("60011")});
 }
 
 TEST_F(TestEvent, OptionsAreRefused) {

@@ -134,19 +134,19 @@ TEST_F(CommandLog, FiftyRunsAtOnceMixNoLines) {
     EXPECT_THAT(log.bytes(), HasSubstr(kRefusal));
 }
 
-TEST_F(CommandLog, ARunWaitsForTheLock) {
+TEST_F(CommandLog, ARunWaitsForTheLockButNotForEver) {
     const std::string before = oldLines(1) + logMarker();
     log.write(before);
-    RunOptions options;
-    options.args = {"x"};
-    options.timeLimit = std::chrono::milliseconds(300);
-    options.mayTimeOut = true;
     {
         const Fd lock = log.holdLock();
-        EXPECT_TRUE(box.run(options).timedOut);
+        const auto result = box.run({"x"});
+        EXPECT_EQ(std::string(kRefusal) + "\n", result.out);
+        EXPECT_EQ(255, result.exitStatus);
+        EXPECT_GT(result.wallTime, std::chrono::seconds(9));
         EXPECT_EQ(before, log.bytes());
     }
     shortRun();
+    EXPECT_THAT(log.bytes(), HasSubstr(kRefusal));
 }
 
 /// A preloaded pwrite does not go together with the sanitizers, so the release build is what is killed.

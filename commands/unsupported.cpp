@@ -3,7 +3,7 @@
 
 #include "log/raidctl.h"
 #include "log/zebcli_log.h"
-#include "main/zebcli_cmd_com/source.h"
+#include "main/zebcli_cmd_com/base/source.h"
 
 namespace {
 

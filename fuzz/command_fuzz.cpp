@@ -6,7 +6,7 @@
 #include "fuzz/library.h"
 #include "fuzz/support.h"
 #include "main/command_table.h"
-#include "main/zebcli_cmd_com/options.h"
+#include "main/zebcli_cmd_com/input/options.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "fuzz/support.h"
-#include "main/zebcli_cmd_com/snapshot.h"
+#include "main/zebcli_cmd_com/model/snapshot.h"
 
 #include <vector>
 

@@ -1,7 +1,7 @@
 // The reader of the pattern file over arbitrary bytes, then every rule that its table decides.
 //
 // Input: what the controller supports, a number of drives, then the file.
-#include "commands/zebcli_cmd_ld/construction.h"
+#include "commands/zebcli_cmd_ld/creation/construction.h"
 #include "fuzz/support.h"
 
 #include <algorithm>

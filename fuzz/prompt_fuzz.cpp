@@ -4,8 +4,8 @@
 #include "commands/handlers.h"
 #include "fuzz/library.h"
 #include "fuzz/support.h"
-#include "main/zebcli_cmd_com/prompts.h"
-#include "main/zebcli_cmd_com/targets.h"
+#include "main/zebcli_cmd_com/input/prompts.h"
+#include "main/zebcli_cmd_com/input/targets.h"
 
 #include <algorithm>
 #include <cerrno>

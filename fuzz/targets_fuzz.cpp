@@ -6,8 +6,8 @@
 #include "fuzz/library.h"
 #include "fuzz/support.h"
 #include "main/command_table.h"
-#include "main/zebcli_cmd_com/options.h"
-#include "main/zebcli_cmd_com/targets.h"
+#include "main/zebcli_cmd_com/input/options.h"
+#include "main/zebcli_cmd_com/input/targets.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 // The commands: one row each.
 #pragma once
 
-#include "main/zebcli_cmd_com/snapshot.h"
+#include "main/zebcli_cmd_com/model/snapshot.h"
 
 #include <span>
 

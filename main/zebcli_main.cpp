@@ -5,8 +5,8 @@
 #include "log/zebcli_log.h"
 #include "main/command_table.h"
 #include "main/process_setup.h"
-#include "main/zebcli_cmd_com/prompts.h"
-#include "main/zebcli_cmd_com/snapshot.h"
+#include "main/zebcli_cmd_com/input/prompts.h"
+#include "main/zebcli_cmd_com/model/snapshot.h"
 #include "storelib/dll_mod.h"
 
 #include <cctype>

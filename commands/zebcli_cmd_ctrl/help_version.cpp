@@ -3,11 +3,11 @@
 
 #include "log/raidctl.h"
 #include "log/zebcli_log.h"
-#include "main/zebcli_cmd_com/lookup.h"
-#include "main/zebcli_cmd_com/options.h"
-#include "main/zebcli_cmd_com/source.h"
-#include "main/zebcli_cmd_com/string_shims.h"
-#include "main/zebcli_cmd_com/text_field.h"
+#include "main/zebcli_cmd_com/base/source.h"
+#include "main/zebcli_cmd_com/base/string_shims.h"
+#include "main/zebcli_cmd_com/input/options.h"
+#include "main/zebcli_cmd_com/model/lookup.h"
+#include "main/zebcli_cmd_com/text/text_field.h"
 #include "storelib/common/StoreLib/controller.h"
 #include "storelib/records/status.h"
 

@@ -3,14 +3,14 @@
 
 #include "log/raidctl.h"
 #include "log/zebcli_log.h"
-#include "main/zebcli_cmd_com/calendar.h"
-#include "main/zebcli_cmd_com/lookup.h"
-#include "main/zebcli_cmd_com/options.h"
-#include "main/zebcli_cmd_com/report.h"
-#include "main/zebcli_cmd_com/source.h"
-#include "main/zebcli_cmd_com/text_field.h"
-#include "main/zebcli_cmd_com/trace.h"
-#include "main/zebcli_cmd_com/vocabulary.h"
+#include "main/zebcli_cmd_com/base/source.h"
+#include "main/zebcli_cmd_com/base/trace.h"
+#include "main/zebcli_cmd_com/input/options.h"
+#include "main/zebcli_cmd_com/model/lookup.h"
+#include "main/zebcli_cmd_com/text/calendar.h"
+#include "main/zebcli_cmd_com/text/report.h"
+#include "main/zebcli_cmd_com/text/text_field.h"
+#include "main/zebcli_cmd_com/text/vocabulary.h"
 #include "storelib/common/StoreLib/controller.h"
 
 #include <algorithm>

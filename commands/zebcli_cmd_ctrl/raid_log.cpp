@@ -3,9 +3,9 @@
 
 #include "log/raidctl.h"
 #include "log/zebcli_log.h"
-#include "main/zebcli_cmd_com/options.h"
-#include "main/zebcli_cmd_com/prompts.h"
-#include "main/zebcli_cmd_com/source.h"
+#include "main/zebcli_cmd_com/base/source.h"
+#include "main/zebcli_cmd_com/input/options.h"
+#include "main/zebcli_cmd_com/input/prompts.h"
 
 #include <algorithm>
 #include <array>

@@ -3,11 +3,11 @@
 
 #include "log/raidctl.h"
 #include "log/zebcli_log.h"
-#include "main/zebcli_cmd_com/options.h"
-#include "main/zebcli_cmd_com/prompts.h"
-#include "main/zebcli_cmd_com/snapshot.h"
-#include "main/zebcli_cmd_com/source.h"
-#include "main/zebcli_cmd_com/trace.h"
+#include "main/zebcli_cmd_com/base/source.h"
+#include "main/zebcli_cmd_com/base/trace.h"
+#include "main/zebcli_cmd_com/input/options.h"
+#include "main/zebcli_cmd_com/input/prompts.h"
+#include "main/zebcli_cmd_com/model/snapshot.h"
 #include "storelib/common/StoreLib/controller.h"
 #include "storelib/records/status.h"
 

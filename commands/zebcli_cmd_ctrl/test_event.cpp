@@ -4,9 +4,9 @@
 #include "log/os_event.h"
 #include "log/raidctl.h"
 #include "log/zebcli_log.h"
-#include "main/zebcli_cmd_com/options.h"
-#include "main/zebcli_cmd_com/source.h"
-#include "main/zebcli_cmd_com/string_shims.h"
+#include "main/zebcli_cmd_com/base/source.h"
+#include "main/zebcli_cmd_com/base/string_shims.h"
+#include "main/zebcli_cmd_com/input/options.h"
 
 #include <array>
 

@@ -1,9 +1,9 @@
 // What the LD commands share: their way of reading targets and of saying that there are none.
 #pragma once
 
-#include "main/zebcli_cmd_com/lookup.h"
-#include "main/zebcli_cmd_com/options.h"
-#include "main/zebcli_cmd_com/source.h"
+#include "main/zebcli_cmd_com/base/source.h"
+#include "main/zebcli_cmd_com/input/options.h"
+#include "main/zebcli_cmd_com/model/lookup.h"
 
 #include <span>
 

@@ -1,16 +1,16 @@
 // The LD/PD report: RAID groups with their LDs, settings and drives.
 #include "commands/handlers.h"
 
-#include "commands/zebcli_cmd_ld/construction.h"
+#include "commands/zebcli_cmd_ld/creation/construction.h"
 #include "commands/zebcli_cmd_ld/ld_targets.h"
 #include "commands/zebcli_cmd_ld/setting_tables.h"
 #include "log/raidctl.h"
 #include "log/zebcli_log.h"
-#include "main/zebcli_cmd_com/capacity.h"
-#include "main/zebcli_cmd_com/report.h"
-#include "main/zebcli_cmd_com/string_shims.h"
-#include "main/zebcli_cmd_com/text_field.h"
-#include "main/zebcli_cmd_com/vocabulary.h"
+#include "main/zebcli_cmd_com/base/string_shims.h"
+#include "main/zebcli_cmd_com/model/capacity.h"
+#include "main/zebcli_cmd_com/text/report.h"
+#include "main/zebcli_cmd_com/text/text_field.h"
+#include "main/zebcli_cmd_com/text/vocabulary.h"
 
 #include <algorithm>
 #include <span>

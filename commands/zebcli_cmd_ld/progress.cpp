@@ -1,13 +1,13 @@
 // State and progress of every LD and every PD slot. Printed with plain standard output.
 #include "commands/handlers.h"
 
-#include "commands/zebcli_cmd_ld/drive_table.h"
+#include "commands/zebcli_cmd_ld/creation/drive_table.h"
 #include "log/raidctl.h"
-#include "main/zebcli_cmd_com/lookup.h"
-#include "main/zebcli_cmd_com/source.h"
-#include "main/zebcli_cmd_com/string_shims.h"
-#include "main/zebcli_cmd_com/trace.h"
-#include "main/zebcli_cmd_com/vocabulary.h"
+#include "main/zebcli_cmd_com/base/source.h"
+#include "main/zebcli_cmd_com/base/string_shims.h"
+#include "main/zebcli_cmd_com/base/trace.h"
+#include "main/zebcli_cmd_com/model/lookup.h"
+#include "main/zebcli_cmd_com/text/vocabulary.h"
 #include "storelib/common/StoreLib/enclosure.h"
 #include "storelib/dll_mod.h"
 

@@ -1,6 +1,6 @@
 #include "commands/zebcli_cmd_ld/setting_tables.h"
 
-#include "main/zebcli_cmd_com/lookup.h"
+#include "main/zebcli_cmd_com/model/lookup.h"
 
 #include <algorithm>
 

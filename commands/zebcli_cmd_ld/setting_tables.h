@@ -2,7 +2,7 @@
 // for it before use.
 #pragma once
 
-#include "main/zebcli_cmd_com/snapshot.h"
+#include "main/zebcli_cmd_com/model/snapshot.h"
 
 #include <array>
 #include <cstdint>

@@ -1,8 +1,8 @@
 #include "commands/zebcli_cmd_pd/drive_words.h"
 
-#include "main/zebcli_cmd_com/lookup.h"
-#include "main/zebcli_cmd_com/string_shims.h"
-#include "main/zebcli_cmd_com/vocabulary.h"
+#include "main/zebcli_cmd_com/base/string_shims.h"
+#include "main/zebcli_cmd_com/model/lookup.h"
+#include "main/zebcli_cmd_com/text/vocabulary.h"
 
 namespace {
 

@@ -2,12 +2,12 @@
 #include "commands/handlers.h"
 
 #include "log/raidctl.h"
-#include "main/zebcli_cmd_com/options.h"
-#include "main/zebcli_cmd_com/report.h"
-#include "main/zebcli_cmd_com/source.h"
-#include "main/zebcli_cmd_com/text_field.h"
-#include "main/zebcli_cmd_com/trace.h"
-#include "main/zebcli_cmd_com/vocabulary.h"
+#include "main/zebcli_cmd_com/base/source.h"
+#include "main/zebcli_cmd_com/base/trace.h"
+#include "main/zebcli_cmd_com/input/options.h"
+#include "main/zebcli_cmd_com/text/report.h"
+#include "main/zebcli_cmd_com/text/text_field.h"
+#include "main/zebcli_cmd_com/text/vocabulary.h"
 #include "storelib/common/StoreLib/enclosure.h"
 #include "storelib/common/StoreLib/request_path.h"
 

@@ -1,7 +1,7 @@
 #include "commands/zebcli_cmd_pd/pd_targets.h"
 
 #include "log/zebcli_log.h"
-#include "main/zebcli_cmd_com/lookup.h"
+#include "main/zebcli_cmd_com/model/lookup.h"
 
 #include <algorithm>
 

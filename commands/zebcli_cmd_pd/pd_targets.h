@@ -1,9 +1,9 @@
 // What the PD commands share: how they are told their targets.
 #pragma once
 
-#include "main/zebcli_cmd_com/options.h"
-#include "main/zebcli_cmd_com/snapshot.h"
-#include "main/zebcli_cmd_com/source.h"
+#include "main/zebcli_cmd_com/base/source.h"
+#include "main/zebcli_cmd_com/input/options.h"
+#include "main/zebcli_cmd_com/model/snapshot.h"
 
 #include <span>
 

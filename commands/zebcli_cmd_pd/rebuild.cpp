@@ -4,9 +4,9 @@
 #include "commands/zebcli_cmd_pd/pd_targets.h"
 #include "log/raidctl.h"
 #include "log/zebcli_log.h"
-#include "main/zebcli_cmd_com/number_list.h"
-#include "main/zebcli_cmd_com/raid_groups.h"
-#include "main/zebcli_cmd_com/start_stop_words.h"
+#include "main/zebcli_cmd_com/input/start_stop_words.h"
+#include "main/zebcli_cmd_com/model/raid_groups.h"
+#include "main/zebcli_cmd_com/text/number_list.h"
 #include "storelib/common/StoreLib/physical_drive.h"
 #include "storelib/records/status.h"
 

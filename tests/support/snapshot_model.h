@@ -8,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include "main/zebcli_cmd_com/snapshot.h"
+#include "main/zebcli_cmd_com/model/snapshot.h"
 
 namespace zebtest {
 

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "main/zebcli_cmd_com/calendar.h"
+#include "main/zebcli_cmd_com/text/calendar.h"
 
 namespace zebtest {
 namespace {

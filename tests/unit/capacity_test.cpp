@@ -1,8 +1,8 @@
 // Capacities: the arithmetic of the levels and the text in GB.
 #include <gtest/gtest.h>
 
-#include "commands/zebcli_cmd_ld/construction.h"
-#include "main/zebcli_cmd_com/capacity.h"
+#include "commands/zebcli_cmd_ld/creation/construction.h"
+#include "main/zebcli_cmd_com/model/capacity.h"
 #include "tests/support/temp_log.h"
 
 namespace zebtest {

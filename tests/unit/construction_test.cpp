@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "commands/zebcli_cmd_ld/construction.h"
+#include "commands/zebcli_cmd_ld/creation/construction.h"
 #include "commands/zebcli_cmd_ld/setting_tables.h"
 #include "tests/support/library.h"
 #include "tests/support/private_opt.h"

@@ -1,7 +1,7 @@
 // Questions about the snapshot, also about one that lies about its sizes.
 #include <gtest/gtest.h>
 
-#include "main/zebcli_cmd_com/lookup.h"
+#include "main/zebcli_cmd_com/model/lookup.h"
 #include "tests/support/library.h"
 #include "tests/support/snapshot_model.h"
 

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "log/zebcli_log.h"
-#include "main/zebcli_cmd_com/report.h"
+#include "main/zebcli_cmd_com/text/report.h"
 #include "tests/support/temp_log.h"
 
 namespace zebtest {

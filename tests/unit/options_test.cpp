@@ -1,7 +1,7 @@
 // Options of a command: words and their groups, and targets.
 #include <gtest/gtest.h>
 
-#include "main/zebcli_cmd_com/options.h"
+#include "main/zebcli_cmd_com/input/options.h"
 
 namespace zebtest {
 namespace {

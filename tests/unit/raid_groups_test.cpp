@@ -1,7 +1,7 @@
 // RAID groups: their numbers, and the texts that name them, the LDs on them and the spares for them.
 #include <gtest/gtest.h>
 
-#include "main/zebcli_cmd_com/raid_groups.h"
+#include "main/zebcli_cmd_com/model/raid_groups.h"
 #include "tests/support/snapshot_model.h"
 
 namespace zebtest {

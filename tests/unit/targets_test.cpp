@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "main/zebcli_cmd_com/targets.h"
+#include "main/zebcli_cmd_com/input/targets.h"
 
 namespace zebtest {
 namespace {

@@ -1,9 +1,9 @@
 // The words of the reports.
 #include <gtest/gtest.h>
 
-#include "main/zebcli_cmd_com/string_shims.h"
-#include "main/zebcli_cmd_com/text_field.h"
-#include "main/zebcli_cmd_com/vocabulary.h"
+#include "main/zebcli_cmd_com/base/string_shims.h"
+#include "main/zebcli_cmd_com/text/text_field.h"
+#include "main/zebcli_cmd_com/text/vocabulary.h"
 #include "tests/support/snapshot_model.h"
 #include "tests/support/temp_log.h"
 

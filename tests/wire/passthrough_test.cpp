@@ -1,9 +1,9 @@
 // The pass-through senders and the checks built on them.
 #include "storelib/common/StoreLib/controller.h"
 #include "storelib/common/StoreLib/enclosure.h"
+#include "storelib/common/StoreLib/ld_snapshot.h"
 #include "storelib/common/StoreLib/passthrough.h"
 #include "storelib/common/StoreLib/physical_drive.h"
-#include "storelib/common/StoreLib/snapshot.h"
 #include "tests/support/wire.h"
 
 namespace zebtest {

@@ -3,8 +3,8 @@
 #include <span>
 #include <sys/mman.h>
 
-#include "main/zebcli_cmd_com/lookup.h"
-#include "main/zebcli_cmd_com/vocabulary.h"
+#include "main/zebcli_cmd_com/model/lookup.h"
+#include "main/zebcli_cmd_com/text/vocabulary.h"
 #include "storelib/common/StoreLib/cache_backup.h"
 #include "storelib/common/StoreLib/configuration.h"
 #include "storelib/common/StoreLib/controller.h"

@@ -1,9 +1,9 @@
-#include "main/zebcli_cmd_com/vocabulary.h"
+#include "main/zebcli_cmd_com/text/vocabulary.h"
 
-#include "main/zebcli_cmd_com/lookup.h"
-#include "main/zebcli_cmd_com/source.h"
-#include "main/zebcli_cmd_com/string_shims.h"
-#include "main/zebcli_cmd_com/trace.h"
+#include "main/zebcli_cmd_com/base/source.h"
+#include "main/zebcli_cmd_com/base/string_shims.h"
+#include "main/zebcli_cmd_com/base/trace.h"
+#include "main/zebcli_cmd_com/model/lookup.h"
 #include "storelib/common/StoreLib/controller.h"
 #include "storelib/records/status.h"
 

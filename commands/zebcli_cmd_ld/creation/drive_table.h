@@ -1,7 +1,7 @@
 // The table of drives to choose from.
 #pragma once
 
-#include "commands/zebcli_cmd_ld/construction.h"
+#include "commands/zebcli_cmd_ld/creation/construction.h"
 
 #include <cstddef>
 #include <span>

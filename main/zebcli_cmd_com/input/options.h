@@ -2,7 +2,7 @@
 // it names a bad token. One parser reads them all.
 #pragma once
 
-#include "main/zebcli_cmd_com/targets.h"
+#include "main/zebcli_cmd_com/input/targets.h"
 
 #include <cstddef>
 #include <span>

@@ -1,7 +1,7 @@
 // The words that the reports share. Each builder writes at most as much as its buffer holds.
 #pragma once
 
-#include "main/zebcli_cmd_com/snapshot.h"
+#include "main/zebcli_cmd_com/model/snapshot.h"
 #include "storelib/records/logical_drive.h"
 #include "storelib/records/physical_drive.h"
 

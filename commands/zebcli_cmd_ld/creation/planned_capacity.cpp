@@ -1,10 +1,10 @@
 // Defaults and capacity of planned LDs.
-#include "commands/zebcli_cmd_ld/construction.h"
+#include "commands/zebcli_cmd_ld/creation/construction.h"
 
 #include "commands/zebcli_cmd_ld/ld_targets.h"
 #include "commands/zebcli_cmd_ld/setting_tables.h"
-#include "main/zebcli_cmd_com/string_shims.h"
-#include "main/zebcli_cmd_com/trace.h"
+#include "main/zebcli_cmd_com/base/string_shims.h"
+#include "main/zebcli_cmd_com/base/trace.h"
 #include "storelib/common/StoreLib/physical_drive.h"
 #include "storelib/records/status.h"
 

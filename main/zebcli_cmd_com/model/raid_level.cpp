@@ -1,7 +1,7 @@
-#include "main/zebcli_cmd_com/raid_level.h"
+#include "main/zebcli_cmd_com/model/raid_level.h"
 
 #include "log/zebcli_log.h"
-#include "main/zebcli_cmd_com/source.h"
+#include "main/zebcli_cmd_com/base/source.h"
 
 #include <array>
 

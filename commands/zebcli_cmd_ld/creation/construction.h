@@ -2,8 +2,8 @@
 // defaults and the capacity of a planned LD. Sizes are blocks of 512 bytes.
 #pragma once
 
-#include "main/zebcli_cmd_com/capacity.h"
-#include "main/zebcli_cmd_com/snapshot.h"
+#include "main/zebcli_cmd_com/model/capacity.h"
+#include "main/zebcli_cmd_com/model/snapshot.h"
 
 #include <array>
 #include <cstdint>

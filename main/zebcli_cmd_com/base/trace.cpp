@@ -1,4 +1,4 @@
-#include "main/zebcli_cmd_com/trace.h"
+#include "main/zebcli_cmd_com/base/trace.h"
 
 #include "log/zebcli_log.h"
 #include "storelib/records/status.h"

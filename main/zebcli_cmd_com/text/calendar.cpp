@@ -1,4 +1,4 @@
-#include "main/zebcli_cmd_com/calendar.h"
+#include "main/zebcli_cmd_com/text/calendar.h"
 
 namespace {
 

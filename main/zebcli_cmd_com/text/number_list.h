@@ -1,7 +1,7 @@
 // Numbers joined with ",", as the summaries show them.
 #pragma once
 
-#include "main/zebcli_cmd_com/string_shims.h"
+#include "main/zebcli_cmd_com/base/string_shims.h"
 
 class NumberList {
   public:

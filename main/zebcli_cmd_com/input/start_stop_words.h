@@ -1,7 +1,7 @@
 // The words "start" and "stop" of the commands that do either.
 #pragma once
 
-#include "main/zebcli_cmd_com/options.h"
+#include "main/zebcli_cmd_com/input/options.h"
 
 #include <array>
 

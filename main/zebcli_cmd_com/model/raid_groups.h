@@ -1,7 +1,7 @@
 // RAID groups: the arrays under one number each, the drives and LDs on them, and the texts that name them.
 #pragma once
 
-#include "main/zebcli_cmd_com/raid_level.h"
+#include "main/zebcli_cmd_com/model/raid_level.h"
 #include "storelib/records/configuration.h"
 
 #include <cstdint>

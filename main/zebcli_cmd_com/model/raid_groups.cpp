@@ -1,8 +1,8 @@
-#include "main/zebcli_cmd_com/raid_groups.h"
+#include "main/zebcli_cmd_com/model/raid_groups.h"
 
-#include "main/zebcli_cmd_com/lookup.h"
-#include "main/zebcli_cmd_com/snapshot.h"
-#include "main/zebcli_cmd_com/string_shims.h"
+#include "main/zebcli_cmd_com/base/string_shims.h"
+#include "main/zebcli_cmd_com/model/lookup.h"
+#include "main/zebcli_cmd_com/model/snapshot.h"
 
 #include <algorithm>
 #include <array>

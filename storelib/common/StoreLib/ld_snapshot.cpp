@@ -1,4 +1,4 @@
-#include "storelib/common/StoreLib/snapshot.h"
+#include "storelib/common/StoreLib/ld_snapshot.h"
 
 #include "storelib/common/StoreLib/passthrough.h"
 

@@ -3,7 +3,7 @@
 // A physical drive is named by its slot number, an LD by its target id, an array by its reference.
 #pragma once
 
-#include "main/zebcli_cmd_com/raid_groups.h"
+#include "main/zebcli_cmd_com/model/raid_groups.h"
 #include "storelib/records/configuration.h"
 #include "storelib/records/controller.h"
 #include "storelib/records/enclosure.h"

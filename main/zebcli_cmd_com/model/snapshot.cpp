@@ -1,13 +1,13 @@
-#include "main/zebcli_cmd_com/snapshot.h"
+#include "main/zebcli_cmd_com/model/snapshot.h"
 
 #include "log/zebcli_log.h"
-#include "main/zebcli_cmd_com/source.h"
+#include "main/zebcli_cmd_com/base/source.h"
 #include "storelib/common/StoreLib/configuration.h"
 #include "storelib/common/StoreLib/controller.h"
 #include "storelib/common/StoreLib/enclosure.h"
+#include "storelib/common/StoreLib/ld_snapshot.h"
 #include "storelib/common/StoreLib/logical_drive.h"
 #include "storelib/common/StoreLib/physical_drive.h"
-#include "storelib/common/StoreLib/snapshot.h"
 #include "storelib/dll_mod.h"
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 // Questions about the snapshot. All read the snapshot only, except IsOSInstallLD.
 #pragma once
 
-#include "main/zebcli_cmd_com/snapshot.h"
-#include "main/zebcli_cmd_com/targets.h"
+#include "main/zebcli_cmd_com/input/targets.h"
+#include "main/zebcli_cmd_com/model/snapshot.h"
 
 #include <array>
 #include <cstdint>

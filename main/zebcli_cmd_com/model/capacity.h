@@ -1,7 +1,7 @@
 // Capacity arithmetic. Sizes are blocks of 512 bytes unless a name says otherwise; a GB is 1024 x 1024 x 1024 bytes.
 #pragma once
 
-#include "main/zebcli_cmd_com/raid_level.h"
+#include "main/zebcli_cmd_com/model/raid_level.h"
 
 #include <cstdint>
 #include <span>

@@ -1,8 +1,8 @@
-#include "main/zebcli_cmd_com/targets.h"
+#include "main/zebcli_cmd_com/input/targets.h"
 
 #include "log/raidctl.h"
 #include "log/zebcli_log.h"
-#include "main/zebcli_cmd_com/source.h"
+#include "main/zebcli_cmd_com/base/source.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,4 +1,4 @@
-#include "main/zebcli_cmd_com/options.h"
+#include "main/zebcli_cmd_com/input/options.h"
 
 #include "log/zebcli_log.h"
 

@@ -1,9 +1,9 @@
-#include "main/zebcli_cmd_com/prompts.h"
+#include "main/zebcli_cmd_com/input/prompts.h"
 
 #include "log/raidctl.h"
 #include "log/zebcli_log.h"
-#include "main/zebcli_cmd_com/source.h"
-#include "main/zebcli_cmd_com/targets.h"
+#include "main/zebcli_cmd_com/base/source.h"
+#include "main/zebcli_cmd_com/input/targets.h"
 
 #include <algorithm>
 #include <array>

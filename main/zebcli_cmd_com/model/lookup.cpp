@@ -1,7 +1,7 @@
-#include "main/zebcli_cmd_com/lookup.h"
+#include "main/zebcli_cmd_com/model/lookup.h"
 
 #include "log/zebcli_log.h"
-#include "main/zebcli_cmd_com/source.h"
+#include "main/zebcli_cmd_com/base/source.h"
 #include "storelib/common/StoreLib/controller.h"
 #include "storelib/records/status.h"
 

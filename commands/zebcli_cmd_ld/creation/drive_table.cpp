@@ -1,11 +1,11 @@
-#include "commands/zebcli_cmd_ld/drive_table.h"
+#include "commands/zebcli_cmd_ld/creation/drive_table.h"
 
 #include "log/zebcli_log.h"
-#include "main/zebcli_cmd_com/lookup.h"
-#include "main/zebcli_cmd_com/source.h"
-#include "main/zebcli_cmd_com/string_shims.h"
-#include "main/zebcli_cmd_com/trace.h"
-#include "main/zebcli_cmd_com/vocabulary.h"
+#include "main/zebcli_cmd_com/base/source.h"
+#include "main/zebcli_cmd_com/base/string_shims.h"
+#include "main/zebcli_cmd_com/base/trace.h"
+#include "main/zebcli_cmd_com/model/lookup.h"
+#include "main/zebcli_cmd_com/text/vocabulary.h"
 #include "storelib/common/StoreLib/enclosure.h"
 #include "storelib/dll_mod.h"
 

@@ -1,8 +1,8 @@
-#include "main/zebcli_cmd_com/capacity.h"
+#include "main/zebcli_cmd_com/model/capacity.h"
 
 #include "log/zebcli_log.h"
-#include "main/zebcli_cmd_com/source.h"
-#include "main/zebcli_cmd_com/string_shims.h"
+#include "main/zebcli_cmd_com/base/source.h"
+#include "main/zebcli_cmd_com/base/string_shims.h"
 
 #include <algorithm>
 

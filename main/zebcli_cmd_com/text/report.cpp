@@ -1,4 +1,4 @@
-#include "main/zebcli_cmd_com/report.h"
+#include "main/zebcli_cmd_com/text/report.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -1,10 +1,10 @@
-#include "commands/zebcli_cmd_ld/construction.h"
+#include "commands/zebcli_cmd_ld/creation/construction.h"
 
 #include "commands/zebcli_cmd_ld/ld_targets.h"
 #include "log/site_file.h"
 #include "log/zebcli_log.h"
-#include "main/zebcli_cmd_com/lookup.h"
-#include "main/zebcli_cmd_com/string_shims.h"
+#include "main/zebcli_cmd_com/base/string_shims.h"
+#include "main/zebcli_cmd_com/model/lookup.h"
 
 #include <algorithm>
 #include <cstdio>

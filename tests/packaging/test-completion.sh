@@ -1,4 +1,4 @@
-#!/bin/bash
+#!/usr/bin/env bash
 # The completion: what it offers for a line, and what the Tab key does with it in an interactive shell.
 # usage: test-completion.sh SOURCE_FOLDER
 set -euo pipefail
@@ -15,13 +15,13 @@ compopt() { :; }
 
 # offers LINE WORD...: completing LINE offers exactly these words.
 offers() {
-    local line=$1 wanted got
-    shift
-    wanted=$(printf '%s\n' "$@" | sort)
-    COMP_LINE=$line COMP_POINT=${#line} COMPREPLY=()
-    _zebcli
-    got=$(printf '%s\n' "${COMPREPLY[@]}" | sort)
-    [[ $got == "$wanted" ]] || fail "'$line' offers: $got
+  local line=$1 wanted got
+  shift
+  wanted=$(printf '%s\n' "$@" | sort)
+  COMP_LINE=$line COMP_POINT=${#line} COMPREPLY=()
+  _zebcli
+  got=$(printf '%s\n' "${COMPREPLY[@]}" | sort)
+  [ "$got" = "$wanted" ] || fail "'$line' offers: $got
 wanted: $wanted"
 }
 
@@ -55,8 +55,8 @@ printf '#!/bin/sh\necho "zebcli $*" >>"%s/calls"\n' "$scratch" >"$scratch/bin/ze
 chmod +x "$scratch/bin/zebcli"
 : >"$scratch/wanted"
 types() {
-    printf '%b\n' "$1" >>"$scratch/keys"
-    printf '%s\n' "$2" >>"$scratch/wanted"
+  printf '%b\n' "$1" >>"$scratch/keys"
+  printf '%s\n' "$2" >>"$scratch/wanted"
 }
 
 printf '%s\n' "PATH=$scratch/bin:\$PATH; bind 'set bell-style none'; . '$completion'" >"$scratch/keys"
@@ -69,4 +69,4 @@ echo exit >>"$scratch/keys"
 
 timeout 60 script -qec 'bash --norc --noprofile -i' /dev/null <"$scratch/keys" >"$scratch/screen" 2>&1 || true
 diff "$scratch/wanted" "$scratch/calls" >"$scratch/difference" ||
-    { cat "$scratch/screen"; fail 'the Tab key completes to (>) instead of (<)' "$scratch/difference"; }
+  { cat "$scratch/screen"; fail 'the Tab key completes to (>) instead of (<)' "$scratch/difference"; }

@@ -1,4 +1,4 @@
-#!/bin/bash
+#!/usr/bin/env bash
 # What "cmake --install" lays down under DESTDIR: each file with its kind, permissions and link target.
 # usage: test-install-layout.sh SOURCE_FOLDER BUILD_FOLDER
 set -euo pipefail
@@ -7,7 +7,7 @@ need cmake
 
 scratch_folder
 (umask 077 && DESTDIR=$scratch/root cmake --install "$2") >"$scratch/output" 2>&1 ||
-    fail 'cmake --install fails' "$scratch/output"
+  fail 'cmake --install fails' "$scratch/output"
 
 # The scenarios are not listed one by one: there is at least one, and each that is in the sources.
 scenarios=usr/share/zebcli-simulator/scenarios
@@ -17,7 +17,7 @@ cmp -s "$scratch/wanted" "$scratch/got" || fail 'the scenarios are not those of 
 
 # The folders that every system has are left out.
 find "$scratch/root" -mindepth 1 ! -path "*/$scenarios/*" -printf '%y %04m %P %l\n' | sed 's/ $//' |
-    grep -vE '^d .* (opt|usr|usr/(lib|sbin|share)|usr/share/(doc|(man|bash-completion)(/[a-z0-9]+)?))$' |
-    LC_ALL=C sort -k 3 >"$scratch/layout"
+  grep -vE '^d .* (opt|usr|usr/(lib|sbin|share)|usr/share/(doc|(man|bash-completion)(/[a-z0-9]+)?))$' |
+  LC_ALL=C sort -k 3 >"$scratch/layout"
 diff "$(dirname -- "$0")/layout.txt" "$scratch/layout" >"$scratch/difference" ||
-    fail 'the layout differs: wanted (<), installed (>)' "$scratch/difference"
+  fail 'the layout differs: wanted (<), installed (>)' "$scratch/difference"

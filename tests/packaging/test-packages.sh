@@ -1,95 +1,83 @@
-#!/bin/bash
+#!/usr/bin/env bash
 # Builds the packages and tries them in a clean root: install, run against the simulator, upgrade, remove, purge.
-# usage: packaging/test-packages.sh BUILD_FOLDER
+# usage: tests/packaging/test-packages.sh BUILD_FOLDER
 #
 # The clean root is a minimal system of this machine's own Debian release, made by debootstrap from the package mirror
 # that apt uses here, and kept as BUILD_FOLDER/clean-root.tar for the next time. Ends with 77, and a line that begins
 # with "left out:", where that cannot be had.
 set -euo pipefail
-
-left_out() {
-    echo "left out: $*"
-    exit 77
-}
-
-fail() {
-    echo "FAILED: $1"
-    [[ -z ${2-} ]] || cat -- "$2"
-    exit 1
-}
+. "$(dirname -- "$0")/support.sh"
 
 build=$(realpath -- "$1")
 base=$build/clean-root.tar
-scratch=$(mktemp -d)
-trap 'rm -rf -- "$scratch"' EXIT
+scratch_folder
 root=$scratch/root
 
 # Packs the build into the folder $1; the other arguments go to cpack.
 pack() {
-    local folder=$1
-    shift
-    (cd "$build" && cpack -G DEB -B "$folder" "$@") >"$scratch/output" 2>&1 || fail 'cpack fails' "$scratch/output"
+  local folder=$1
+  shift
+  (cd "$build" && cpack -G DEB -B "$folder" "$@") >"$scratch/output" 2>&1 || fail 'cpack fails' "$scratch/output"
 }
 
 # Makes the kept base system, unless it is there.
 make_base() {
-    [[ ! -s $base ]] || return 0
-    local suite mirror
-    # shellcheck source=/dev/null
-    suite=$(. /etc/os-release && echo "${VERSION_CODENAME-}")
-    # shellcheck disable=SC2016 # apt-get's own variables
-    mirror=$(apt-get indextargets --format '$(SITE) $(RELEASE)' 'Created-By: Packages' |
-        awk -v suite="$suite" '$2 == suite { print $1; exit }')
-    [[ -n $mirror ]] || left_out "apt has no mirror of the release '$suite'"
-    eval "$(apt-config shell http_proxy Acquire::http::Proxy https_proxy Acquire::https::Proxy)"
-    export http_proxy https_proxy
-    debootstrap --variant=minbase "$suite" "$scratch/base" "$mirror" >"$scratch/output" 2>&1 ||
-        left_out "debootstrap could not make a clean root: $(tail -n 1 "$scratch/output" | sed 's#://[^/ ]*#://...#g')"
-    rm -rf -- "$scratch"/base/var/cache/apt/archives/*.deb "$scratch"/base/var/lib/apt/lists/*
-    tar -C "$scratch/base" -cf "$base.new" . && mv -- "$base.new" "$base"
-    rm -rf -- "$scratch/base"
+  [ ! -s "$base" ] || return 0
+  local suite mirror
+  # shellcheck source=/dev/null
+  suite=$(. /etc/os-release && echo "${VERSION_CODENAME-}")
+  # shellcheck disable=SC2016 # apt-get's own variables
+  mirror=$(apt-get indextargets --format '$(SITE) $(RELEASE)' 'Created-By: Packages' |
+    awk -v suite="$suite" '$2 == suite { print $1; exit }')
+  [ -n "$mirror" ] || left_out "apt has no mirror of the release '$suite'"
+  eval "$(apt-config shell http_proxy Acquire::http::Proxy https_proxy Acquire::https::Proxy)"
+  export http_proxy https_proxy
+  debootstrap --variant=minbase "$suite" "$scratch/base" "$mirror" >"$scratch/output" 2>&1 ||
+    left_out "debootstrap could not make a clean root: $(tail -n 1 "$scratch/output" | sed 's#://[^/ ]*#://...#g')"
+  rm -rf -- "$scratch"/base/var/cache/apt/archives/*.deb "$scratch"/base/var/lib/apt/lists/*
+  tar -C "$scratch/base" -cf "$base.new" . && mv -- "$base.new" "$base"
+  rm -rf -- "$scratch/base"
 }
 
 inside() {
-    chroot "$root" /usr/bin/env -i LC_ALL=C HOME=/root PATH=/usr/sbin:/usr/bin:/sbin:/bin "$@" \
-        </dev/null >"$scratch/output" 2>&1
+  chroot "$root" /usr/bin/env -i LC_ALL=C HOME=/root PATH=/usr/sbin:/usr/bin:/sbin:/bin "$@" \
+    </dev/null >"$scratch/output" 2>&1
 }
 
 # must WHAT COMMAND...: the command succeeds inside; WHAT says what went wrong otherwise.
 must() {
-    local what=$1
-    shift
-    inside "$@" || fail "$what" "$scratch/output"
+  local what=$1
+  shift
+  inside "$@" || fail "$what" "$scratch/output"
 }
 
 says() {
-    grep -qF -- "$1" "$scratch/output" || fail "'$1' is missing" "$scratch/output"
+  grep -qF -- "$1" "$scratch/output" || fail "'$1' is missing" "$scratch/output"
 }
 
 has() {
-    [[ -e $root/$1 || -L $root/$1 ]] || fail "/$1 is missing"
+  [ -e "$root/$1" ] || [ -L "$root/$1" ] || fail "/$1 is missing"
 }
 
 lacks() {
-    [[ ! -e $root/$1 && ! -L $root/$1 ]] || fail "/$1 is left behind"
+  if [ -e "$root/$1" ] || [ -L "$root/$1" ]; then fail "/$1 is left behind"; fi
 }
 
 # Every path of the clean root except those in which the system keeps its own books, and /opt, which goes with the last
 # package in it.
 list_files() {
-    (cd "$root" && find . \( -path ./var/lib/dpkg -o -path ./var/cache -o -path ./var/log \) -prune -o ! -path ./opt -print | sort)
+  (cd "$root" && find . \( -path ./var/lib/dpkg -o -path ./var/cache -o -path ./var/log \) -prune -o ! -path ./opt -print | sort)
 }
 
 install_packages() {
-    rm -rf -- "$root/packages"
-    mkdir -- "$root/packages"
-    cp -- "$1"/*.deb "$root/packages"
-    must 'the packages cannot be installed' sh -c 'dpkg --force-confdef --install /packages/*.deb'
-    rm -rf -- "$root/packages"
+  rm -rf -- "$root/packages"
+  mkdir -- "$root/packages"
+  cp -- "$1"/*.deb "$root/packages"
+  must 'the packages cannot be installed' sh -c 'dpkg --force-confdef --install /packages/*.deb'
+  rm -rf -- "$root/packages"
 }
 
-command -v cpack >/dev/null || left_out 'cpack is not installed'
-command -v dpkg-shlibdeps >/dev/null || left_out 'dpkg-shlibdeps is not installed'
+need cpack dpkg-shlibdeps file
 ! grep -q '^ZEB_SANITIZE:BOOL=ON' "$build/CMakeCache.txt" || left_out 'a build with sanitizers is not packaged'
 
 echo '* the same build packed twice gives the same bytes, and the same files under another umask'
@@ -97,15 +85,15 @@ pack "$scratch/first"
 pack "$scratch/again"
 (umask 077 && pack "$scratch/private")
 for package in "$scratch"/first/*.deb; do
-    name=${package##*/}
-    cmp -- "$package" "$scratch/again/$name" || fail "$name differs"
-    cmp -- <(dpkg-deb --contents "$package") <(dpkg-deb --contents "$scratch/private/$name") ||
-        fail "$name depends on the umask"
+  name=${package##*/}
+  cmp -- "$package" "$scratch/again/$name" || fail "$name differs"
+  cmp -- <(dpkg-deb --contents "$package") <(dpkg-deb --contents "$scratch/private/$name") ||
+    fail "$name depends on the umask"
 done
 pack "$scratch/newer" -D CPACK_PACKAGE_VERSION=2.3.1
 
-[[ $(id -u) -eq 0 ]] || left_out 'only root can make a clean root'
-command -v debootstrap >/dev/null || left_out 'debootstrap is not installed'
+[ "$(id -u)" -eq 0 ] || left_out 'only root can make a clean root'
+need debootstrap
 make_base
 mkdir -- "$root"
 tar -C "$root" -xpf "$base"
@@ -121,13 +109,13 @@ echo '* the simulated library stands in nobody'"'"'s way'
 if inside zebcli -v; then fail 'zebcli runs without a library' "$scratch/output"; fi
 says 'Error - Failed to initialize.'
 must 'zebcli does not run with the simulated library' \
-    env LD_LIBRARY_PATH=/usr/lib/zebcli/simulator zebcli -ctrlinfo -aAll
+  env LD_LIBRARY_PATH=/usr/lib/zebcli/simulator zebcli -ctrlinfo -aAll
 says 'RAID Controller: 0'
 says '### General Information ###'
 
 echo '* a scenario'
 must 'zebcli-sim does not run a scenario' env \
-    ZEBSIM_SCENARIO=/usr/share/zebcli-simulator/scenarios/drive_failed.json zebcli-sim -ldpdprog
+  ZEBSIM_SCENARIO=/usr/share/zebcli-simulator/scenarios/drive_failed.json zebcli-sim -ldpdprog
 says FAILED
 
 echo '* upgrade'

@@ -1,11 +1,24 @@
 # shellcheck shell=bash
-# What ./demo and ./check share: installing what is missing. Sourced, not run.
+# What ./demo and ./check need of a machine, and how they build. Sourced, not run.
 
 # shellcheck disable=SC2034  # used by the scripts that source this
 packages_to_build=(g++ cmake ninja-build nlohmann-json3-dev libgtest-dev libgmock-dev)
 # shellcheck disable=SC2034
-packages_to_check=(clang clang-tidy libclang-rt-dev cppcheck shellcheck binutils util-linux mandoc groff bash-completion debootstrap dpkg-dev
-  gzip perl valgrind strace)
+packages_to_check=(clang clang-format clang-tidy libclang-rt-dev cppcheck shellcheck binutils util-linux bsdutils mandoc groff
+  bash-completion debootstrap dpkg-dev file gzip perl valgrind strace)
+
+# Ends with the one message that says why, unless the tests can have what no package brings: root's rights and mount
+# namespaces.
+require_mount_namespaces() {
+  if [ "$(id -u)" -ne 0 ]; then
+    echo "The tests run zebcli as root, each in a mount namespace of its own. Please run this as root: sudo $0" >&2
+    exit 1
+  fi
+  unshare --mount mount --make-rprivate / 2>/dev/null && return 0
+  echo "The tests run in mount namespaces of their own, which this machine refuses even to root. In a container, start it" >&2
+  echo "with the right to make them (docker run --cap-add SYS_ADMIN --security-opt apparmor=unconfined ...), then try again." >&2
+  exit 1
+}
 
 # Installs the named Debian packages that are missing. Without the rights to do so, prints the one command to run and ends.
 install_missing() {

@@ -154,20 +154,20 @@ void addOptions(Report& report, const ControllerData& data, unsigned advanced) {
 
 /// Prints the report of one controller, in three blocks of which the second goes past CliLogging on purpose. Returns
 /// false when a query failed; nothing of this controller is printed then.
-bool reportController(unsigned char contNo, const _AFCONT* conts) {
+bool reportController(Controller ctrl) {
     ControllerData data;
-    if (!queryController(contNo, data))
+    if (!queryController(ctrl.contNo, data))
         return false;
     Report report;
-    addGeneral(report, contNo, data);
+    addGeneral(report, ctrl.contNo, data);
     addFirmware(report, data.info);
-    if (!succeeded(SLGetDrvVer(contNo, &data.driver), kOrigin, "SLGetDrvVer error", contNo))
+    if (!succeeded(SLGetDrvVer(ctrl.contNo, &data.driver), kOrigin, "SLGetDrvVer error", ctrl.contNo))
         return false;
-    addSettings(report, contNo, data);
+    addSettings(report, ctrl.contNo, data);
     report.emit();
     addRates(report, data.properties);
     report.emitPlain();
-    addOptions(report, data, IsEnablePF(contNo, conts));
+    addOptions(report, data, IsEnablePF(ctrl.contNo, ctrl.conts));
     report.emit();
     return true;
 }
@@ -180,7 +180,7 @@ int CliCmdExecAdpInfo(int argc, char** argv, _AFCONT* conts, int contCount) {
     if (!readArguments(kOptions, argc, argv, contCount, options))
         return 1;
     for (const unsigned char contNo : selectedControllers(options.ctrls, contCount))
-        if (!reportController(contNo, conts))
+        if (!reportController({contNo, conts}))
             return 1;
     return 0;
 }

@@ -20,7 +20,7 @@ enum class Outcome { Done, Failed, FailedOnRaid0, PassedOver };
 
 /// One command in one mode: what is done with each LD, and the words of the summary lines.
 struct Operation {
-    Outcome (*perform)(unsigned char contNo, unsigned char ldNo, const _AFCONT* conts);
+    Outcome (*perform)(Controller ctrl, unsigned char ldNo);
     const char* done;
     const char* failed;
     const char* advice; ///< behind the failure line, with the line ends
@@ -35,52 +35,52 @@ Outcome outcomeOf(std::uint32_t status, const char* func, const char* text, unsi
     return Outcome::Failed;
 }
 
-Outcome startCheck(unsigned char contNo, unsigned char ldNo, const _AFCONT* conts) {
-    if (CheckLDActive(contNo, ldNo, conts) != kLdIdle)
+Outcome startCheck(Controller ctrl, unsigned char ldNo) {
+    if (CheckLDActive(ctrl.contNo, ldNo, ctrl.conts) != kLdIdle)
         return Outcome::Failed;
-    if (SLTransLateRAIDLvl(&conts[contNo].ldInfo[ldNo].config) == kRaid0)
+    if (SLTransLateRAIDLvl(&ctrl.ld(ldNo).config) == kRaid0)
         return Outcome::FailedOnRaid0;
-    return outcomeOf(SLStartCheckConsistency(contNo, ldNo), "CliCmdExecLDCC", "SLStartCheckConsistency error", contNo,
-                     ldNo);
+    return outcomeOf(SLStartCheckConsistency(ctrl.contNo, ldNo), "CliCmdExecLDCC", "SLStartCheckConsistency error",
+                     ctrl.contNo, ldNo);
 }
 
-Outcome stopCheck(unsigned char contNo, unsigned char ldNo, const _AFCONT* conts) {
-    if (CheckLDActive(contNo, ldNo, conts) != kLdChecking)
+Outcome stopCheck(Controller ctrl, unsigned char ldNo) {
+    if (CheckLDActive(ctrl.contNo, ldNo, ctrl.conts) != kLdChecking)
         return Outcome::Failed;
-    return outcomeOf(SLCancelCheckConsistency(contNo, ldNo), "CliCmdExecLDCC", "SLCancelCheckConsistency error", contNo,
-                     ldNo);
+    return outcomeOf(SLCancelCheckConsistency(ctrl.contNo, ldNo), "CliCmdExecLDCC", "SLCancelCheckConsistency error",
+                     ctrl.contNo, ldNo);
 }
 
-Outcome startInit(unsigned char contNo, unsigned char ldNo, const _AFCONT* conts) {
-    const _MR_LD_INFO& ld = conts[contNo].ldInfo[ldNo];
-    if (CheckLDActive(contNo, ldNo, conts) != kLdIdle)
+Outcome startInit(Controller ctrl, unsigned char ldNo) {
+    const _MR_LD_INFO& ld = ctrl.ld(ldNo);
+    if (CheckLDActive(ctrl.contNo, ldNo, ctrl.conts) != kLdIdle)
         return Outcome::Failed;
-    if (IsOSInstallLD(contNo, ldNo, conts) != 0) {
+    if (IsOSInstallLD(ctrl.contNo, ldNo, ctrl.conts) != 0) {
         CliLogging(kPrintAndLog, kLdSource, __LINE__, "Error - Cannot initialize OS LD(Logical Drive).");
         return Outcome::PassedOver;
     }
     if (ld.config.cacheCade != 0) {
         CliLogging(kPrintAndLog, kLdSource, __LINE__,
-                   "Error - Controller[%d] CacheCade LD[s](Logical Drive[s]) %d doesn't need Initialization.", contNo,
-                   ldNo);
+                   "Error - Controller[%d] CacheCade LD[s](Logical Drive[s]) %d doesn't need Initialization.",
+                   ctrl.contNo, ldNo);
         return Outcome::PassedOver;
     }
     if (isSnapshotLd(ld)) {
         CliLogging(kPrintAndLog, kLdSource, __LINE__,
                    "Error - Controller[%d] Snapshot Base/Repository LD[s](Logical Drive[s]) %d doesn't need "
                    "Initialization.",
-                   contNo, ldNo);
+                   ctrl.contNo, ldNo);
         return Outcome::PassedOver;
     }
-    return outcomeOf(SLStartInitialization(contNo, ldNo), "CliCmdExecLDINIT", "SLStartInitialization error", contNo,
-                     ldNo);
+    return outcomeOf(SLStartInitialization(ctrl.contNo, ldNo), "CliCmdExecLDINIT", "SLStartInitialization error",
+                     ctrl.contNo, ldNo);
 }
 
-Outcome stopInit(unsigned char contNo, unsigned char ldNo, const _AFCONT* conts) {
-    if (CheckLDActive(contNo, ldNo, conts) != kLdInitializing)
+Outcome stopInit(Controller ctrl, unsigned char ldNo) {
+    if (CheckLDActive(ctrl.contNo, ldNo, ctrl.conts) != kLdInitializing)
         return Outcome::Failed;
-    return outcomeOf(SLCancelInitialization(contNo, ldNo), "CliCmdExecLDINIT", "SLCancelInitialization error", contNo,
-                     ldNo);
+    return outcomeOf(SLCancelInitialization(ctrl.contNo, ldNo), "CliCmdExecLDINIT", "SLCancelInitialization error",
+                     ctrl.contNo, ldNo);
 }
 
 // "Check Consistency" in the failure lines against "Consistency Check" in the others, and the line ends that differ,
@@ -106,23 +106,22 @@ void sayFailed(const Operation& operation, unsigned char contNo, const NumberLis
                    contNo, operation.failed, lds.c_str(), operation.advice);
 }
 
-void performOnController(const Operation& operation, unsigned char contNo, std::span<const unsigned char> lds,
-                         const _AFCONT* conts) {
+void performOnController(const Operation& operation, Controller ctrl, std::span<const unsigned char> lds) {
     NumberList done;
     NumberList failed;
     bool saidRaid0 = false;
     for (const unsigned char ldNo : lds) {
-        const Outcome outcome = operation.perform(contNo, ldNo, conts);
+        const Outcome outcome = operation.perform(ctrl, ldNo);
         if (outcome == Outcome::FailedOnRaid0 && !std::exchange(saidRaid0, true))
             CliLogging(kPrintAndLog, kLdSource, __LINE__, "Error - Controller[%d] Cannot Check Consistency for RAID0.",
-                       contNo);
+                       ctrl.contNo);
         if (outcome == Outcome::Done)
             done.add(ldNo);
         else if (outcome != Outcome::PassedOver)
             failed.add(ldNo);
     }
-    sayDone(operation, contNo, done);
-    sayFailed(operation, contNo, failed);
+    sayDone(operation, ctrl.contNo, done);
+    sayFailed(operation, ctrl.contNo, failed);
 }
 
 int runOperation(const Operation& start, const Operation& stop, int argc, char** argv, const _AFCONT* conts,
@@ -134,7 +133,7 @@ int runOperation(const Operation& start, const Operation& stop, int argc, char**
     getAdpLdArray(options.ctrls, options.lds, selection, conts);
     for (const unsigned char contNo : selectedControllers(options.ctrls, contCount)) {
         const SelectedLds lds = selectedLds(selection, contNo);
-        performOnController(options.has(kStart) ? start : stop, contNo, lds.list(), conts);
+        performOnController(options.has(kStart) ? start : stop, {contNo, conts}, lds.list());
     }
     return 0;
 }

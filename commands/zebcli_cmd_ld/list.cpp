@@ -21,15 +21,6 @@ constexpr OptionTable kOptions = ldOptions({});
 constexpr std::uint64_t kFreeSpaceFloor = 4; // MB per drive
 constexpr unsigned kBlocksToMbShift = 11;
 
-/// What the report of one controller is about.
-struct ReportContext {
-    unsigned char contNo;
-    const _AFCONT* conts;
-    bool withSummary;
-
-    const _AFCONT& cont() const { return conts[contNo]; }
-};
-
 std::span<const std::uint8_t> ldsOf(const _SL_ARRAY_INFO_T& group) {
     return {group.ldTargetId, std::min<std::size_t>(group.ldCount, std::size(group.ldTargetId))};
 }
@@ -50,18 +41,17 @@ std::span<const _SL_ARRAY_INFO_T> findGroup(const _AFCONT& cont, unsigned ldNo) 
     return {};
 }
 
-double ldCapacity(const ReportContext& context, const _MR_LD_CONFIG& ld) {
-    return blocksToGb(GetLDSize(&ld, context.contNo));
+double ldCapacity(Controller ctrl, const _MR_LD_CONFIG& ld) {
+    return blocksToGb(GetLDSize(&ld, ctrl.contNo));
 }
 
-void addFreeSpace(Report& report, const ReportContext& context, const _SL_ARRAY_INFO_T& group,
-                  const _MR_LD_CONFIG& ld) {
+void addFreeSpace(Report& report, Controller ctrl, const _SL_ARRAY_INFO_T& group, const _MR_LD_CONFIG& ld) {
     const unsigned short drives = driveCountOf(ld);
     const unsigned segments = std::min<unsigned>(group.freeCount, kMaxFreeSegments);
     if (segments == 0)
         report.add("     Free Space          : 0.000GB");
     for (unsigned i = 0; i < segments; ++i) {
-        std::uint64_t capacity = CalcLDCapa(SLTransLateRAIDLvl(&ld), drives, group.freeSegment[i].size, context.contNo);
+        std::uint64_t capacity = CalcLDCapa(SLTransLateRAIDLvl(&ld), drives, group.freeSegment[i].size, ctrl.contNo);
         if ((capacity >> kBlocksToMbShift) <= kFreeSpaceFloor * drives)
             capacity = 0;
         if (i == 0)
@@ -71,36 +61,34 @@ void addFreeSpace(Report& report, const ReportContext& context, const _SL_ARRAY_
     }
 }
 
-void reportSummary(Report& report, const ReportContext& context, const _SL_ARRAY_INFO_T& group,
-                   const _MR_LD_CONFIG& ld) {
+void reportSummary(Report& report, Controller ctrl, const _SL_ARRAY_INFO_T& group, const _MR_LD_CONFIG& ld) {
     char name[kTextSize];
-    mkRaidGroupArrayStr(context.contNo, context.conts, ld.span[0].arrayRef, name);
+    mkRaidGroupArrayStr(ctrl.contNo, ctrl.conts, ld.span[0].arrayRef, name);
     report.add("%s", name);
     report.add("\n     # of LD             : %d\r\n", static_cast<int>(ldsOf(group).size()));
     report.add("     Total Capacity      : %0.3fGB\r\n", blocksToGb(group.totalSize));
-    addFreeSpace(report, context, group, ld);
+    addFreeSpace(report, ctrl, group, ld);
     report.emit();
 }
 
 /// One line for an LD, behind the given lead.
-void addLdLine(Report& report, const ReportContext& context, const char* lead, unsigned ldNo) {
-    const _MR_LD_CONFIG& ld = context.cont().ldInfo[ldNo].config;
+void addLdLine(Report& report, Controller ctrl, const char* lead, unsigned ldNo) {
+    const _MR_LD_CONFIG& ld = ctrl.ld(ldNo).config;
     char state[kTextSize];
-    mkLDStateStr(context.contNo, context.conts, &ld, state);
+    mkLDStateStr(ctrl.contNo, ctrl.conts, &ld, state);
     char capacity[32];
-    wsprintf(capacity, "%0.3fGB", ldCapacity(context, ld));
+    wsprintf(capacity, "%0.3fGB", ldCapacity(ctrl, ld));
     report.add("%sLD%u (%s, %s, %s)\r\n", lead, ldNo, fieldText(ld.properties.name).c_str(), capacity, state);
 }
 
 /// The facts of the group are those of its LD `found`, the rest are settings of the LD `reported`.
-void addGeneral(Report& report, const ReportContext& context, const _MR_LD_CONFIG& found,
-                const _MR_LD_CONFIG& reported) {
+void addGeneral(Report& report, Controller ctrl, const _MR_LD_CONFIG& found, const _MR_LD_CONFIG& reported) {
     char name[kTextSize];
-    mkRaidGroupArrayStr(context.contNo, context.conts, found.span[0].arrayRef, name);
+    mkRaidGroupArrayStr(ctrl.contNo, ctrl.conts, found.span[0].arrayRef, name);
     // The tab in the heading and the bare "\n" behind the group's name are deliberate: scripts read them so.
     report.add("%s\r\n", "### General Information\t###");
     report.add("%s                   : %s\n", "RG No.", name);
-    report.add("%s               : %s\r\n", "RAID Level", raidLevelText(SLTransLateRAIDLvl(&found), context.contNo));
+    report.add("%s               : %s\r\n", "RAID Level", raidLevelText(SLTransLateRAIDLvl(&found), ctrl.contNo));
     if (reported.cacheCade == 0)
         report.add("%s              : %s\r\n", "Stripe Size",
                    settingLabel(supportedStripeSizes(), reported.stripeSize));
@@ -111,14 +99,14 @@ void addGeneral(Report& report, const ReportContext& context, const _MR_LD_CONFI
 }
 
 /// The LDs that a CacheCade LD serves: those with cached IO.
-void addAssociatedLds(Report& report, const ReportContext& context) {
+void addAssociatedLds(Report& report, Controller ctrl) {
     report.add("%s  :\r\n", "Associated CacheCade LD");
-    for (const _MR_LD_LIST_ENTRY& entry : ldEntries(context.cont())) {
+    for (const _MR_LD_LIST_ENTRY& entry : ldEntries(ctrl.cont())) {
         if (entry.targetId >= kMaxLds)
             continue;
-        const _MR_LD_CONFIG& ld = context.cont().ldInfo[entry.targetId].config;
+        const _MR_LD_CONFIG& ld = ctrl.ld(entry.targetId).config;
         if (ld.cacheCade == 0 && (ld.properties.defaultCachePolicy & kIoPolicyMask) == kCachedIo)
-            addLdLine(report, context, "  ", entry.targetId);
+            addLdLine(report, ctrl, "  ", entry.targetId);
     }
 }
 
@@ -141,8 +129,8 @@ void addSettings(Report& report, const _MR_LD_PROPERTIES& properties) {
                settingLabel(supportedWritePolicies(), defaultPolicy & kWritePolicyMask));
 }
 
-void reportDrive(Report& report, const ReportContext& context, const _SL_ARRAY_INFO_T& span, unsigned char slotNo) {
-    const _MR_PD_INFO& pd = context.cont().pdInfo[slotNo];
+void reportDrive(Report& report, Controller ctrl, const _SL_ARRAY_INFO_T& span, unsigned char slotNo) {
+    const _MR_PD_INFO& pd = ctrl.pd(slotNo);
     char text[kTextSize];
     report.add(">>PD%u (LD%u", slotNo, span.ldTargetId[0]);
     for (const std::uint8_t ldNo : ldsOf(span).subspan(std::min<std::size_t>(span.ldCount, 1)))
@@ -160,17 +148,17 @@ void reportDrive(Report& report, const ReportContext& context, const _SL_ARRAY_I
     report.emit();
 }
 
-void reportGroup(Report& report, const ReportContext& context, std::span<const _SL_ARRAY_INFO_T> groups,
-                 unsigned foundLd, unsigned reportedLd) {
+void reportGroup(Report& report, Controller ctrl, std::span<const _SL_ARRAY_INFO_T> groups, unsigned foundLd,
+                 unsigned reportedLd) {
     for (const std::uint8_t ldNo : ldsOf(groups.front()))
         if (ldNo < kMaxLds)
-            addLdLine(report, context, ">", ldNo);
+            addLdLine(report, ctrl, ">", ldNo);
     static constexpr _MR_LD_CONFIG kAbsent{};
-    const _MR_LD_CONFIG& found = context.cont().ldInfo[foundLd].config;
-    const _MR_LD_CONFIG& reported = reportedLd < kMaxLds ? context.cont().ldInfo[reportedLd].config : kAbsent;
-    addGeneral(report, context, found, reported);
+    const _MR_LD_CONFIG& found = ctrl.ld(foundLd).config;
+    const _MR_LD_CONFIG& reported = reportedLd < kMaxLds ? ctrl.ld(reportedLd).config : kAbsent;
+    addGeneral(report, ctrl, found, reported);
     if (reported.cacheCade != 0)
-        addAssociatedLds(report, context);
+        addAssociatedLds(report, ctrl);
     addSettings(report, reported.properties);
     report.emit();
     report.add("%s\r\n", "### PD Information ###");
@@ -178,29 +166,29 @@ void reportGroup(Report& report, const ReportContext& context, std::span<const _
     for (const _SL_ARRAY_INFO_T& span : groups.first(spans))
         for (const _MR_ARRAY_PD& drive : drivesOf(span))
             if (drive.ref.deviceId != kNoDevice)
-                reportDrive(report, context, span, drive.slotNo);
+                reportDrive(report, ctrl, span, drive.slotNo);
 }
 
 /// Reports each group that holds a selected LD once. The settings shown are those of the LD that stands as many numbers
 /// behind the one found as the group has further LDs; with LDs numbered in a row that is the group's last one.
 /// Deliberate.
-void reportController(const ReportContext& context, const LdSelection& selection) {
-    SetSupportWritePolicy(context.contNo, context.conts);
-    SetSupportStripeSize(context.contNo, context.conts);
-    CliLogging(kPrint, kLdSource, __LINE__, "\nRAID Controller: %d\n", context.contNo);
-    if (selectedLds(selection, context.contNo).count == 0)
+void reportController(Controller ctrl, bool withSummary, const LdSelection& selection) {
+    SetSupportWritePolicy(ctrl.contNo, ctrl.conts);
+    SetSupportStripeSize(ctrl.contNo, ctrl.conts);
+    CliLogging(kPrint, kLdSource, __LINE__, "\nRAID Controller: %d\n", ctrl.contNo);
+    if (selectedLds(selection, ctrl.contNo).count == 0)
         return;
     Report report;
     for (unsigned ldNo = 0; ldNo < kMaxLds; ++ldNo) {
-        const auto groups = selection[context.contNo][ldNo] != kNoTarget ? findGroup(context.cont(), ldNo)
-                                                                         : std::span<const _SL_ARRAY_INFO_T>{};
+        const auto groups = selection[ctrl.contNo][ldNo] != kNoTarget ? findGroup(ctrl.cont(), ldNo)
+                                                                      : std::span<const _SL_ARRAY_INFO_T>{};
         if (groups.empty())
             continue;
-        if (context.withSummary)
-            reportSummary(report, context, groups.front(), context.cont().ldInfo[ldNo].config);
+        if (withSummary)
+            reportSummary(report, ctrl, groups.front(), ctrl.ld(ldNo).config);
         const unsigned foundLd = ldNo;
         ldNo += static_cast<unsigned>(ldsOf(groups.front()).size()) - 1U;
-        reportGroup(report, context, groups, foundLd, ldNo);
+        reportGroup(report, ctrl, groups, foundLd, ldNo);
     }
     report.emit();
 }
@@ -215,6 +203,6 @@ int CliCmdExecLDInfo(int argc, char** argv, _AFCONT* conts, int contCount) {
     LdSelection selection{};
     getAdpLdArray(options.ctrls, options.lds, selection, conts);
     for (const unsigned char contNo : selectedControllers(options.ctrls, contCount))
-        reportController({contNo, conts, !options.ldGiven}, selection);
+        reportController({contNo, conts}, !options.ldGiven, selection);
     return 0;
 }

@@ -20,31 +20,31 @@ namespace {
 constexpr char kNone[] = "-";
 constexpr unsigned kErrInfoSize = 32;
 
-void printLd(unsigned char contNo, unsigned char ldNo, const _AFCONT* conts) {
-    const _MR_LD_INFO& ld = conts[contNo].ldInfo[ldNo];
+void printLd(Controller ctrl, unsigned char ldNo) {
+    const _MR_LD_INFO& ld = ctrl.ld(ldNo);
     char name[8];
     wsprintf(name, "LD%d", ldNo);
     char state[kTextSize];
-    mkLDStateStr(contNo, conts, &ld.config, state);
+    mkLDStateStr(ctrl.contNo, ctrl.conts, &ld.config, state);
     char progress[kTextSize];
     mkLDProgressStr(&ld.progress, progress);
     char errInfo[kErrInfoSize];
-    mkLDErrInfoStr(contNo, conts, ldNo, errInfo);
+    mkLDErrInfoStr(ctrl.contNo, ctrl.conts, ldNo, errInfo);
     std::printf("%-7s %-27s %-28s %-14s\r\n", name, state, progress, errInfo);
 }
 
-void printLds(unsigned char contNo, const _AFCONT* conts) {
+void printLds(Controller ctrl) {
     bool first = true;
-    for (const _MR_LD_LIST_ENTRY& entry : ldEntries(conts[contNo])) {
+    for (const _MR_LD_LIST_ENTRY& entry : ldEntries(ctrl.cont())) {
         if (entry.targetId >= kMaxLds)
             continue;
         if (first)
             std::printf("Controller : %d\r\n"
                         "\r\nLD No   State                       Progress                     ErrInfo\r\n"
                         "-------------------------------------------------------------------------------\r\n",
-                        contNo);
+                        ctrl.contNo);
         first = false;
-        printLd(contNo, entry.targetId, conts);
+        printLd(ctrl, entry.targetId);
     }
 }
 
@@ -54,10 +54,10 @@ void printRow(unsigned slot, const char* ld, const char* state, const char* type
     std::printf("%-6s %-17s %-18s %-4s %-28s\r\n", name, ld, state, type, progress);
 }
 
-void printPd(unsigned char contNo, unsigned char slotNo, const _AFCONT* conts) {
-    const _MR_PD_INFO& pd = conts[contNo].pdInfo[slotNo];
+void printPd(Controller ctrl, unsigned char slotNo) {
+    const _MR_PD_INFO& pd = ctrl.pd(slotNo);
     char ld[kTextSize];
-    mkLDAssignStr(contNo, conts, slotNo, ld);
+    mkLDAssignStr(ctrl.contNo, ctrl.conts, slotNo, ld);
     cutLdColumn(ld);
     char state[kTextSize];
     mkPDStateStr(pd.fwState, state);
@@ -68,21 +68,21 @@ void printPd(unsigned char contNo, unsigned char slotNo, const _AFCONT* conts) {
     printRow(slotNo, ld, state, type, progress);
 }
 
-void printPds(unsigned char contNo, const _AFCONT* conts) {
+void printPds(Controller ctrl) {
     std::uint16_t slots = 0;
-    if (SLGetSlotNum(contNo, &slots) != kSlSuccess) {
-        traceFailure({kLdSource, "CliCmdExecLDPDProg"}, "SLGetSlotNum error", contNo);
+    if (SLGetSlotNum(ctrl.contNo, &slots) != kSlSuccess) {
+        traceFailure({kLdSource, "CliCmdExecLDPDProg"}, "SLGetSlotNum error", ctrl.contNo);
         return;
     }
     std::array<unsigned char, kMaxSlots> present{};
-    GetDeviceFoundList(contNo, conts, present);
+    GetDeviceFoundList(ctrl.contNo, ctrl.conts, present);
     for (unsigned slot = 0; slot < std::min<unsigned>(slots, kMaxSlots); ++slot) {
         if (slot == 0)
             // The first line ends in "\n" alone, the second in "\r\n".
             std::printf("\r\nPD No  LD No             State              Type Progress\n"
                         "-----------------------------------------------------------------------------\r\n");
         if (present[slot] != 0)
-            printPd(contNo, static_cast<unsigned char>(slot), conts);
+            printPd(ctrl, static_cast<unsigned char>(slot));
         else
             printRow(slot, kNone, kNone, kNone, kNone);
     }
@@ -96,9 +96,9 @@ int CliCmdExecLDPDProg(int /*argc*/, char** /*argv*/, _AFCONT* conts, int contCo
     if (SLGetCtrlList(&list) != kSlSuccess)
         return 1;
     for (int i = 0; i < contCount; ++i) {
-        const auto contNo = static_cast<unsigned char>(i);
-        printLds(contNo, conts);
-        printPds(contNo, conts);
+        const Controller ctrl{static_cast<unsigned char>(i), conts};
+        printLds(ctrl);
+        printPds(ctrl);
     }
     return 0;
 }

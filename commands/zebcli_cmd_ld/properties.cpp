@@ -89,13 +89,13 @@ Policies makePolicies(const Options& options, const _MR_LD_PROPERTIES& current) 
             policyOr(options, kDiskCacheGroup, current.diskCachePolicy)};
 }
 
-bool controllerSupports(const Options& options, unsigned char contNo, const _AFCONT* conts) {
-    const std::uint32_t operations = conts[contNo].ctrlInfo.ldOperations;
+bool controllerSupports(const Options& options, Controller ctrl) {
+    const std::uint32_t operations = ctrl.cont().ctrlInfo.ldOperations;
     const auto lacks = [&](unsigned bits, std::uint32_t operation) {
         return options.has(bits) && (operations & operation) == 0;
     };
     return !lacks(kWb | kWbcb, kLdOpWritePolicy) && !lacks(kRa, kLdOpReadPolicy) && !lacks(kCached, kLdOpIoPolicy) &&
-           !(options.has(kWbcb) && IsCacheBkupPresent(conts, contNo) == 0);
+           !(options.has(kWbcb) && IsCacheBkupPresent(ctrl.conts, ctrl.contNo) == 0);
 }
 
 /// The checks and the questions before the first change. Returns false when the command is over.
@@ -106,7 +106,7 @@ bool mayChange(const Options& options, std::span<const unsigned char> controller
         return false;
     }
     for (const unsigned char contNo : controllers)
-        if (!controllerSupports(options, contNo, conts)) {
+        if (!controllerSupports(options, {contNo, conts})) {
             CliLogging(kPrintAndLog, kLdSource, __LINE__,
                        "Error - The specified parameter is not supported at the current configuration.");
             return false;

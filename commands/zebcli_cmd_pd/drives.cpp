@@ -22,13 +22,13 @@ namespace {
 constexpr OptionTable kOptions = pdOptions();
 constexpr TraceOrigin kOrigin{kPdSource, "CliCmdExecPDInfo"};
 
-void mkRoleStr(unsigned char contNo, unsigned char slotNo, const _AFCONT* conts, std::span<char> out) {
-    mkLDAssignStr(contNo, conts, slotNo, out);
+void mkRoleStr(Controller ctrl, unsigned char slotNo, std::span<char> out) {
+    mkLDAssignStr(ctrl.contNo, ctrl.conts, slotNo, out);
     if (std::string_view(out.data()) == "GHS") {
         strcat_s(out.data(), out.size(), ":Global Hot Spare");
     } else if (std::string_view(out.data()) == "DHS") {
         char groups[kTextSize];
-        mkRaidGroupStr(contNo, conts, slotNo, groups);
+        mkRaidGroupStr(ctrl.contNo, ctrl.conts, slotNo, groups);
         strcat_s(out.data(), out.size(), ":Dedicated Hot Spare, ");
         strcat_s(out.data(), out.size(), groups);
     }
@@ -55,10 +55,10 @@ void addSasAddresses(Report& report, const _MR_PD_INFO& pd) {
     }
 }
 
-void addGeneral(Report& report, unsigned char contNo, unsigned char slotNo, const _AFCONT* conts) {
-    const _MR_PD_INFO& pd = conts[contNo].pdInfo[slotNo];
+void addGeneral(Report& report, Controller ctrl, unsigned char slotNo) {
+    const _MR_PD_INFO& pd = ctrl.pd(slotNo);
     char text[kTextSize];
-    mkRoleStr(contNo, slotNo, conts, text);
+    mkRoleStr(ctrl, slotNo, text);
     report.add("%s%d(%s)\r\n", "PD", slotNo, text);
     report.add("%s\r\n", "### General Information ###");
     wsprintf(text, "%0.3f", blocksToGb(pd.coercedSize));
@@ -79,7 +79,7 @@ void addGeneral(Report& report, unsigned char contNo, unsigned char slotNo, cons
     mkPDSpeedStr(pd.linkSpeed, text);
     report.add("%s    : %s\r\n", "Negotiated Link Speed", text);
     addSasAddresses(report, pd);
-    addTemperature(report, contNo, slotNo);
+    addTemperature(report, ctrl.contNo, slotNo);
     mkPDPowerStateStr(pd.powerState, text);
     report.add("%s             : %s\r\n", "Power Status", text);
     report.add("%s           : %s\r\n", "Revision Level", fieldText(pd.inquiry.revision).c_str());
@@ -102,18 +102,18 @@ void addPlace(Report& report, const _MR_PD_INFO& pd) {
 }
 
 /// One block per drive. The heading of a controller carries its position in the list, not its number; deliberate.
-void reportController(int position, unsigned char contNo, std::span<const unsigned char> drives, const _AFCONT* conts) {
+void reportController(int position, Controller ctrl, std::span<const unsigned char> drives) {
     Report report;
     bool first = true;
     for (const unsigned char slotNo : drives) {
-        if (IsExistPD(contNo, slotNo, conts) == 0)
+        if (IsExistPD(ctrl.contNo, slotNo, ctrl.conts) == 0)
             continue;
         if (first)
             report.add("%s: %d\r\n\r\n", "RAID Controller", position);
         first = false;
-        addGeneral(report, contNo, slotNo, conts);
-        addErrors(report, conts[contNo].pdInfo[slotNo]);
-        addPlace(report, conts[contNo].pdInfo[slotNo]);
+        addGeneral(report, ctrl, slotNo);
+        addErrors(report, ctrl.pd(slotNo));
+        addPlace(report, ctrl.pd(slotNo));
         report.emit();
     }
 }
@@ -131,6 +131,6 @@ int CliCmdExecPDInfo(int argc, char** argv, _AFCONT* conts, int contCount) {
         return 1;
     int position = 0;
     for (const unsigned char contNo : selectedControllers(options.ctrls, contCount))
-        reportController(position++, contNo, listedDrives(options.pds), conts);
+        reportController(position++, {contNo, conts}, listedDrives(options.pds));
     return 0;
 }

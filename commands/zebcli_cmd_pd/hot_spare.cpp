@@ -41,12 +41,10 @@ enum class Outcome { Changed, PassedOver, EndCommand };
 
 /// One drive of one controller.
 struct Target {
-    unsigned char contNo;
+    Controller ctrl;
     unsigned char slotNo;
-    const _AFCONT* conts;
 
-    const _AFCONT& cont() const { return conts[contNo]; }
-    const _MR_PD_INFO& known() const { return cont().pdInfo[slotNo]; }
+    const _MR_PD_INFO& known() const { return ctrl.pd(slotNo); }
 };
 
 Outcome refuse(const char* message, int line = __builtin_LINE()) {
@@ -63,11 +61,11 @@ Outcome refuseRelease(int line = __builtin_LINE()) {
 }
 
 bool succeeded(std::uint32_t status, const char* text, const Target& target, int line = __builtin_LINE()) {
-    return succeededOnPd(status, kOrigin, text, target.contNo, target.slotNo, line);
+    return succeededOnPd(status, kOrigin, text, target.ctrl.contNo, target.slotNo, line);
 }
 
 bool readPd(const Target& target, _MR_PD_INFO& pd) {
-    return succeeded(SLGetPDInfo(target.contNo, target.slotNo, &pd), "SLGetPDInfo error", target);
+    return succeeded(SLGetPDInfo(target.ctrl.contNo, target.slotNo, &pd), "SLGetPDInfo error", target);
 }
 
 bool confirmed(unsigned char kind) {
@@ -81,15 +79,15 @@ bool anyKnownDrive(const Target& target, const _MR_ARRAY& array, Sink sink) {
     return std::any_of(drives.begin(), drives.end(), [&](const _MR_ARRAY_PD& drive) {
         unsigned char slotNo = 0;
         return drive.ref.deviceId != kNoDevice &&
-               GetSlotNo(target.contNo, drive.ref.deviceId, &slotNo, target.conts) != 0 &&
-               sink(target.cont().pdInfo[slotNo]);
+               GetSlotNo(target.ctrl.contNo, drive.ref.deviceId, &slotNo, target.ctrl.conts) != 0 &&
+               sink(target.ctrl.pd(slotNo));
     });
 }
 
 /// Whether a configured drive differs from the candidate in what is asked of both.
 template <class Property>
 bool differsFromConfigured(const Target& target, Property property) {
-    const auto arrays = arraysOf(target.cont());
+    const auto arrays = arraysOf(target.ctrl.cont());
     return std::any_of(arrays.begin(), arrays.end(), [&](const _MR_ARRAY& array) {
         return anyKnownDrive(target, array,
                              [&](const _MR_PD_INFO& pd) { return property(pd) != property(target.known()); });
@@ -109,12 +107,12 @@ Outcome makeGlobal(const Target& target) {
         return Outcome::EndCommand;
     if (differsFromConfigured(target, mediaOf) && !confirmed(kAskGhsMedia))
         return Outcome::EndCommand;
-    const auto arrays = arraysOf(target.cont());
+    const auto arrays = arraysOf(target.ctrl.cont());
     const bool tooSmall =
         std::any_of(arrays.begin(), arrays.end(), [&](const _MR_ARRAY& array) { return array.size > pd.coercedSize; });
     if (tooSmall && !confirmed(kAskGhsCapacity))
         return Outcome::EndCommand;
-    if (!succeeded(SLMakeGlobalHotspare(target.contNo, target.slotNo), "SLMakeGlobalHotspare error", target))
+    if (!succeeded(SLMakeGlobalHotspare(target.ctrl.contNo, target.slotNo), "SLMakeGlobalHotspare error", target))
         return refuseAssignment();
     return Outcome::Changed;
 }
@@ -123,8 +121,8 @@ void printGroups(const Target& target, const _RG_SEL_LIST_T& groups) {
     std::printf("RG No. RAID Level\n-----------------\n");
     for (const auto& group : std::span(groups.entry).first(groups.count)) {
         char name[kTextSize];
-        mkRaidGroupArrayStr(target.contNo, target.conts, group.arrayRef, name);
-        std::printf("%-7s%s\n", name, raidLevelText(group.level, target.contNo));
+        mkRaidGroupArrayStr(target.ctrl.contNo, target.ctrl.conts, group.arrayRef, name);
+        std::printf("%-7s%s\n", name, raidLevelText(group.level, target.ctrl.contNo));
     }
 }
 
@@ -167,8 +165,8 @@ bool isOfGroup(const _AFCONT& cont, const _MR_ARRAY& array, const _RG_SEL_LIST_T
 Outcome checkMatch(const Target& target, const _MR_PD_INFO& candidate, const _RG_SEL_LIST_T::Entry& group) {
     const _MR_PD_INFO* member = nullptr;
     std::uint64_t arraySize = 0;
-    for (const _MR_ARRAY& array : arraysOf(target.cont())) {
-        if (!isOfGroup(target.cont(), array, group))
+    for (const _MR_ARRAY& array : arraysOf(target.ctrl.cont())) {
+        if (!isOfGroup(target.ctrl.cont(), array, group))
             continue;
         arraySize = std::max<std::uint64_t>(arraySize, array.size);
         if (member == nullptr)
@@ -194,7 +192,7 @@ Outcome makeDedicated(const Target& target) {
     if (IsSoftwareRAID() != 0 || !readPd(target, pd) || pd.fwState != kPdUnconfiguredGood)
         return refuseAssignment();
     static _RG_SEL_LIST_T groups;
-    MakeRaidLvlList(target.contNo, target.conts, groups);
+    MakeRaidLvlList(target.ctrl.contNo, target.ctrl.conts, groups);
     if (groups.count == 0)
         return refuse("Error - Cannot create DHS(Dedicated Hot Spare) with no RAID Group.");
     printGroups(target, groups);
@@ -203,7 +201,7 @@ Outcome makeDedicated(const Target& target) {
         return Outcome::EndCommand;
     if (const Outcome outcome = checkMatch(target, pd, *group); outcome != Outcome::Changed)
         return outcome;
-    if (!succeeded(SLMakeDedicatedHotspare(target.contNo, target.slotNo, group->arrayRef),
+    if (!succeeded(SLMakeDedicatedHotspare(target.ctrl.contNo, target.slotNo, group->arrayRef),
                    "SLMakeDedicatedHotspare error", target))
         return refuseAssignment();
     return Outcome::Changed;
@@ -218,13 +216,13 @@ Outcome release(const Target& target, bool check) {
     bool ask = check;
     if ((pd.ddfType & kDdfGlobalSpare) != 0) {
         _MR_LD_LIST lds{};
-        if (!succeeded(SLGetLDList(target.contNo, &lds), "SLGetLDList error", target))
+        if (!succeeded(SLGetLDList(target.ctrl.contNo, &lds), "SLGetLDList error", target))
             return refuseAssignment();
         ask = check && lds.count > 0;
     }
     if (ask && !confirmed(kAskReleaseSpare))
         return Outcome::EndCommand;
-    if (!succeeded(SLRemoveHotspare(target.contNo, target.slotNo), "SLRemoveHotspare error", target))
+    if (!succeeded(SLRemoveHotspare(target.ctrl.contNo, target.slotNo), "SLRemoveHotspare error", target))
         return refuseRelease();
     return Outcome::Changed;
 }
@@ -236,10 +234,10 @@ Outcome change(const Target& target, const Options& options) {
 }
 
 /// Returns false when the whole command is over. What was changed stays changed then, without a line about it.
-bool changeOnController(unsigned char contNo, const Options& options, const _AFCONT* conts) {
+bool changeOnController(Controller ctrl, const Options& options) {
     NumberList changed;
     for (const unsigned char slotNo : listedDrives(options.pds)) {
-        const Outcome outcome = change({contNo, slotNo, conts}, options);
+        const Outcome outcome = change({ctrl, slotNo}, options);
         if (outcome == Outcome::EndCommand)
             return false;
         if (outcome == Outcome::Changed)
@@ -247,7 +245,7 @@ bool changeOnController(unsigned char contNo, const Options& options, const _AFC
     }
     if (!changed.empty())
         CliLogging(kPrint, kPdSource, __LINE__,
-                   "Information - Controller[%d] Settings have been changed PD(Physical Drive) %s.", contNo,
+                   "Information - Controller[%d] Settings have been changed PD(Physical Drive) %s.", ctrl.contNo,
                    changed.c_str());
     return true;
 }
@@ -260,7 +258,7 @@ int CliCmdExecPDHSP(int argc, char** argv, _AFCONT* conts, int contCount) {
     if (!parsePdCommand(kOptions, isComplete, argc, argv, contCount, conts, options))
         return 1;
     for (const unsigned char contNo : selectedControllers(options.ctrls, contCount))
-        if (!changeOnController(contNo, options, conts))
+        if (!changeOnController({contNo, conts}, options))
             return 1;
     return 0;
 }

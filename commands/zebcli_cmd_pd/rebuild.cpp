@@ -34,7 +34,8 @@ void trace(const char* text, unsigned char contNo, unsigned char slotNo, int lin
                 slotNo);
 }
 
-void rebuildDrive(unsigned char contNo, unsigned char slotNo, const _AFCONT* conts, RebuildResult& result) {
+void rebuildDrive(Controller ctrl, unsigned char slotNo, RebuildResult& result) {
+    const unsigned char contNo = ctrl.contNo;
     const auto fail = [&](int line) {
         trace("SLStartRebuild error", contNo, slotNo, line);
         result.failed.add(slotNo);
@@ -44,7 +45,7 @@ void rebuildDrive(unsigned char contNo, unsigned char slotNo, const _AFCONT* con
         fail(__LINE__);
         return;
     }
-    if (GetRaidLvlFromPD(contNo, slotNo, conts) == kRaid0) {
+    if (GetRaidLvlFromPD(contNo, slotNo, ctrl.conts) == kRaid0) {
         CliLogging(kPrintAndLog, nullptr, 0, "Error - Cannot Rebuild/Copyback for RAID0.");
         return;
     }
@@ -62,19 +63,19 @@ void rebuildDrive(unsigned char contNo, unsigned char slotNo, const _AFCONT* con
         fail(__LINE__);
 }
 
-void rebuildOnController(unsigned char contNo, const PdList& pds, const _AFCONT* conts) {
+void rebuildOnController(Controller ctrl, const PdList& pds) {
     RebuildResult result;
     for (const unsigned char slotNo : listedDrives(pds))
-        rebuildDrive(contNo, slotNo, conts, result);
+        rebuildDrive(ctrl, slotNo, result);
     if (!result.started.empty())
         CliLogging(kPrint, kPdSource, __LINE__,
-                   "Information - Controller[%d] Start Manual Rebuild on PD(Physical Drive) %s.", contNo,
+                   "Information - Controller[%d] Start Manual Rebuild on PD(Physical Drive) %s.", ctrl.contNo,
                    result.started.c_str());
     if (!result.failed.empty())
         CliLogging(kPrintAndLog, kPdSource, __LINE__,
                    "Error - Controller[%d] Failed to start Manual Rebuild on PD(Physical Drive) %s.\n"
                    "Please confirm LD(Logical Drive) state.",
-                   contNo, result.failed.c_str());
+                   ctrl.contNo, result.failed.c_str());
 }
 
 } // namespace
@@ -85,6 +86,6 @@ int CliCmdExecPDRbld(int argc, char** argv, _AFCONT* conts, int contCount) {
     if (!parsePdCommand(kOptions, isComplete, argc, argv, contCount, conts, options))
         return 1;
     for (const unsigned char contNo : selectedControllers(options.ctrls, contCount))
-        rebuildOnController(contNo, options.pds, conts);
+        rebuildOnController({contNo, conts}, options.pds);
     return 0;
 }

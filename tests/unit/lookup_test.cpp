@@ -12,7 +12,7 @@ constexpr unsigned char kCont = SnapshotModel::kCont;
 using Slots = std::vector<int>;
 
 Slots slotsOf(unsigned char ldNo, const _AFCONT* conts) {
-    const PdsInLd pds = pdsInLd(kCont, ldNo, conts);
+    const PdsInLd pds = pdsInLd({kCont, conts}, ldNo);
     return {pds.list().begin(), pds.list().end()};
 }
 

@@ -46,9 +46,9 @@ bool rowHas(unsigned drives, ZEB_RAID_LVL level) {
     return std::find(levels.begin(), levels.end(), level) != levels.end();
 }
 
-void markRow(unsigned drives, LevelMarks& marks, const _AFCONT* conts, unsigned char contNo) {
+void markRow(unsigned drives, LevelMarks& marks, Controller ctrl) {
     for (const ZEB_RAID_LVL level : patternLevels(drives))
-        if (IsSupportRaidLvl(level, conts, contNo) != 0)
+        if (IsSupportRaidLvl(level, ctrl.conts, ctrl.contNo) != 0)
             marks[level] = true;
 }
 
@@ -66,13 +66,11 @@ void sortByPriority(const LevelOrder& order, _raidConstructInfoT& list) {
 
 /// Whether any unconfigured drive differs from the first in what is asked of it.
 template <class Property>
-int isMixed(const _AFCONT* conts, unsigned char contNo, Property property) {
+int isMixed(Controller ctrl, Property property) {
     const auto drives = std::span(unconfiguredPdList).first(std::min(unconfiguredPds, kMaxSlots));
-    return std::any_of(drives.begin(), drives.end(),
-                       [&](unsigned char slotNo) {
-                           return property(conts[contNo].pdInfo[slotNo]) !=
-                                  property(conts[contNo].pdInfo[drives.front()]);
-                       })
+    return std::any_of(
+               drives.begin(), drives.end(),
+               [&](unsigned char slotNo) { return property(ctrl.pd(slotNo)) != property(ctrl.pd(drives.front())); })
                ? 1
                : 0;
 }
@@ -148,7 +146,7 @@ void getRaidConstructInfo(unsigned mode, unsigned drives, _raidConstructInfoT& o
     const unsigned last = std::min(mode == 1 ? drives : beyondMode, kPatternRows);
     const unsigned first = mode == 1 ? std::max(drives - 1, 1U) : 1;
     for (unsigned n = first; n <= last; ++n)
-        markRow(n, marks, conts, contNo);
+        markRow(n, marks, {contNo, conts});
     listMarked(marks, out);
     RaidLvlSort(out);
 }
@@ -160,7 +158,7 @@ void getOtherRaidConstructInfo(ZEB_RAID_LVL firstLevel, unsigned drives, _raidCo
     for (unsigned k = 1; k < drives; ++k)
         if (isRaidConstructOk(drives - k, firstLevel, conts, contNo) != 0)
             for (unsigned spares = 0; spares <= kMostSpares && spares < k; ++spares)
-                markRow(k - spares, marks, conts, contNo);
+                markRow(k - spares, marks, {contNo, conts});
     listMarked(marks, out);
     if (snapshot)
         RaidLvlSortForSnapshot(out);
@@ -186,9 +184,9 @@ void RaidLvlSortForSnapshot(_raidConstructInfoT& list) {
 }
 
 int IsMixedInterfacePD(const _AFCONT* conts, unsigned char contNo) {
-    return isMixed(conts, contNo, interfaceOf);
+    return isMixed({contNo, conts}, interfaceOf);
 }
 
 int IsMixedMediaTypePD(const _AFCONT* conts, unsigned char contNo) {
-    return isMixed(conts, contNo, mediaOf);
+    return isMixed({contNo, conts}, mediaOf);
 }

@@ -26,14 +26,13 @@ bool isUnconfigured(unsigned char slotNo) {
     return std::find(listed.begin(), listed.end(), slotNo) != listed.end();
 }
 
-const char* levelColumn(std::string_view ldColumn, std::string_view group, unsigned char contNo, unsigned char slotNo,
-                        const _AFCONT* conts) {
+const char* levelColumn(std::string_view ldColumn, std::string_view group, Controller ctrl, unsigned char slotNo) {
     static constexpr std::string_view kSpares[] = {"GHS", "DHS", "* GHS", "* DHS"};
     if (std::find(std::begin(kSpares), std::end(kSpares), ldColumn) != std::end(kSpares))
         return kNone;
     if (group.starts_with("scRG"))
         return "RAID0";
-    return raidLevelText(GetRaidLvlFromPD(contNo, slotNo, conts), contNo);
+    return raidLevelText(GetRaidLvlFromPD(ctrl.contNo, slotNo, ctrl.conts), ctrl.contNo);
 }
 
 void printRow(const char* pd, const char* ld, const char* group, const char* level, const char* state, const char* type,
@@ -42,22 +41,22 @@ void printRow(const char* pd, const char* ld, const char* group, const char* lev
                capacity);
 }
 
-void printDrive(const char* name, unsigned char contNo, unsigned char slotNo, const _AFCONT* conts) {
-    const _MR_PD_INFO& pd = conts[contNo].pdInfo[slotNo];
+void printDrive(const char* name, Controller ctrl, unsigned char slotNo) {
+    const _MR_PD_INFO& pd = ctrl.pd(slotNo);
     ColumnText assign;
-    mkLDAssignStr(contNo, conts, slotNo, assign);
+    mkLDAssignStr(ctrl.contNo, ctrl.conts, slotNo, assign);
     char ld[kTextSize + 2];
     wsprintf(ld, "%s%s", isUnconfigured(slotNo) ? "* " : "", assign);
     cutLdColumn(ld);
     ColumnText group;
-    mkRaidGroupStr(contNo, conts, slotNo, group);
+    mkRaidGroupStr(ctrl.contNo, ctrl.conts, slotNo, group);
     ColumnText state;
     mkPDStateStr(pd.fwState, state);
     ColumnText type;
     mkMediaTypeStr(&pd, type);
     char capacity[32];
     wsprintf(capacity, "%0.3f", blocksToGb(pd.coercedSize));
-    printRow(name, ld, group, levelColumn(ld, group, contNo, slotNo, conts), state, type, capacity);
+    printRow(name, ld, group, levelColumn(ld, group, ctrl, slotNo), state, type, capacity);
 }
 
 int controllerCount() {
@@ -92,7 +91,7 @@ void SetSelectHDDList(const _SL_CREATE_LD_INFO_T* /*plan*/, _AFCONT* conts, unsi
         char name[8];
         wsprintf(name, "PD%d", static_cast<int>(slot));
         if (present[slot] != 0)
-            printDrive(name, contNo, static_cast<unsigned char>(slot), conts);
+            printDrive(name, {contNo, conts}, static_cast<unsigned char>(slot));
         else
             printRow(name, kNone, kNone, kNone, kNone, kNone, kNone);
     }

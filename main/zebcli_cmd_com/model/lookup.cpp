@@ -12,12 +12,12 @@ namespace {
 constexpr unsigned kMediaMask = 0x0F;
 
 /// The information of the drive that the given one copies back with, null when there is none.
-const _MR_PD_INFO* copybackPartner(unsigned char contNo, unsigned char slotNo, const _AFCONT* conts) {
-    const std::uint16_t deviceId = conts[contNo].pdInfo[slotNo].copybackPartner;
+const _MR_PD_INFO* copybackPartner(Controller ctrl, unsigned char slotNo) {
+    const std::uint16_t deviceId = ctrl.pd(slotNo).copybackPartner;
     unsigned char partnerSlot = 0;
-    if (deviceId == kNoDevice || GetSlotNo(contNo, deviceId, &partnerSlot, conts) == 0)
+    if (deviceId == kNoDevice || GetSlotNo(ctrl.contNo, deviceId, &partnerSlot, ctrl.conts) == 0)
         return nullptr;
-    return &conts[contNo].pdInfo[partnerSlot];
+    return &ctrl.pd(partnerSlot);
 }
 
 } // namespace
@@ -80,9 +80,9 @@ void GetPDInLD(unsigned char contNo, unsigned char ldNo, std::array<unsigned cha
         }
 }
 
-PdsInLd pdsInLd(unsigned char contNo, unsigned char ldNo, const _AFCONT* conts) {
+PdsInLd pdsInLd(Controller ctrl, unsigned char ldNo) {
     PdsInLd pds{};
-    GetPDInLD(contNo, ldNo, pds.slots, &pds.count, conts);
+    GetPDInLD(ctrl.contNo, ldNo, pds.slots, &pds.count, ctrl.conts);
     return pds;
 }
 
@@ -94,7 +94,7 @@ int CheckLDActive(unsigned char contNo, unsigned char ldNo, const _AFCONT* conts
         return kLdInitializing;
     if ((active & kLdProgCheck) != 0)
         return kLdChecking;
-    const PdsInLd pds = pdsInLd(contNo, ldNo, conts);
+    const PdsInLd pds = pdsInLd({contNo, conts}, ldNo);
     for (const unsigned char slotNo : pds.list()) {
         if (conts[contNo].pdInfo[slotNo].fwState == kPdRebuild)
             return kLdRebuilding;
@@ -105,7 +105,7 @@ int CheckLDActive(unsigned char contNo, unsigned char ldNo, const _AFCONT* conts
 }
 
 int HddIsDuringCopyBack(unsigned char contNo, unsigned char slotNo, const _AFCONT* conts) {
-    const _MR_PD_INFO* partner = copybackPartner(contNo, slotNo, conts);
+    const _MR_PD_INFO* partner = copybackPartner({contNo, conts}, slotNo);
     return partner != nullptr && partner->fwState == kPdCopyback ? 1 : 0;
 }
 

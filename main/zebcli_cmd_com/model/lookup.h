@@ -34,7 +34,7 @@ struct PdsInLd {
     std::span<const unsigned char> list() const& { return std::span(slots).first(count); }
     std::span<const unsigned char> list() const&& = delete; // it would outlive its slots
 };
-PdsInLd pdsInLd(unsigned char contNo, unsigned char ldNo, const _AFCONT* conts);
+PdsInLd pdsInLd(Controller ctrl, unsigned char ldNo);
 
 /// Answers of CheckLDActive.
 enum LdActivity { kLdIdle = 0, kLdInitializing = 1, kLdChecking = 2, kLdRebuilding = 3, kLdCopyingBack = 4 };

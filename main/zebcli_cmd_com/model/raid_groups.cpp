@@ -26,19 +26,19 @@ const _MR_SPARE* spareOf(const _AFCONT& cont, std::uint16_t deviceId) {
 }
 
 /// The groups that a spare serves, each once, in the spare's order.
-void mkServedGroupsStr(unsigned char contNo, const _AFCONT* conts, const _MR_SPARE& spare, std::span<char> out) {
+void mkServedGroupsStr(Controller ctrl, const _MR_SPARE& spare, std::span<char> out) {
     std::array<std::array<bool, kMaxArrays>, 2> named{}; // CacheCade groups are counted apart
     for (unsigned i = 0; i < std::min<std::size_t>(spare.arrayCount, std::size(spare.arrayRef)); ++i) {
         const std::uint16_t arrayRef = spare.arrayRef[i];
-        if (arrayRef >= kMaxArrays || conts[contNo].rgNoList.entry[arrayRef].known == 0)
+        if (arrayRef >= kMaxArrays || ctrl.cont().rgNoList.entry[arrayRef].known == 0)
             continue;
-        const auto& group = conts[contNo].rgNoList.entry[arrayRef];
+        const auto& group = ctrl.cont().rgNoList.entry[arrayRef];
         bool& alreadyNamed = named[group.cacheCade != 0 ? 1 : 0][group.groupNo % kMaxArrays];
         if (alreadyNamed)
             continue;
         alreadyNamed = true;
         char name[kRgNameSize];
-        mkRaidGroupArrayStr(contNo, conts, arrayRef, name);
+        mkRaidGroupArrayStr(ctrl.contNo, ctrl.conts, arrayRef, name);
         strcat_s(out.data(), out.size(), out.front() == '\0' ? "" : ", ");
         strcat_s(out.data(), out.size(), name);
     }
@@ -71,12 +71,12 @@ std::span<const _MR_ARRAY_PD> drivesOf(const _MR_ARRAY& array) {
     return {array.pd, std::min<std::size_t>(array.numDrives, kMaxArrayDrives)};
 }
 
-const _MR_ARRAY* arrayOfPd(unsigned char contNo, unsigned char slotNo, const _AFCONT* conts) {
+const _MR_ARRAY* arrayOfPd(Controller ctrl, unsigned char slotNo) {
     unsigned short deviceId = 0;
-    if (GetDeviceId(contNo, conts, slotNo, &deviceId) == 0)
+    if (GetDeviceId(ctrl.contNo, ctrl.conts, slotNo, &deviceId) == 0)
         return nullptr;
     const _MR_ARRAY* holder = nullptr;
-    for (const _MR_ARRAY& array : arraysOf(conts[contNo])) {
+    for (const _MR_ARRAY& array : arraysOf(ctrl.cont())) {
         const auto drives = drivesOf(array);
         if (std::any_of(drives.begin(), drives.end(),
                         [&](const _MR_ARRAY_PD& drive) { return drive.ref.deviceId == deviceId; }))
@@ -95,7 +95,7 @@ const _MR_LD_CONFIG* ldOnArray(const _AFCONT& cont, std::uint16_t arrayRef) {
 }
 
 ZEB_RAID_LVL GetRaidLvlFromPD(unsigned char contNo, unsigned char slotNo, const _AFCONT* conts) {
-    const _MR_ARRAY* array = arrayOfPd(contNo, slotNo, conts);
+    const _MR_ARRAY* array = arrayOfPd({contNo, conts}, slotNo);
     const _MR_LD_CONFIG* ld = array != nullptr ? ldOnArray(conts[contNo], array->arrayRef) : nullptr;
     return ld != nullptr ? SLTransLateRAIDLvl(ld) : kRaid0;
 }
@@ -129,7 +129,7 @@ void mkRaidGroupArrayStr(unsigned char contNo, const _AFCONT* conts, std::uint16
 
 void mkRaidGroupStr(unsigned char contNo, const _AFCONT* conts, unsigned char slotNo, std::span<char> out) {
     out.front() = '\0';
-    if (const _MR_ARRAY* array = arrayOfPd(contNo, slotNo, conts); array != nullptr) {
+    if (const _MR_ARRAY* array = arrayOfPd({contNo, conts}, slotNo); array != nullptr) {
         mkRaidGroupArrayStr(contNo, conts, array->arrayRef, out);
         return;
     }
@@ -137,14 +137,14 @@ void mkRaidGroupStr(unsigned char contNo, const _AFCONT* conts, unsigned char sl
     const _MR_SPARE* spare =
         GetDeviceId(contNo, conts, slotNo, &deviceId) != 0 ? spareOf(conts[contNo], deviceId) : nullptr;
     if (spare != nullptr && (spare->type & kSpareDedicated) != 0)
-        mkServedGroupsStr(contNo, conts, *spare, out);
+        mkServedGroupsStr({contNo, conts}, *spare, out);
     if (out.front() == '\0')
         strcpy_s(out.data(), out.size(), kNone);
 }
 
 void mkLDStrListUsedHDD(unsigned char contNo, const _AFCONT* conts, unsigned char slotNo, std::span<char> out) {
     strcpy_s(out.data(), out.size(), kNone);
-    const _MR_ARRAY* array = arrayOfPd(contNo, slotNo, conts);
+    const _MR_ARRAY* array = arrayOfPd({contNo, conts}, slotNo);
     if (array == nullptr || array->arrayRef >= kMaxArrays)
         return;
     const _SL_ARRAY_INFO_T& group = conts[contNo].arrayInfo[array->arrayRef];

@@ -8,6 +8,7 @@
 #include <span>
 
 struct _AFCONT;
+struct Controller;
 
 /// The group number of each array reference. The arrays that one LD spans share a number; CacheCade groups are counted
 /// apart.
@@ -38,7 +39,7 @@ void MakeTransformRGNo(const _AFCONT& cont, ZEB_TRANS_RG_NO_LIST_T& list);
 std::span<const _MR_ARRAY_PD> drivesOf(const _MR_ARRAY& array);
 
 /// The array of the snapshot that holds the drive in that slot, null when none does; the last one that does.
-const _MR_ARRAY* arrayOfPd(unsigned char contNo, unsigned char slotNo, const _AFCONT* conts);
+const _MR_ARRAY* arrayOfPd(Controller ctrl, unsigned char slotNo);
 
 /// The first LD with a span on that array, null when there is none.
 const _MR_LD_CONFIG* ldOnArray(const _AFCONT& cont, std::uint16_t arrayRef);

@@ -36,6 +36,17 @@ struct _AFCONT {
     void* snapshotRepo[kMaxLds]; ///< by target id
 };
 
+/// One controller as the commands look at it: its number, and the snapshot in which that is its place.
+struct Controller {
+    unsigned char contNo;
+    const _AFCONT* conts;
+
+    const _AFCONT& cont() const { return conts[contNo]; }
+    const _MR_PD_INFO& pd(unsigned char slotNo) const { return cont().pdInfo[slotNo]; }
+    /// For an LD number below kMaxLds.
+    const _MR_LD_INFO& ld(unsigned ldNo) const { return cont().ldInfo[ldNo]; }
+};
+
 /// Allocates the blocks of each record. Returns 1, or 0 at the first that fails; FreeDriveInfo releases the others.
 int AllocDriveInfo(_AFCONT* conts, int count);
 

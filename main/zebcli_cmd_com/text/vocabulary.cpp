@@ -65,7 +65,7 @@ void mkPDStateStr(unsigned short state, std::span<char> out) {
 
 void mkLDStateStr(unsigned char contNo, const _AFCONT* conts, const _MR_LD_CONFIG* ld, std::span<char> out) {
     setText(out, wordFor(LdStsMsg, ld->state));
-    const PdsInLd pds = pdsInLd(contNo, ld->properties.ref.targetId, conts);
+    const PdsInLd pds = pdsInLd({contNo, conts}, ld->properties.ref.targetId);
     for (const unsigned char slotNo : pds.list()) {
         const bool copiesBack = HddIsDuringCopyBack(contNo, slotNo, conts) != 0;
         if (!copiesBack && conts[contNo].pdInfo[slotNo].fwState != kPdRebuild)
@@ -122,7 +122,7 @@ void mkPDProgressStr(const _MR_PD_PROGRESS* progress, std::span<char> out) {
 void mkLDErrInfoStr(unsigned char contNo, const _AFCONT* conts, unsigned char ldNo, std::span<char> out) {
     bool mediaErrors = false;
     bool predictedFailures = false;
-    const PdsInLd pds = pdsInLd(contNo, ldNo, conts);
+    const PdsInLd pds = pdsInLd({contNo, conts}, ldNo);
     for (const unsigned char slotNo : pds.list()) {
         const _MR_PD_INFO& pd = conts[contNo].pdInfo[slotNo];
         mediaErrors = mediaErrors || pd.mediaErrorCount != 0;

@@ -3,6 +3,8 @@
 
 #include "storelib/records/wire_record.h"
 
+namespace wire {
+
 #pragma pack(push, 1)
 
 struct _MR_BBU_STATUS {
@@ -18,14 +20,9 @@ struct _MR_BBU_STATUS {
     std::uint16_t fullChargeCapacity;
     std::uint8_t reserved42[22];
 };
-ZEB_WIRE_RECORD(_MR_BBU_STATUS, 64);
-ZEB_WIRE_FIELD(_MR_BBU_STATUS, voltage, 2);
-ZEB_WIRE_FIELD(_MR_BBU_STATUS, current, 4);
-ZEB_WIRE_FIELD(_MR_BBU_STATUS, temperature, 6);
-ZEB_WIRE_FIELD(_MR_BBU_STATUS, fwStatus, 8);
-ZEB_WIRE_FIELD(_MR_BBU_STATUS, remainingCapacityLow, 38);
-ZEB_WIRE_FIELD(_MR_BBU_STATUS, remainingCapacityHigh, 39);
-ZEB_WIRE_FIELD(_MR_BBU_STATUS, fullChargeCapacity, 40);
+ZEB_WIRE_RECORD(_MR_BBU_STATUS, 64, published, ZEB_FIELD(type, 0), ZEB_FIELD(voltage, 2), ZEB_FIELD(current, 4),
+                ZEB_FIELD(temperature, 6), ZEB_FIELD(fwStatus, 8), ZEB_FIELD(remainingCapacityLow, 38),
+                ZEB_FIELD(remainingCapacityHigh, 39), ZEB_FIELD(fullChargeCapacity, 40));
 
 struct _MR_BBU_CAPACITY_INFO {
     std::uint16_t relativeCharge; ///< percent
@@ -36,11 +33,8 @@ struct _MR_BBU_CAPACITY_INFO {
     std::uint16_t cycleCount;
     std::uint8_t reserved16[32];
 };
-ZEB_WIRE_RECORD(_MR_BBU_CAPACITY_INFO, 48);
-ZEB_WIRE_FIELD(_MR_BBU_CAPACITY_INFO, absoluteCharge, 2);
-ZEB_WIRE_FIELD(_MR_BBU_CAPACITY_INFO, remainingCapacity, 4);
-ZEB_WIRE_FIELD(_MR_BBU_CAPACITY_INFO, fullChargeCapacity, 6);
-ZEB_WIRE_FIELD(_MR_BBU_CAPACITY_INFO, cycleCount, 14);
+ZEB_WIRE_RECORD(_MR_BBU_CAPACITY_INFO, 48, published, ZEB_FIELD(relativeCharge, 0), ZEB_FIELD(absoluteCharge, 2),
+                ZEB_FIELD(remainingCapacity, 4), ZEB_FIELD(fullChargeCapacity, 6), ZEB_FIELD(cycleCount, 14));
 
 struct _MR_BBU_DESIGN_INFO {
     std::uint32_t manufactureDate;
@@ -54,13 +48,9 @@ struct _MR_BBU_DESIGN_INFO {
     char chemistry[8];
     std::uint8_t reserved42[22];
 };
-ZEB_WIRE_RECORD(_MR_BBU_DESIGN_INFO, 64);
-ZEB_WIRE_FIELD(_MR_BBU_DESIGN_INFO, designCapacity, 4);
-ZEB_WIRE_FIELD(_MR_BBU_DESIGN_INFO, designVoltage, 6);
-ZEB_WIRE_FIELD(_MR_BBU_DESIGN_INFO, serialNo, 10);
-ZEB_WIRE_FIELD(_MR_BBU_DESIGN_INFO, maker, 14);
-ZEB_WIRE_FIELD(_MR_BBU_DESIGN_INFO, deviceName, 26);
-ZEB_WIRE_FIELD(_MR_BBU_DESIGN_INFO, chemistry, 34);
+ZEB_WIRE_RECORD(_MR_BBU_DESIGN_INFO, 64, published, ZEB_FIELD(manufactureDate, 0), ZEB_FIELD(designCapacity, 4),
+                ZEB_FIELD(designVoltage, 6), ZEB_FIELD(serialNo, 10), ZEB_FIELD(maker, 14), ZEB_FIELD(deviceName, 26),
+                ZEB_FIELD(chemistry, 34));
 
 struct _MR_BBU_PROPERTIES {
     std::uint32_t learnPeriod; ///< seconds
@@ -69,9 +59,9 @@ struct _MR_BBU_PROPERTIES {
     std::uint8_t autoLearnMode; ///< 0 automatic, 1 disabled, 2 warning only
     std::uint8_t reserved10[22];
 };
-ZEB_WIRE_RECORD(_MR_BBU_PROPERTIES, 32);
-ZEB_WIRE_FIELD(_MR_BBU_PROPERTIES, nextLearnTime, 4);
-ZEB_WIRE_FIELD(_MR_BBU_PROPERTIES, learnDelay, 8);
-ZEB_WIRE_FIELD(_MR_BBU_PROPERTIES, autoLearnMode, 9);
+ZEB_WIRE_RECORD(_MR_BBU_PROPERTIES, 32, published, ZEB_FIELD(learnPeriod, 0), ZEB_FIELD(nextLearnTime, 4),
+                ZEB_FIELD(learnDelay, 8), ZEB_FIELD(autoLearnMode, 9));
 
 #pragma pack(pop)
+
+} // namespace wire

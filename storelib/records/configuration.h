@@ -4,6 +4,8 @@
 #include "storelib/records/logical_drive.h"
 #include "storelib/records/wire_record.h"
 
+namespace wire {
+
 #pragma pack(push, 1)
 
 /// A drive's place in an array.
@@ -13,10 +15,8 @@ struct _MR_ARRAY_PD {
     std::uint8_t encl;
     std::uint8_t slotNo;
 };
-ZEB_WIRE_RECORD(_MR_ARRAY_PD, 8);
-ZEB_WIRE_FIELD(_MR_ARRAY_PD, fwState, 4);
-ZEB_WIRE_FIELD(_MR_ARRAY_PD, encl, 6);
-ZEB_WIRE_FIELD(_MR_ARRAY_PD, slotNo, 7);
+ZEB_WIRE_RECORD(_MR_ARRAY_PD, 8, published, ZEB_FIELD(ref, 0), ZEB_FIELD(fwState, 4), ZEB_FIELD(encl, 6),
+                ZEB_FIELD(slotNo, 7));
 
 inline constexpr unsigned kMaxArrayDrives = 32;
 
@@ -28,10 +28,8 @@ struct _MR_ARRAY {
     std::uint8_t reserved12[20];
     _MR_ARRAY_PD pd[kMaxArrayDrives];
 };
-ZEB_WIRE_RECORD(_MR_ARRAY, 288);
-ZEB_WIRE_FIELD(_MR_ARRAY, numDrives, 8);
-ZEB_WIRE_FIELD(_MR_ARRAY, arrayRef, 10);
-ZEB_WIRE_FIELD(_MR_ARRAY, pd, 32);
+ZEB_WIRE_RECORD(_MR_ARRAY, 288, published, ZEB_FIELD(size, 0), ZEB_FIELD(numDrives, 8), ZEB_FIELD(arrayRef, 10),
+                ZEB_FIELD(pd, 32));
 
 struct _MR_SPARE {
     _MR_PD_REF ref;
@@ -40,10 +38,8 @@ struct _MR_SPARE {
     std::uint8_t arrayCount;
     std::uint16_t arrayRef[16];
 };
-ZEB_WIRE_RECORD(_MR_SPARE, 40);
-ZEB_WIRE_FIELD(_MR_SPARE, type, 4);
-ZEB_WIRE_FIELD(_MR_SPARE, arrayCount, 7);
-ZEB_WIRE_FIELD(_MR_SPARE, arrayRef, 8);
+ZEB_WIRE_RECORD(_MR_SPARE, 40, published, ZEB_FIELD(ref, 0), ZEB_FIELD(type, 4), ZEB_FIELD(arrayCount, 7),
+                ZEB_FIELD(arrayRef, 8));
 
 inline constexpr std::uint8_t kSpareDedicated = 1U << 0;
 
@@ -58,13 +54,9 @@ struct _MR_CONFIG_DATA {
     std::uint16_t spareSize;
     std::uint8_t reserved16[16];
 };
-ZEB_WIRE_RECORD(_MR_CONFIG_DATA, 32);
-ZEB_WIRE_FIELD(_MR_CONFIG_DATA, arrayCount, 4);
-ZEB_WIRE_FIELD(_MR_CONFIG_DATA, arraySize, 6);
-ZEB_WIRE_FIELD(_MR_CONFIG_DATA, ldCount, 8);
-ZEB_WIRE_FIELD(_MR_CONFIG_DATA, ldSize, 10);
-ZEB_WIRE_FIELD(_MR_CONFIG_DATA, spareCount, 12);
-ZEB_WIRE_FIELD(_MR_CONFIG_DATA, spareSize, 14);
+ZEB_WIRE_RECORD(_MR_CONFIG_DATA, 32, published, ZEB_FIELD(size, 0, given), ZEB_FIELD(arrayCount, 4),
+                ZEB_FIELD(arraySize, 6), ZEB_FIELD(ldCount, 8), ZEB_FIELD(ldSize, 10), ZEB_FIELD(spareCount, 12),
+                ZEB_FIELD(spareSize, 14));
 
 /// A configuration of one array, one LD and one spare.
 inline constexpr std::uint32_t kSmallestConfigSize =
@@ -75,8 +67,7 @@ struct _MR_FREE_SEGMENT {
     std::uint64_t startBlock;
     std::uint64_t size; ///< blocks on each drive
 };
-ZEB_WIRE_RECORD(_MR_FREE_SEGMENT, 16);
-ZEB_WIRE_FIELD(_MR_FREE_SEGMENT, size, 8);
+ZEB_WIRE_RECORD(_MR_FREE_SEGMENT, 16, chosen, ZEB_FIELD(startBlock, 0), ZEB_FIELD(size, 8));
 
 inline constexpr unsigned kMaxFreeSegments = 127;
 
@@ -92,21 +83,17 @@ struct _SL_ARRAY_INFO_T {
     _MR_ARRAY_PD pd[kMaxArrayDrives];
     _MR_FREE_SEGMENT freeSegment[kMaxFreeSegments];
 };
-ZEB_WIRE_RECORD(_SL_ARRAY_INFO_T, 2368);
-ZEB_WIRE_FIELD(_SL_ARRAY_INFO_T, ldCount, 2);
-ZEB_WIRE_FIELD(_SL_ARRAY_INFO_T, pdCount, 3);
-ZEB_WIRE_FIELD(_SL_ARRAY_INFO_T, freeCount, 4);
-ZEB_WIRE_FIELD(_SL_ARRAY_INFO_T, totalSize, 8);
-ZEB_WIRE_FIELD(_SL_ARRAY_INFO_T, ldTargetId, 16);
-ZEB_WIRE_FIELD(_SL_ARRAY_INFO_T, pd, 80);
-ZEB_WIRE_FIELD(_SL_ARRAY_INFO_T, freeSegment, 336);
+ZEB_WIRE_RECORD(_SL_ARRAY_INFO_T, 2368, chosen, ZEB_FIELD(arrayRef, 0), ZEB_FIELD(ldCount, 2), ZEB_FIELD(pdCount, 3),
+                ZEB_FIELD(freeCount, 4), ZEB_FIELD(totalSize, 8), ZEB_FIELD(ldTargetId, 16), ZEB_FIELD(pd, 80),
+                ZEB_FIELD(freeSegment, 336));
 
 /// Data of the dedicated-spare request: the arrays that the spare serves.
 struct _SL_DEDICATED_SPARE_T {
     std::uint8_t arrayCount;
     std::uint16_t arrayRef[16];
 };
-ZEB_WIRE_RECORD(_SL_DEDICATED_SPARE_T, 33);
-ZEB_WIRE_FIELD(_SL_DEDICATED_SPARE_T, arrayRef, 1);
+ZEB_WIRE_RECORD(_SL_DEDICATED_SPARE_T, 33, given, ZEB_FIELD(arrayCount, 0), ZEB_FIELD(arrayRef, 1));
 
 #pragma pack(pop)
+
+} // namespace wire

@@ -3,6 +3,8 @@
 
 #include "storelib/records/wire_record.h"
 
+namespace wire {
+
 #pragma pack(push, 1)
 
 /// Properties that an administrator may change. Rates are percentages.
@@ -22,16 +24,10 @@ struct _MR_CTRL_PROP {
     std::uint32_t onOff; ///< see kProp... below
     std::uint8_t reserved36[28];
 };
-ZEB_WIRE_RECORD(_MR_CTRL_PROP, 64);
-ZEB_WIRE_FIELD(_MR_CTRL_PROP, rebuildRate, 8);
-ZEB_WIRE_FIELD(_MR_CTRL_PROP, patrolReadRate, 9);
-ZEB_WIRE_FIELD(_MR_CTRL_PROP, bgiRate, 10);
-ZEB_WIRE_FIELD(_MR_CTRL_PROP, ccRate, 11);
-ZEB_WIRE_FIELD(_MR_CTRL_PROP, reconRate, 12);
-ZEB_WIRE_FIELD(_MR_CTRL_PROP, cacheFlushInterval, 13);
-ZEB_WIRE_FIELD(_MR_CTRL_PROP, alarmEnable, 18);
-ZEB_WIRE_FIELD(_MR_CTRL_PROP, disableAutoRebuild, 19);
-ZEB_WIRE_FIELD(_MR_CTRL_PROP, onOff, 32);
+ZEB_WIRE_RECORD(_MR_CTRL_PROP, 64, given, ZEB_FIELD(seqNo, 0), ZEB_FIELD(rebuildRate, 8), ZEB_FIELD(patrolReadRate, 9),
+                ZEB_FIELD(bgiRate, 10), ZEB_FIELD(ccRate, 11), ZEB_FIELD(reconRate, 12),
+                ZEB_FIELD(cacheFlushInterval, 13, published), ZEB_FIELD(alarmEnable, 18, published),
+                ZEB_FIELD(disableAutoRebuild, 19), ZEB_FIELD(onOff, 32));
 
 inline constexpr std::uint32_t kPropCopybackDisabled = 1U << 0;
 inline constexpr std::uint32_t kPropSmartCopybackHdd = 1U << 1;
@@ -45,10 +41,8 @@ struct _MR_IMAGE_COMPONENT {
     char buildDate[16];
     char buildTime[16];
 };
-ZEB_WIRE_RECORD(_MR_IMAGE_COMPONENT, 72);
-ZEB_WIRE_FIELD(_MR_IMAGE_COMPONENT, version, 8);
-ZEB_WIRE_FIELD(_MR_IMAGE_COMPONENT, buildDate, 40);
-ZEB_WIRE_FIELD(_MR_IMAGE_COMPONENT, buildTime, 56);
+ZEB_WIRE_RECORD(_MR_IMAGE_COMPONENT, 72, published, ZEB_FIELD(name, 0), ZEB_FIELD(version, 8), ZEB_FIELD(buildDate, 40),
+                ZEB_FIELD(buildTime, 56));
 
 struct _MR_CTRL_INFO {
     std::uint16_t vendorId;
@@ -108,45 +102,23 @@ struct _MR_CTRL_INFO {
     std::uint16_t cacheCadeCapacity;
     std::uint8_t reserved1938[110];
 };
-ZEB_WIRE_RECORD(_MR_CTRL_INFO, 2048);
-ZEB_WIRE_FIELD(_MR_CTRL_INFO, deviceId, 2);
-ZEB_WIRE_FIELD(_MR_CTRL_INFO, subVendorId, 4);
-ZEB_WIRE_FIELD(_MR_CTRL_INFO, subDeviceId, 6);
-ZEB_WIRE_FIELD(_MR_CTRL_INFO, hostPortCount, 39);
-ZEB_WIRE_FIELD(_MR_CTRL_INFO, devicePortCount, 111);
-ZEB_WIRE_FIELD(_MR_CTRL_INFO, devicePortAddr, 112);
-ZEB_WIRE_FIELD(_MR_CTRL_INFO, imageComponentCount, 180);
-ZEB_WIRE_FIELD(_MR_CTRL_INFO, imageComponent, 184);
-ZEB_WIRE_FIELD(_MR_CTRL_INFO, pendingImageComponentCount, 760);
-ZEB_WIRE_FIELD(_MR_CTRL_INFO, maxArms, 1340);
-ZEB_WIRE_FIELD(_MR_CTRL_INFO, maxSpans, 1341);
-ZEB_WIRE_FIELD(_MR_CTRL_INFO, maxArrays, 1342);
-ZEB_WIRE_FIELD(_MR_CTRL_INFO, maxLds, 1343);
-ZEB_WIRE_FIELD(_MR_CTRL_INFO, productName, 1344);
-ZEB_WIRE_FIELD(_MR_CTRL_INFO, serialNo, 1424);
-ZEB_WIRE_FIELD(_MR_CTRL_INFO, hwPresent, 1456);
-ZEB_WIRE_FIELD(_MR_CTRL_INFO, currentFwTime, 1460);
-ZEB_WIRE_FIELD(_MR_CTRL_INFO, ldPresentCount, 1472);
-ZEB_WIRE_FIELD(_MR_CTRL_INFO, ldDegradedCount, 1474);
-ZEB_WIRE_FIELD(_MR_CTRL_INFO, ldOfflineCount, 1476);
-ZEB_WIRE_FIELD(_MR_CTRL_INFO, pdPresentCount, 1478);
-ZEB_WIRE_FIELD(_MR_CTRL_INFO, pdDiskPresentCount, 1480);
-ZEB_WIRE_FIELD(_MR_CTRL_INFO, pdDiskPredFailureCount, 1482);
-ZEB_WIRE_FIELD(_MR_CTRL_INFO, pdDiskFailedCount, 1484);
-ZEB_WIRE_FIELD(_MR_CTRL_INFO, memorySize, 1488);
-ZEB_WIRE_FIELD(_MR_CTRL_INFO, memCorrectableErrorCount, 1492);
-ZEB_WIRE_FIELD(_MR_CTRL_INFO, memUncorrectableErrorCount, 1494);
-ZEB_WIRE_FIELD(_MR_CTRL_INFO, raidLevels, 1500);
-ZEB_WIRE_FIELD(_MR_CTRL_INFO, adapterOperations, 1504);
-ZEB_WIRE_FIELD(_MR_CTRL_INFO, ldOperations, 1508);
-ZEB_WIRE_FIELD(_MR_CTRL_INFO, stripeSizeMin, 1512);
-ZEB_WIRE_FIELD(_MR_CTRL_INFO, stripeSizeMax, 1513);
-ZEB_WIRE_FIELD(_MR_CTRL_INFO, pdOperations, 1516);
-ZEB_WIRE_FIELD(_MR_CTRL_INFO, properties, 1536);
-ZEB_WIRE_FIELD(_MR_CTRL_INFO, packageVersion, 1600);
-ZEB_WIRE_FIELD(_MR_CTRL_INFO, pdsForRaidLevel, 1888);
-ZEB_WIRE_FIELD(_MR_CTRL_INFO, maxPds, 1920);
-ZEB_WIRE_FIELD(_MR_CTRL_INFO, cacheCadeCapacity, 1936);
+ZEB_WIRE_RECORD(_MR_CTRL_INFO, 2048, published, ZEB_FIELD(vendorId, 0), ZEB_FIELD(deviceId, 2),
+                ZEB_FIELD(subVendorId, 4), ZEB_FIELD(subDeviceId, 6), ZEB_FIELD(hostInterfaceType, 32),
+                ZEB_FIELD(hostPortCount, 39), ZEB_FIELD(hostPortAddr, 40), ZEB_FIELD(deviceInterfaceType, 104),
+                ZEB_FIELD(devicePortCount, 111), ZEB_FIELD(devicePortAddr, 112), ZEB_FIELD(imageComponentCount, 180),
+                ZEB_FIELD(imageComponent, 184), ZEB_FIELD(pendingImageComponentCount, 760),
+                ZEB_FIELD(pendingImageComponent, 764), ZEB_FIELD(maxArms, 1340), ZEB_FIELD(maxSpans, 1341),
+                ZEB_FIELD(maxArrays, 1342), ZEB_FIELD(maxLds, 1343), ZEB_FIELD(productName, 1344),
+                ZEB_FIELD(serialNo, 1424), ZEB_FIELD(hwPresent, 1456), ZEB_FIELD(currentFwTime, 1460),
+                ZEB_FIELD(ldPresentCount, 1472), ZEB_FIELD(ldDegradedCount, 1474), ZEB_FIELD(ldOfflineCount, 1476),
+                ZEB_FIELD(pdPresentCount, 1478), ZEB_FIELD(pdDiskPresentCount, 1480),
+                ZEB_FIELD(pdDiskPredFailureCount, 1482), ZEB_FIELD(pdDiskFailedCount, 1484),
+                ZEB_FIELD(memorySize, 1488), ZEB_FIELD(memCorrectableErrorCount, 1492),
+                ZEB_FIELD(memUncorrectableErrorCount, 1494), ZEB_FIELD(raidLevels, 1500),
+                ZEB_FIELD(adapterOperations, 1504), ZEB_FIELD(ldOperations, 1508), ZEB_FIELD(stripeSizeMin, 1512),
+                ZEB_FIELD(stripeSizeMax, 1513), ZEB_FIELD(pdOperations, 1516), ZEB_FIELD(properties, 1536),
+                ZEB_FIELD(packageVersion, 1600), ZEB_FIELD(pdsForRaidLevel, 1888), ZEB_FIELD(maxPds, 1920, given),
+                ZEB_FIELD(cacheCadeCapacity, 1936, given));
 
 inline constexpr std::uint32_t kHwCacheBackup = 1U << 0;
 inline constexpr std::uint32_t kHwAlarm = 1U << 1;
@@ -164,9 +136,8 @@ struct _MR_DRV_PCI_INFORMATION {
     std::uint8_t function;
     std::uint8_t reserved[106];
 };
-ZEB_WIRE_RECORD(_MR_DRV_PCI_INFORMATION, 112);
-ZEB_WIRE_FIELD(_MR_DRV_PCI_INFORMATION, device, 4);
-ZEB_WIRE_FIELD(_MR_DRV_PCI_INFORMATION, function, 5);
+ZEB_WIRE_RECORD(_MR_DRV_PCI_INFORMATION, 112, published, ZEB_FIELD(bus, 0), ZEB_FIELD(device, 4),
+                ZEB_FIELD(function, 5));
 
 struct _MR_DRV_DRIVER_VERSION {
     char signature[12];
@@ -176,12 +147,9 @@ struct _MR_DRV_DRIVER_VERSION {
     char driverVersion[32];
     char releaseDate[20];
 };
-ZEB_WIRE_RECORD(_MR_DRV_DRIVER_VERSION, 112);
-ZEB_WIRE_FIELD(_MR_DRV_DRIVER_VERSION, osName, 12);
-ZEB_WIRE_FIELD(_MR_DRV_DRIVER_VERSION, osVersion, 28);
-ZEB_WIRE_FIELD(_MR_DRV_DRIVER_VERSION, driverName, 40);
-ZEB_WIRE_FIELD(_MR_DRV_DRIVER_VERSION, driverVersion, 60);
-ZEB_WIRE_FIELD(_MR_DRV_DRIVER_VERSION, releaseDate, 92);
+ZEB_WIRE_RECORD(_MR_DRV_DRIVER_VERSION, 112, published, ZEB_FIELD(signature, 0), ZEB_FIELD(osName, 12),
+                ZEB_FIELD(osVersion, 28), ZEB_FIELD(driverName, 40), ZEB_FIELD(driverVersion, 60),
+                ZEB_FIELD(releaseDate, 92));
 
 struct _MR_PR_PROPERTIES {
     std::uint8_t mode; ///< 0 automatic, 1 manual, 2 disabled
@@ -195,46 +163,38 @@ struct _MR_PR_PROPERTIES {
     std::uint32_t executionFrequency; ///< seconds
     std::uint32_t clearFrequency; ///< seconds
 };
-ZEB_WIRE_RECORD(_MR_PR_PROPERTIES, 208);
-ZEB_WIRE_FIELD(_MR_PR_PROPERTIES, maxPds, 1);
-ZEB_WIRE_FIELD(_MR_PR_PROPERTIES, excludedLdCount, 3);
-ZEB_WIRE_FIELD(_MR_PR_PROPERTIES, excludedLd, 4);
-ZEB_WIRE_FIELD(_MR_PR_PROPERTIES, currentPdMap, 132);
-ZEB_WIRE_FIELD(_MR_PR_PROPERTIES, nextExecution, 196);
-ZEB_WIRE_FIELD(_MR_PR_PROPERTIES, executionFrequency, 200);
-ZEB_WIRE_FIELD(_MR_PR_PROPERTIES, clearFrequency, 204);
+ZEB_WIRE_RECORD(_MR_PR_PROPERTIES, 208, published, ZEB_FIELD(mode, 0), ZEB_FIELD(maxPds, 1),
+                ZEB_FIELD(excludedLdCount, 3), ZEB_FIELD(excludedLd, 4), ZEB_FIELD(currentPdMap, 132),
+                ZEB_FIELD(lastPdMap, 164), ZEB_FIELD(nextExecution, 196), ZEB_FIELD(executionFrequency, 200),
+                ZEB_FIELD(clearFrequency, 204));
 
 struct _MR_MFC_DEFAULTS {
     std::uint8_t reserved0[52];
     std::uint8_t failPdOnSmartError;
     std::uint8_t reserved53[19];
 };
-ZEB_WIRE_RECORD(_MR_MFC_DEFAULTS, 72);
-ZEB_WIRE_FIELD(_MR_MFC_DEFAULTS, failPdOnSmartError, 52);
+ZEB_WIRE_RECORD(_MR_MFC_DEFAULTS, 72, given, ZEB_FIELD(failPdOnSmartError, 52));
 
 struct _SL_LD_OS_MAP_ENTRY {
     std::uint32_t targetId;
     std::uint32_t partitionArg; ///< the value that the partition request needs
     char osDeviceName[28];
 };
-ZEB_WIRE_RECORD(_SL_LD_OS_MAP_ENTRY, 36);
-ZEB_WIRE_FIELD(_SL_LD_OS_MAP_ENTRY, partitionArg, 4);
-ZEB_WIRE_FIELD(_SL_LD_OS_MAP_ENTRY, osDeviceName, 8);
+ZEB_WIRE_RECORD(_SL_LD_OS_MAP_ENTRY, 36, chosen, ZEB_FIELD(targetId, 0), ZEB_FIELD(partitionArg, 4),
+                ZEB_FIELD(osDeviceName, 8));
 
 struct _SL_LD_OS_MAP_T {
     std::uint32_t count;
     _SL_LD_OS_MAP_ENTRY entry[256];
 };
-ZEB_WIRE_RECORD(_SL_LD_OS_MAP_T, 9220);
-ZEB_WIRE_FIELD(_SL_LD_OS_MAP_T, entry, 4);
+ZEB_WIRE_RECORD(_SL_LD_OS_MAP_T, 9220, given, ZEB_FIELD(count, 0), ZEB_FIELD(entry, 4));
 
 struct _SL_PARTITION_INFO_T {
     std::uint64_t reserved0;
     std::uint64_t osInstalled; ///< non-zero: an operating system is installed
     std::uint8_t reserved16[104];
 };
-ZEB_WIRE_RECORD(_SL_PARTITION_INFO_T, 120);
-ZEB_WIRE_FIELD(_SL_PARTITION_INFO_T, osInstalled, 8);
+ZEB_WIRE_RECORD(_SL_PARTITION_INFO_T, 120, given, ZEB_FIELD(osInstalled, 8));
 
 /// What the library hands back for a partition request; only its head is kept.
 inline constexpr std::uint32_t kPartitionReplySize = 14344;
@@ -243,7 +203,8 @@ struct _MR_FOREIGN_CFG_GUIDS {
     std::uint32_t count;
     std::uint8_t guid[8][24];
 };
-ZEB_WIRE_RECORD(_MR_FOREIGN_CFG_GUIDS, 196);
-ZEB_WIRE_FIELD(_MR_FOREIGN_CFG_GUIDS, guid, 4);
+ZEB_WIRE_RECORD(_MR_FOREIGN_CFG_GUIDS, 196, published, ZEB_FIELD(count, 0), ZEB_FIELD(guid, 4));
 
 #pragma pack(pop)
+
+} // namespace wire

@@ -5,6 +5,8 @@
 #include "storelib/records/request.h"
 #include "storelib/records/wire_record.h"
 
+namespace wire {
+
 #pragma pack(push, 1)
 
 /// One span: a stretch of one array. Sizes are blocks on each of the array's drives.
@@ -14,9 +16,8 @@ struct _MR_SPAN {
     std::uint16_t arrayRef;
     std::uint8_t reserved[6];
 };
-ZEB_WIRE_RECORD(_MR_SPAN, 24);
-ZEB_WIRE_FIELD(_MR_SPAN, numBlocks, 8);
-ZEB_WIRE_FIELD(_MR_SPAN, arrayRef, 16);
+ZEB_WIRE_RECORD(_MR_SPAN, 24, published, ZEB_FIELD(startBlock, 0), ZEB_FIELD(numBlocks, 8),
+                ZEB_FIELD(arrayRef, 16, given));
 
 /// The settings of an LD that can be changed; the first 32 bytes of its configuration.
 struct _MR_LD_PROPERTIES {
@@ -30,14 +31,9 @@ struct _MR_LD_PROPERTIES {
     std::uint8_t snapshotFlags; ///< bits 0 and 1
     std::uint8_t reserved26[6];
 };
-ZEB_WIRE_RECORD(_MR_LD_PROPERTIES, 32);
-ZEB_WIRE_FIELD(_MR_LD_PROPERTIES, name, 4);
-ZEB_WIRE_FIELD(_MR_LD_PROPERTIES, defaultCachePolicy, 20);
-ZEB_WIRE_FIELD(_MR_LD_PROPERTIES, accessPolicy, 21);
-ZEB_WIRE_FIELD(_MR_LD_PROPERTIES, diskCachePolicy, 22);
-ZEB_WIRE_FIELD(_MR_LD_PROPERTIES, currentCachePolicy, 23);
-ZEB_WIRE_FIELD(_MR_LD_PROPERTIES, noBgi, 24);
-ZEB_WIRE_FIELD(_MR_LD_PROPERTIES, snapshotFlags, 25);
+ZEB_WIRE_RECORD(_MR_LD_PROPERTIES, 32, published, ZEB_FIELD(ref, 0, given), ZEB_FIELD(name, 4),
+                ZEB_FIELD(defaultCachePolicy, 20), ZEB_FIELD(accessPolicy, 21), ZEB_FIELD(diskCachePolicy, 22),
+                ZEB_FIELD(currentCachePolicy, 23), ZEB_FIELD(noBgi, 24), ZEB_FIELD(snapshotFlags, 25, given));
 
 struct _MR_LD_CONFIG {
     _MR_LD_PROPERTIES properties;
@@ -57,19 +53,11 @@ struct _MR_LD_CONFIG {
     std::uint8_t reserved48[16];
     _MR_SPAN span[8];
 };
-ZEB_WIRE_RECORD(_MR_LD_CONFIG, 256);
-ZEB_WIRE_FIELD(_MR_LD_CONFIG, primaryRaidLevel, 32);
-ZEB_WIRE_FIELD(_MR_LD_CONFIG, raidLevelQualifier, 33);
-ZEB_WIRE_FIELD(_MR_LD_CONFIG, secondaryRaidLevel, 34);
-ZEB_WIRE_FIELD(_MR_LD_CONFIG, stripeSize, 35);
-ZEB_WIRE_FIELD(_MR_LD_CONFIG, numDrives, 36);
-ZEB_WIRE_FIELD(_MR_LD_CONFIG, spanDepth, 37);
-ZEB_WIRE_FIELD(_MR_LD_CONFIG, state, 38);
-ZEB_WIRE_FIELD(_MR_LD_CONFIG, initState, 39);
-ZEB_WIRE_FIELD(_MR_LD_CONFIG, isConsistent, 40);
-ZEB_WIRE_FIELD(_MR_LD_CONFIG, snapshotSource, 45);
-ZEB_WIRE_FIELD(_MR_LD_CONFIG, cacheCade, 47);
-ZEB_WIRE_FIELD(_MR_LD_CONFIG, span, 64);
+ZEB_WIRE_RECORD(_MR_LD_CONFIG, 256, published, ZEB_FIELD(properties, 0), ZEB_FIELD(primaryRaidLevel, 32),
+                ZEB_FIELD(raidLevelQualifier, 33), ZEB_FIELD(secondaryRaidLevel, 34), ZEB_FIELD(stripeSize, 35),
+                ZEB_FIELD(numDrives, 36), ZEB_FIELD(spanDepth, 37, given), ZEB_FIELD(state, 38, given),
+                ZEB_FIELD(initState, 39), ZEB_FIELD(isConsistent, 40), ZEB_FIELD(snapshotSource, 45, given),
+                ZEB_FIELD(cacheCade, 47), ZEB_FIELD(span, 64));
 
 inline constexpr unsigned kMaxSpans = 8;
 
@@ -84,11 +72,8 @@ struct _MR_LD_PROGRESS {
     _MR_PROGRESS recon;
     std::uint8_t reserved20[16];
 };
-ZEB_WIRE_RECORD(_MR_LD_PROGRESS, 36);
-ZEB_WIRE_FIELD(_MR_LD_PROGRESS, cc, 4);
-ZEB_WIRE_FIELD(_MR_LD_PROGRESS, bgi, 8);
-ZEB_WIRE_FIELD(_MR_LD_PROGRESS, init, 12);
-ZEB_WIRE_FIELD(_MR_LD_PROGRESS, recon, 16);
+ZEB_WIRE_RECORD(_MR_LD_PROGRESS, 36, published, ZEB_FIELD(active, 0, given), ZEB_FIELD(cc, 4), ZEB_FIELD(bgi, 8),
+                ZEB_FIELD(init, 12), ZEB_FIELD(recon, 16));
 
 inline constexpr std::uint32_t kLdProgCheck = 1U << 0;
 inline constexpr std::uint32_t kLdProgBgi = 1U << 1;
@@ -103,10 +88,8 @@ struct _MR_LD_INFO {
     std::uint8_t snapshotUse; ///< bit 0: the LD is a snapshot repository
     std::uint8_t reserved304[80];
 };
-ZEB_WIRE_RECORD(_MR_LD_INFO, 384);
-ZEB_WIRE_FIELD(_MR_LD_INFO, size, 256);
-ZEB_WIRE_FIELD(_MR_LD_INFO, progress, 264);
-ZEB_WIRE_FIELD(_MR_LD_INFO, snapshotUse, 303);
+ZEB_WIRE_RECORD(_MR_LD_INFO, 384, published, ZEB_FIELD(config, 0), ZEB_FIELD(size, 256),
+                ZEB_FIELD(progress, 264, given), ZEB_FIELD(snapshotUse, 303, given));
 
 inline constexpr std::uint8_t kLdIsRepository = 1U << 0;
 
@@ -118,30 +101,28 @@ struct _MR_LD_LIST_ENTRY {
     std::uint8_t reserved5[3];
     std::uint64_t size; ///< blocks
 };
-ZEB_WIRE_RECORD(_MR_LD_LIST_ENTRY, 16);
-ZEB_WIRE_FIELD(_MR_LD_LIST_ENTRY, seqNo, 2);
-ZEB_WIRE_FIELD(_MR_LD_LIST_ENTRY, state, 4);
-ZEB_WIRE_FIELD(_MR_LD_LIST_ENTRY, size, 8);
+ZEB_WIRE_RECORD(_MR_LD_LIST_ENTRY, 16, published, ZEB_FIELD(targetId, 0, given), ZEB_FIELD(seqNo, 2),
+                ZEB_FIELD(state, 4), ZEB_FIELD(size, 8));
 
 struct _MR_LD_LIST {
     std::uint32_t count;
     std::uint32_t reserved;
     _MR_LD_LIST_ENTRY ld[64];
 };
-ZEB_WIRE_RECORD(_MR_LD_LIST, 1032);
-ZEB_WIRE_FIELD(_MR_LD_LIST, ld, 8);
+ZEB_WIRE_RECORD(_MR_LD_LIST, 1032, published, ZEB_FIELD(count, 0), ZEB_FIELD(ld, 8));
 
 struct _SL_PD_IN_LD_T {
     std::uint16_t count;
     std::uint16_t reserved;
     std::uint16_t deviceId[256]; ///< kNoDevice = unused
 };
-ZEB_WIRE_RECORD(_SL_PD_IN_LD_T, 516);
-ZEB_WIRE_FIELD(_SL_PD_IN_LD_T, deviceId, 4);
+ZEB_WIRE_RECORD(_SL_PD_IN_LD_T, 516, chosen, ZEB_FIELD(count, 0), ZEB_FIELD(deviceId, 4));
 
 struct _MR_LD_ALLOWED_OPS {
     std::uint32_t ops;
 };
-ZEB_WIRE_RECORD(_MR_LD_ALLOWED_OPS, 4);
+ZEB_WIRE_RECORD(_MR_LD_ALLOWED_OPS, 4, published, ZEB_FIELD(ops, 0));
 
 #pragma pack(pop)
+
+} // namespace wire

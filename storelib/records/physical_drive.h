@@ -4,6 +4,8 @@
 #include "storelib/records/request.h"
 #include "storelib/records/wire_record.h"
 
+namespace wire {
+
 #pragma pack(push, 1)
 
 struct _MR_PD_ADDRESS {
@@ -15,22 +17,16 @@ struct _MR_PD_ADDRESS {
     std::uint8_t connectedPorts;
     std::uint64_t sasAddr[2];
 };
-ZEB_WIRE_RECORD(_MR_PD_ADDRESS, 24);
-ZEB_WIRE_FIELD(_MR_PD_ADDRESS, enclDeviceId, 2);
-ZEB_WIRE_FIELD(_MR_PD_ADDRESS, enclIndex, 4);
-ZEB_WIRE_FIELD(_MR_PD_ADDRESS, slotNo, 5);
-ZEB_WIRE_FIELD(_MR_PD_ADDRESS, scsiDevType, 6);
-ZEB_WIRE_FIELD(_MR_PD_ADDRESS, connectedPorts, 7);
-ZEB_WIRE_FIELD(_MR_PD_ADDRESS, sasAddr, 8);
+ZEB_WIRE_RECORD(_MR_PD_ADDRESS, 24, published, ZEB_FIELD(deviceId, 0, given), ZEB_FIELD(enclDeviceId, 2),
+                ZEB_FIELD(enclIndex, 4), ZEB_FIELD(slotNo, 5, given), ZEB_FIELD(scsiDevType, 6, given),
+                ZEB_FIELD(connectedPorts, 7), ZEB_FIELD(sasAddr, 8));
 
 struct _MR_PD_LIST {
     std::uint32_t size;
     std::uint32_t count;
     _MR_PD_ADDRESS addr[256];
 };
-ZEB_WIRE_RECORD(_MR_PD_LIST, 6152);
-ZEB_WIRE_FIELD(_MR_PD_LIST, count, 4);
-ZEB_WIRE_FIELD(_MR_PD_LIST, addr, 8);
+ZEB_WIRE_RECORD(_MR_PD_LIST, 6152, given, ZEB_FIELD(size, 0), ZEB_FIELD(count, 4), ZEB_FIELD(addr, 8));
 
 inline constexpr std::uint8_t kScsiDisk = 0;
 inline constexpr std::uint8_t kScsiEnclosure = 13;
@@ -41,8 +37,7 @@ struct _MR_PROGRESS {
     std::uint16_t progress;
     std::uint16_t elapsed; ///< seconds
 };
-ZEB_WIRE_RECORD(_MR_PROGRESS, 4);
-ZEB_WIRE_FIELD(_MR_PROGRESS, elapsed, 2);
+ZEB_WIRE_RECORD(_MR_PROGRESS, 4, published, ZEB_FIELD(progress, 0), ZEB_FIELD(elapsed, 2));
 
 struct _MR_PD_PROGRESS {
     std::uint32_t active; ///< see kPdProg... below
@@ -51,10 +46,8 @@ struct _MR_PD_PROGRESS {
     _MR_PROGRESS clear;
     std::uint8_t reserved16[16];
 };
-ZEB_WIRE_RECORD(_MR_PD_PROGRESS, 32);
-ZEB_WIRE_FIELD(_MR_PD_PROGRESS, rebuild, 4);
-ZEB_WIRE_FIELD(_MR_PD_PROGRESS, patrolRead, 8);
-ZEB_WIRE_FIELD(_MR_PD_PROGRESS, clear, 12);
+ZEB_WIRE_RECORD(_MR_PD_PROGRESS, 32, published, ZEB_FIELD(active, 0, given), ZEB_FIELD(rebuild, 4),
+                ZEB_FIELD(patrolRead, 8), ZEB_FIELD(clear, 12));
 
 inline constexpr std::uint32_t kPdProgRebuild = 1U << 0;
 inline constexpr std::uint32_t kPdProgPatrolRead = 1U << 1;
@@ -81,7 +74,8 @@ struct _MR_INQUIRY_DATA {
     char revision[4];
     std::uint8_t rest[60];
 };
-ZEB_WIRE_RECORD(_MR_INQUIRY_DATA, 96);
+ZEB_WIRE_RECORD(_MR_INQUIRY_DATA, 96, published, ZEB_FIELD(header, 0), ZEB_FIELD(vendor, 8), ZEB_FIELD(product, 16),
+                ZEB_FIELD(revision, 32));
 
 struct _MR_PD_INFO {
     _MR_PD_REF ref;
@@ -118,31 +112,14 @@ struct _MR_PD_INFO {
     std::uint8_t mediaType; ///< low 4 bits
     std::uint8_t reserved371[141];
 };
-ZEB_WIRE_RECORD(_MR_PD_INFO, 512);
-ZEB_WIRE_FIELD(_MR_PD_INFO, inquiry, 4);
-ZEB_WIRE_FIELD(_MR_PD_INFO, inquiry.vendor, 12);
-ZEB_WIRE_FIELD(_MR_PD_INFO, inquiry.product, 20);
-ZEB_WIRE_FIELD(_MR_PD_INFO, inquiry.revision, 36);
-ZEB_WIRE_FIELD(_MR_PD_INFO, scsiDevType, 165);
-ZEB_WIRE_FIELD(_MR_PD_INFO, deviceSpeed, 167);
-ZEB_WIRE_FIELD(_MR_PD_INFO, mediaErrorCount, 168);
-ZEB_WIRE_FIELD(_MR_PD_INFO, otherErrorCount, 172);
-ZEB_WIRE_FIELD(_MR_PD_INFO, predFailCount, 176);
-ZEB_WIRE_FIELD(_MR_PD_INFO, fwState, 184);
-ZEB_WIRE_FIELD(_MR_PD_INFO, linkSpeed, 187);
-ZEB_WIRE_FIELD(_MR_PD_INFO, ddfType, 188);
-ZEB_WIRE_FIELD(_MR_PD_INFO, pathCount, 192);
-ZEB_WIRE_FIELD(_MR_PD_INFO, sasAddr, 200);
-ZEB_WIRE_FIELD(_MR_PD_INFO, rawSize, 232);
-ZEB_WIRE_FIELD(_MR_PD_INFO, coercedSize, 248);
-ZEB_WIRE_FIELD(_MR_PD_INFO, enclDeviceId, 256);
-ZEB_WIRE_FIELD(_MR_PD_INFO, enclIndex, 258);
-ZEB_WIRE_FIELD(_MR_PD_INFO, slotNo, 259);
-ZEB_WIRE_FIELD(_MR_PD_INFO, progress, 260);
-ZEB_WIRE_FIELD(_MR_PD_INFO, powerState, 358);
-ZEB_WIRE_FIELD(_MR_PD_INFO, allowedOps, 360);
-ZEB_WIRE_FIELD(_MR_PD_INFO, copybackPartner, 364);
-ZEB_WIRE_FIELD(_MR_PD_INFO, mediaType, 370);
+ZEB_WIRE_RECORD(_MR_PD_INFO, 512, published, ZEB_FIELD(ref, 0, given), ZEB_FIELD(inquiry, 4),
+                ZEB_FIELD(scsiDevType, 165), ZEB_FIELD(deviceSpeed, 167), ZEB_FIELD(mediaErrorCount, 168),
+                ZEB_FIELD(otherErrorCount, 172), ZEB_FIELD(predFailCount, 176), ZEB_FIELD(fwState, 184, given),
+                ZEB_FIELD(linkSpeed, 187), ZEB_FIELD(ddfType, 188), ZEB_FIELD(pathCount, 192), ZEB_FIELD(sasAddr, 200),
+                ZEB_FIELD(rawSize, 232), ZEB_FIELD(coercedSize, 248, given), ZEB_FIELD(enclDeviceId, 256),
+                ZEB_FIELD(enclIndex, 258), ZEB_FIELD(slotNo, 259), ZEB_FIELD(progress, 260, given),
+                ZEB_FIELD(powerState, 358), ZEB_FIELD(allowedOps, 360), ZEB_FIELD(copybackPartner, 364, given),
+                ZEB_FIELD(mediaType, 370, given));
 
 inline constexpr std::uint16_t kDdfInLd = 1U << 1;
 inline constexpr std::uint16_t kDdfGlobalSpare = 1U << 2;
@@ -153,7 +130,9 @@ inline constexpr unsigned kDdfInterfaceShift = 12;
 struct _MR_PD_ALLOWED_OPS {
     std::uint32_t ops; ///< bit 1: start rebuild
 };
-ZEB_WIRE_RECORD(_MR_PD_ALLOWED_OPS, 4);
+ZEB_WIRE_RECORD(_MR_PD_ALLOWED_OPS, 4, given, ZEB_FIELD(ops, 0));
 inline constexpr std::uint32_t kPdOpStartRebuild = 1U << 1;
 
 #pragma pack(pop)
+
+} // namespace wire

@@ -3,6 +3,8 @@
 
 #include "storelib/records/wire_record.h"
 
+namespace wire {
+
 #pragma pack(push, 1)
 
 /// Names a PD in a request and in its information record.
@@ -10,8 +12,7 @@ struct _MR_PD_REF {
     std::uint16_t deviceId;
     std::uint16_t seqNo;
 };
-ZEB_WIRE_RECORD(_MR_PD_REF, 4);
-ZEB_WIRE_FIELD(_MR_PD_REF, seqNo, 2);
+ZEB_WIRE_RECORD(_MR_PD_REF, 4, given, ZEB_FIELD(deviceId, 0), ZEB_FIELD(seqNo, 2));
 
 /// Names an LD in a request and in its configuration.
 struct _MR_LD_REF {
@@ -19,8 +20,7 @@ struct _MR_LD_REF {
     std::uint8_t reserved;
     std::uint16_t seqNo;
 };
-ZEB_WIRE_RECORD(_MR_LD_REF, 4);
-ZEB_WIRE_FIELD(_MR_LD_REF, seqNo, 2);
+ZEB_WIRE_RECORD(_MR_LD_REF, 4, given, ZEB_FIELD(targetId, 0), ZEB_FIELD(seqNo, 2));
 
 /// One request: a 32-byte header and the data pointer behind it.
 struct _SL_LIB_CMD_PARAM_T {
@@ -44,13 +44,8 @@ struct _SL_LIB_CMD_PARAM_T {
     void* data;
 };
 using SL_LIB_CMD_PARAM_T = _SL_LIB_CMD_PARAM_T;
-ZEB_WIRE_RECORD(_SL_LIB_CMD_PARAM_T, 40);
-ZEB_WIRE_FIELD(_SL_LIB_CMD_PARAM_T, cmd, 1);
-ZEB_WIRE_FIELD(_SL_LIB_CMD_PARAM_T, ctrlId, 4);
-ZEB_WIRE_FIELD(_SL_LIB_CMD_PARAM_T, ref, 8);
-ZEB_WIRE_FIELD(_SL_LIB_CMD_PARAM_T, param, 12);
-ZEB_WIRE_FIELD(_SL_LIB_CMD_PARAM_T, dataSize, 28);
-ZEB_WIRE_FIELD(_SL_LIB_CMD_PARAM_T, data, 32);
+ZEB_WIRE_RECORD(_SL_LIB_CMD_PARAM_T, 40, chosen, ZEB_FIELD(cmdType, 0), ZEB_FIELD(cmd, 1), ZEB_FIELD(ctrlId, 4),
+                ZEB_FIELD(ref, 8), ZEB_FIELD(param, 12), ZEB_FIELD(dataSize, 28), ZEB_FIELD(data, 32, given));
 
 inline constexpr std::uint32_t kAllForeignConfigs = 0xFFFFFFFFU;
 
@@ -62,16 +57,13 @@ struct _SL_CTRL_LIST_T {
     std::uint8_t reserved;
     std::uint32_t ctrl[16];
 };
-ZEB_WIRE_RECORD(_SL_CTRL_LIST_T, 68);
-ZEB_WIRE_FIELD(_SL_CTRL_LIST_T, flags, 2);
-ZEB_WIRE_FIELD(_SL_CTRL_LIST_T, ctrl, 4);
+ZEB_WIRE_RECORD(_SL_CTRL_LIST_T, 68, chosen, ZEB_FIELD(count, 0, given), ZEB_FIELD(flags, 2), ZEB_FIELD(ctrl, 4));
 
 struct _SL_LIB_VER_T {
     char revision[4];
     char version[8];
 };
-ZEB_WIRE_RECORD(_SL_LIB_VER_T, 12);
-ZEB_WIRE_FIELD(_SL_LIB_VER_T, version, 4);
+ZEB_WIRE_RECORD(_SL_LIB_VER_T, 12, given, ZEB_FIELD(revision, 0), ZEB_FIELD(version, 4));
 
 /// Input of the controller-command pass-through. The data pointer is unaligned.
 struct _SL_DCMD_INPUT_T {
@@ -82,11 +74,8 @@ struct _SL_DCMD_INPUT_T {
     std::uint8_t mailbox[12];
     void* data;
 };
-ZEB_WIRE_RECORD(_SL_DCMD_INPUT_T, 36);
-ZEB_WIRE_FIELD(_SL_DCMD_INPUT_T, opcode, 4);
-ZEB_WIRE_FIELD(_SL_DCMD_INPUT_T, direction, 8);
-ZEB_WIRE_FIELD(_SL_DCMD_INPUT_T, mailbox, 16);
-ZEB_WIRE_FIELD(_SL_DCMD_INPUT_T, data, 28);
+ZEB_WIRE_RECORD(_SL_DCMD_INPUT_T, 36, chosen, ZEB_FIELD(dataSize, 0), ZEB_FIELD(opcode, 4), ZEB_FIELD(direction, 8),
+                ZEB_FIELD(mailbox, 16, given), ZEB_FIELD(data, 28, given));
 
 /// Directions of a DCMD, seen from the host.
 enum : std::uint8_t { kDcmdNone = 0, kDcmdToController = 1, kDcmdFromController = 2, kDcmdBoth = 3 };
@@ -105,12 +94,9 @@ struct _SL_SCSI_PASSTHRU_T {
     std::uint8_t reserved22[38];
     std::uint32_t dataLength;
 };
-ZEB_WIRE_RECORD(_SL_SCSI_PASSTHRU_T, 64);
-ZEB_WIRE_FIELD(_SL_SCSI_PASSTHRU_T, kind, 2);
-ZEB_WIRE_FIELD(_SL_SCSI_PASSTHRU_T, direction, 4);
-ZEB_WIRE_FIELD(_SL_SCSI_PASSTHRU_T, timeout, 8);
-ZEB_WIRE_FIELD(_SL_SCSI_PASSTHRU_T, cdbLength, 11);
-ZEB_WIRE_FIELD(_SL_SCSI_PASSTHRU_T, cdb, 12);
-ZEB_WIRE_FIELD(_SL_SCSI_PASSTHRU_T, dataLength, 60);
+ZEB_WIRE_RECORD(_SL_SCSI_PASSTHRU_T, 64, given, ZEB_FIELD(deviceId, 0), ZEB_FIELD(kind, 2), ZEB_FIELD(direction, 4),
+                ZEB_FIELD(timeout, 8), ZEB_FIELD(cdbLength, 11), ZEB_FIELD(cdb, 12), ZEB_FIELD(dataLength, 60));
 
 #pragma pack(pop)
+
+} // namespace wire

@@ -49,6 +49,13 @@ layers 'storelib/ knows only log/' storelib 'main|commands|console|simulator'
 layers 'The shared helpers know no command' main/zebcli_cmd_com 'commands|simulator'
 layers 'The simulator knows the records and nothing else of the tool' simulator 'main|commands|console|log/|storelib/[^r]'
 
+# Each record states its layout and stands in the list of all.
+while read -r record; do
+  grep -qE "^ZEB_WIRE_RECORD\($record, " storelib/records/*.h && grep -qE "each\($record\)" storelib/records/all.h && continue
+  found=1
+  printf 'A record without a layout, or missing in storelib/records/all.h: %s\n' "$record"
+done < <(sed -nE 's/^struct (_[A-Z0-9_]+) \{$/\1/p' storelib/records/*.h)
+
 unfinished=$(grep -rnE --include='*.cpp' --include='*.h' --include='*.sh' '\b(TODO|FIXME|XXX)\b' "${tool[@]}" simulator tests \
   | grep -v house_rules.sh)
 if [ -n "$unfinished" ]; then

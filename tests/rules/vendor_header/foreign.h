@@ -1,0 +1,1 @@
+// Stands for a header that declares none of the records.

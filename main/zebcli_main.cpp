@@ -5,13 +5,12 @@
 #include "log/zebcli_log.h"
 #include "main/command_table.h"
 #include "main/process_setup.h"
-#include "main/zebcli_cmd_com/input/prompts.h"
+#include "main/terminal.h"
 #include "main/zebcli_cmd_com/model/snapshot.h"
 #include "storelib/dll_mod.h"
 
 #include <cctype>
 #include <cerrno>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -35,54 +34,11 @@ void DLL_MEMORYALLOC() {
     CliLogging(kPrintAndLog, kSource, __LINE__, "Error - Failed to initialize.");
 }
 
-/// Whether the terminal belongs to another job just now. Whoever changes its mode then is stopped.
-bool inBackground() {
-    const pid_t front = tcgetpgrp(STDIN_FILENO);
-    return front >= 0 && front != getpgrp();
-}
-
-void CliCmdProcessDetach() {
-    if (term_set_flg == 1 && !inBackground())
-        tcsetattr(STDIN_FILENO, TCSANOW, &old_term_set);
-}
-
 bool argumentsTooLong(int argc, char** argv) {
     for (int i = 0; i < argc; ++i)
         if (std::strlen(argv[i]) > kLongestArgument)
             return true;
     return false;
-}
-
-/// Makes the signals that end a run put the terminal back first, as it was when the run began.
-void restoreTerminalOnSignals() {
-    static termios before;
-    before = old_term_set;
-    struct sigaction action {};
-    action.sa_handler = [](int signal) {
-        tcsetattr(STDIN_FILENO, TCSANOW, &before);
-        raise(signal);
-    };
-    action.sa_flags = static_cast<int>(SA_RESETHAND);
-    sigaddset(&action.sa_mask, SIGTTOU); // in the background too
-    for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM}) {
-        struct sigaction present {};
-        if (sigaction(signal, nullptr, &present) == 0 && present.sa_handler != SIG_IGN)
-            sigaction(signal, &action, nullptr);
-    }
-}
-
-/// Canonical input stays on; only the echo and the signal keys go off for the run.
-void setTerminalMode() {
-    if (tcgetattr(STDIN_FILENO, &old_term_set) != 0)
-        return; // no terminal, no mode to set and to put back
-    new_term_set = old_term_set;
-    new_term_set.c_lflag &= ~static_cast<tcflag_t>(ECHO);
-    new_term_set.c_lflag &= ~static_cast<tcflag_t>(ISIG);
-    if (!inBackground()) {
-        restoreTerminalOnSignals();
-        tcsetattr(STDIN_FILENO, TCSANOW, &new_term_set);
-    }
-    term_set_flg = 1;
 }
 
 /// The argument in lower case without the text up to its first "-"; as it stands when there is no "-" or nothing behind
@@ -121,35 +77,65 @@ int openControllers() {
     return count;
 }
 
-/// The filled snapshot of all controllers in conts; false after it was said why there is none.
-bool takeSnapshot(_AFCONT*& conts, int count) {
-    conts = static_cast<_AFCONT*>(std::calloc(static_cast<std::size_t>(count), sizeof(_AFCONT)));
-    if (conts == nullptr) {
-        CliLogging(kPrintAndLog, kSource, __LINE__, "Error - An error has occurred with Linux API. (code=0x%X)",
-                   static_cast<unsigned>(errno));
-        return false;
-    }
-    if (AllocDriveInfo(conts, count) != 1 || UpdateDriveInfo(conts, count) != 1) {
-        CliLogging(kPrintAndLog, kSource, __LINE__, kAccessError);
-        return false;
-    }
-    return true;
-}
+/// The library, closed at the end whatever came of opening it.
+struct LibrarySession {
+    LibrarySession() = default;
+    ~LibrarySession() { SLExitLib(); }
+    LibrarySession(const LibrarySession&) = delete;
+    LibrarySession& operator=(const LibrarySession&) = delete;
+};
 
-/// Runs the command of the row between opening and closing the library. Returns the exit status.
-int runCommand(const CommandRow& row, int argc, char** argv) {
-    int status = 0;
-    _AFCONT* conts = nullptr;
+/// The snapshot of all controllers, released with the object however much of it was made.
+class Snapshot {
+  public:
+    explicit Snapshot(int count) : count_(count) {}
+    ~Snapshot() {
+        FreeDriveInfo(conts_, count_);
+        std::free(conts_);
+    }
+    Snapshot(const Snapshot&) = delete;
+    Snapshot& operator=(const Snapshot&) = delete;
+
+    /// Fills it; false after it was said why there is none.
+    bool take() {
+        conts_ = static_cast<_AFCONT*>(std::calloc(static_cast<std::size_t>(count_), sizeof(_AFCONT)));
+        if (conts_ == nullptr) {
+            CliLogging(kPrintAndLog, kSource, __LINE__, "Error - An error has occurred with Linux API. (code=0x%X)",
+                       static_cast<unsigned>(errno));
+            return false;
+        }
+        if (AllocDriveInfo(conts_, count_) != 1 || UpdateDriveInfo(conts_, count_) != 1) {
+            CliLogging(kPrintAndLog, kSource, __LINE__, kAccessError);
+            return false;
+        }
+        return true;
+    }
+    /// Null when none was taken.
+    _AFCONT* conts() const { return conts_; }
+
+  private:
+    _AFCONT* conts_ = nullptr;
+    int count_;
+};
+
+/// Looks the command up and runs it between opening and closing the library. Returns the exit status.
+int runCommand(int argc, char** argv) {
+    CommandWord word;
+    makeCommandWord(argv[1], word);
+    const CommandRow* row = findCommand(word);
+    if (row == nullptr) {
+        CliLogging(kPrintAndLog, kSource, __LINE__, "Error - Invalid input at or near token %s.", word);
+        return kFailure;
+    }
+    const LibrarySession library;
     const int count = openControllers();
-    if (count < 0 || (row.needsSnapshot != 0 && !takeSnapshot(conts, count)))
-        status = kFailure;
-    else
-        row.handler(argc, argv, conts, count);
-
-    FreeDriveInfo(conts, count);
-    std::free(conts);
-    SLExitLib();
-    return status;
+    if (count < 0)
+        return kFailure;
+    Snapshot snapshot(count);
+    if (row->needsSnapshot != 0 && !snapshot.take())
+        return kFailure;
+    row->handler(argc, argv, snapshot.conts(), count);
+    return 0;
 }
 
 /// Output that did not reach its place is no reason for another exit status, but it is recorded.
@@ -158,11 +144,12 @@ void checkOutput() {
         Utillogging(kSource, __LINE__, kTraceError, "func=%s: %s", "main", "standard output error");
 }
 
-[[noreturn]] void quitBeforeStart(const char* message) {
+/// What a failed start says before anything but the log was opened.
+int quitBeforeStart(const char* message) {
     CliLogging(kPrintAndLog, kSource, __LINE__, "%s", message);
     checkOutput();
     finContData();
-    std::exit(kFailure);
+    return kFailure;
 }
 
 } // namespace
@@ -174,21 +161,14 @@ int main(int argc, char** argv) {
     initLog(kLogName, kLogBudget);
     HistoryLog(argc, argv);
     if (geteuid() != 0)
-        quitBeforeStart("Fatal error - It is not root user.");
+        return quitBeforeStart("Fatal error - It is not root user.");
     if (argc < 2 || argumentsTooLong(argc, argv))
-        quitBeforeStart("Error - Invoked with wrong parameters.");
+        return quitBeforeStart("Error - Invoked with wrong parameters.");
     if (std::atexit(CliCmdProcessDetach) != 0)
-        std::exit(kFailure);
-    setTerminalMode();
+        return kFailure;
+    enterTerminal();
 
-    int status = kFailure;
-    CommandWord word;
-    makeCommandWord(argv[1], word);
-    const CommandRow* row = findCommand(word);
-    if (row != nullptr)
-        status = runCommand(*row, argc, argv);
-    else
-        CliLogging(kPrintAndLog, kSource, __LINE__, "Error - Invalid input at or near token %s.", word);
+    const int status = runCommand(argc, argv);
     checkOutput();
     finContData();
     return status;

@@ -99,7 +99,7 @@ int CliCmdExecLog(int argc, char** argv, _AFCONT* /*conts*/, int /*contCount*/) 
         struct stat info {};
         return stat(path.data(), &info) == 0;
     });
-    if (present && ComChk(nullptr, nullptr, nullptr, kAskOverwriteLog, 0) == 0)
+    if (present && !confirmed(kAskOverwriteLog))
         return 1;
     std::size_t collected = 0;
     for (std::size_t i = 0; i < kLogRows.size(); ++i)

@@ -167,7 +167,7 @@ int CliCmdExecAdpRbldMode(int argc, char** argv, _AFCONT* /*conts*/, int contCou
         return 1;
     const bool disable = options.has(kRebuildDisable);
     for (const unsigned char contNo : selectedControllers(options.ctrls, contCount)) {
-        if (disable && ComChk(nullptr, nullptr, nullptr, kAskDisableAutoRebuild, 0) == 0)
+        if (disable && !confirmed(kAskDisableAutoRebuild))
             return 1;
         if (SLSetCtrlRbldMode(contNo, disable ? 1 : 0) != kSlSuccess) {
             sayFailed(__func__, "SLSetCtrlRbldMode error", contNo);

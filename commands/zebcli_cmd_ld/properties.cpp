@@ -112,9 +112,7 @@ bool mayChange(const Options& options, std::span<const unsigned char> controller
             return false;
         }
     return !options.has(kWb) || std::all_of(controllers.begin(), controllers.end(), [&](unsigned char contNo) {
-        const unsigned char kind =
-            IsCacheBkupPresent(conts, contNo) != 0 ? kAskAlwaysWriteBackWithBackup : kAskAlwaysWriteBackWithoutBackup;
-        return ComChk(nullptr, nullptr, nullptr, kind, 0) == 1;
+        return confirmed(IsCacheBkupPresent(conts, contNo) != 0 ? kAskWriteBackWithBackup : kAskWriteBackWithoutBackup);
     });
 }
 

@@ -5,6 +5,7 @@
 #include "log/raidctl.h"
 #include "log/zebcli_log.h"
 #include "main/zebcli_cmd_com/base/trace.h"
+#include "main/zebcli_cmd_com/input/dialogue.h"
 #include "main/zebcli_cmd_com/input/prompts.h"
 #include "main/zebcli_cmd_com/model/lookup.h"
 #include "main/zebcli_cmd_com/text/number_list.h"
@@ -14,9 +15,7 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cstdio>
-#include <string_view>
 
 namespace {
 
@@ -66,10 +65,6 @@ bool succeeded(std::uint32_t status, const char* text, const Target& target, int
 
 bool readPd(const Target& target, _MR_PD_INFO& pd) {
     return succeeded(SLGetPDInfo(target.ctrl.contNo, target.slotNo, &pd), "SLGetPDInfo error", target);
-}
-
-bool confirmed(unsigned char kind) {
-    return ComChk(nullptr, nullptr, nullptr, kind, 0) == 1;
 }
 
 /// Hands the information of each drive of an array that the snapshot knows to the sink until that returns true.
@@ -128,29 +123,14 @@ void printGroups(const Target& target, const _RG_SEL_LIST_T& groups) {
 
 /// Asks for a group until one of the list is named; null when the operator quits.
 const _RG_SEL_LIST_T::Entry* askGroup(const _RG_SEL_LIST_T& groups) {
-    constexpr std::size_t kLongestAnswer = 3;
-    static std::array<char, kAnswerSize> answer;
+    std::array<unsigned char, kMaxArrays> offered;
     const auto listed = std::span(groups.entry).first(groups.count);
-    while (true) {
-        std::printf("RG No.(\"Q\"->Quit) :");
-        const bool goOn = readAnswer(answer);
-        std::string_view text(answer.data());
-        text = text.substr(0, text.find_first_of("\r\n"));
-        if (text.size() <= kLongestAnswer && !text.empty()) {
-            if (text.front() == 'Q' || text.front() == 'q')
-                return nullptr;
-            unsigned number = 0;
-            const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-            const auto group =
-                std::find_if(listed.begin(), listed.end(), [&](const auto& entry) { return entry.groupNo == number; });
-            if (error == std::errc{} && end == text.data() + text.size() && group != listed.end())
-                return &*group;
-        }
-        if (!goOn)
-            return nullptr;
-        if (answer.front() != '\0') // else the input is at its end
-            std::printf("\"%.*s\" is invalid.\n", static_cast<int>(text.size()), text.data());
-    }
+    std::transform(listed.begin(), listed.end(), offered.begin(), [](const auto& group) { return group.groupNo; });
+    const auto chosen =
+        chooseNumber("RG No.(\"Q\"->Quit) :", std::span(offered).first(listed.size()), AtEndOfInput::AsksAgain);
+    if (!chosen)
+        return nullptr;
+    return &*std::find_if(listed.begin(), listed.end(), [&](const auto& group) { return group.groupNo == *chosen; });
 }
 
 bool isOfGroup(const _AFCONT& cont, const _MR_ARRAY& array, const _RG_SEL_LIST_T::Entry& group) {

@@ -24,14 +24,14 @@ rule 'Unbounded or unchecked C routine; write the bounded one (snprintf, sprintf
   '(^|[^[:alnum:]_])(sprintf|vsprintf|strcpy|strncpy|strcat|strncat|gets|atoi|atol|strtok|scanf|sscanf|alloca)\('
 rule 'Printing past the message and report routines; use CliLogging or Report' \
   '(^|[^[:alnum:]_])(printf|puts|fputs|putchar|fwrite|vprintf|fprintf)\(|std::c(out|err)' \
-  log/zebcli_log.cpp $com/text/report.cpp $com/input/prompts.cpp commands/zebcli_cmd_ld/progress.cpp commands/zebcli_cmd_pd/hot_spare.cpp
+  log/zebcli_log.cpp $com/text/report.cpp $com/input/prompts.cpp $com/input/dialogue.cpp commands/zebcli_cmd_ld/progress.cpp commands/zebcli_cmd_pd/hot_spare.cpp
 rule 'Another call of the library'"'"'s entry point; send through request_path' \
   '(pfnProcessLibCommand(MR|IR|IR2)|ProcessLibCommandCall) *\(' \
   storelib/dll_mod.cpp storelib/dll_mod.h storelib/common/StoreLib/request_path.cpp \
   storelib/common/StoreLib/controller.cpp storelib/common/StoreLib/passthrough.cpp
-rule 'Terminal mode outside its owners; ask through prompts' '(^|[^[:alnum:]_])tc[gs]etattr\(' \
-  main/zebcli_main.cpp $com/input/prompts.cpp console/xltcli_kbhit.cpp
-rule 'Reading standard input outside the prompts; use readAnswer' '(^|[^[:alnum:]_])stdin([^[:alnum:]_]|$)' $com/input/prompts.cpp
+rule 'Terminal mode outside its owners; ask through the dialogue' '(^|[^[:alnum:]_])tc[gs]etattr\(' \
+  main/terminal.cpp console/xltcli_kbhit.cpp
+rule 'Reading standard input outside the dialogue; use Answer' '(^|[^[:alnum:]_])stdin([^[:alnum:]_]|$)' $com/input/dialogue.cpp
 rule 'File locks belong to the command log' '(^|[^[:alnum:]_])flock\(' log/raidctl.cpp
 rule 'An offset into a record outside its declaration' 'offsetof' storelib/records/wire_record.h
 rule 'Memory from new; use a standard container or a block with a deleter' '(^|[^[:alnum:]_])new [A-Za-z_]'

@@ -62,6 +62,10 @@ void freeDrive(Controller& ctrl, Drive& drive) {
     changeDriveState(ctrl, drive, bad ? kPdUnconfiguredBad : kPdUnconfiguredGood);
 }
 
+void releaseSpare(Controller& ctrl, std::uint16_t deviceId) {
+    std::erase_if(ctrl.spares, [=](const Spare& spare) { return spare.deviceId == deviceId; });
+}
+
 void releaseSparesOf(Controller& ctrl, std::uint16_t arrayRef) {
     for (std::size_t i = ctrl.spares.size(); i-- > 0;) {
         Spare& spare = ctrl.spares[i];
@@ -71,6 +75,20 @@ void releaseSparesOf(Controller& ctrl, std::uint16_t arrayRef) {
         ctrl.spares.erase(ctrl.spares.begin() + static_cast<std::ptrdiff_t>(i));
         if (drive != nullptr)
             changeDriveState(ctrl, *drive, kPdUnconfiguredGood);
+    }
+}
+
+void dissolveUnusedArrays(Controller& ctrl) {
+    for (std::size_t i = ctrl.arrays.size(); i-- > 0;) {
+        if (!ldsOfArray(ctrl, ctrl.arrays[i].ref).empty())
+            continue;
+        const Array array = ctrl.arrays[i];
+        ctrl.arrays.erase(ctrl.arrays.begin() + static_cast<std::ptrdiff_t>(i));
+        for (const std::uint16_t id : array.drives) {
+            if (Drive* drive = findDrive(ctrl, id); drive != nullptr)
+                freeDrive(ctrl, *drive);
+        }
+        releaseSparesOf(ctrl, array.ref);
     }
 }
 
@@ -144,18 +162,43 @@ bool fitsArray(const Controller& ctrl, const Drive& drive, const Array& array) {
            (member == nullptr || (member->interface == drive.interface && member->media == drive.media));
 }
 
-void dissolveUnusedArrays(Controller& ctrl) {
-    for (std::size_t i = ctrl.arrays.size(); i-- > 0;) {
-        if (!ldsOfArray(ctrl, ctrl.arrays[i].ref).empty())
-            continue;
-        const Array array = ctrl.arrays[i];
-        ctrl.arrays.erase(ctrl.arrays.begin() + static_cast<std::ptrdiff_t>(i));
-        for (const std::uint16_t id : array.drives) {
-            if (Drive* drive = findDrive(ctrl, id); drive != nullptr)
-                freeDrive(ctrl, *drive);
-        }
-        releaseSparesOf(ctrl, array.ref);
-    }
+void removeLd(Controller& ctrl, LogicalDrive& ld) {
+    ctrl.lds.erase(ctrl.lds.begin() + (&ld - ctrl.lds.data()));
+    dissolveUnusedArrays(ctrl);
+}
+
+bool imposeState(Controller& ctrl, Drive& drive, std::uint16_t state) {
+    const bool member = arrayOfDrive(ctrl, drive.deviceId) != nullptr;
+    const bool out = state == kPdOffline || state == kPdFailed;
+    const bool fits = member ? state == kPdOnline || state == kPdRebuild
+                             : state == kPdUnconfiguredGood || state == kPdUnconfiguredBad ||
+                                   (state == kPdHotSpare && !drive.foreign);
+    if (!out && !fits)
+        return false;
+    endCopyback(ctrl, drive);
+    releaseSpare(ctrl, drive.deviceId);
+    if (state == kPdHotSpare)
+        ctrl.spares.push_back({drive.deviceId, {}, true, false});
+    changeDriveState(ctrl, drive, state);
+    if (state == kPdRebuild)
+        drive.rebuild = Progress{};
+    startSpares(ctrl);
+    return true;
+}
+
+void removeDrive(Controller& ctrl, const Drive& drive) {
+    const std::uint16_t id = drive.deviceId;
+    endCopyback(ctrl, *findDrive(ctrl, id));
+    releaseSpare(ctrl, id);
+    Array* array = arrayOfDrive(ctrl, id);
+    const auto leave = [=](Array& place) { std::replace(place.drives.begin(), place.drives.end(), id, kNoDevice); };
+    std::for_each(ctrl.arrays.begin(), ctrl.arrays.end(), leave);
+    for (ForeignConfig& foreign : ctrl.foreign)
+        std::for_each(foreign.arrays.begin(), foreign.arrays.end(), leave);
+    std::erase_if(ctrl.drives, [=](const Drive& other) { return other.deviceId == id; });
+    if (array != nullptr)
+        refreshLds(ctrl, array->ref);
+    startSpares(ctrl);
 }
 
 } // namespace zebsim

@@ -24,7 +24,15 @@ bool fitsArray(const Controller& ctrl, const Drive& drive, const Array& array);
 /// A drive in the array, to compare others with; null when all positions are empty.
 const Drive* anyDriveOf(const Controller& ctrl, const Array& array);
 
-/// Removes the arrays that no LD uses, frees their drives and the spares that served only them.
-void dissolveUnusedArrays(Controller& ctrl);
+/// Removes an LD and the arrays that no other LD uses; frees the drives of these, and the spares that served only them.
+void removeLd(Controller& ctrl, LogicalDrive& ld);
+
+/// Gives the drive a state that nobody asked the controller for, as a failure or another actor does: a spare that gets
+/// another state serves no longer, a lone drive that gets the spare's state is a global spare, a lost member is
+/// replaced by a hot spare. False when the drive's place does not admit the state; nothing has changed then.
+bool imposeState(Controller& ctrl, Drive& drive, std::uint16_t state);
+
+/// Takes the drive out of the controller, as pulling it does. Its position in an array is empty from then on.
+void removeDrive(Controller& ctrl, const Drive& drive);
 
 } // namespace zebsim

@@ -8,6 +8,7 @@
 #include "storelib/records/enclosure.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace zebsim {
 
@@ -179,70 +180,50 @@ std::uint32_t runHandler(Call& call, const Command* command) {
 }
 
 /// Copies the answer into the caller's room, as far as the room and the fault let it.
-void deliver(const Bytes& answer, std::span<std::uint8_t> room, const Fault* fault) {
-    std::size_t length = std::min(answer.size(), room.size());
-    if (fault != nullptr && fault->action == Fault::Action::kTruncate)
-        length = std::min<std::size_t>(length, fault->value);
-    std::copy_n(answer.begin(), length, room.begin());
-    if (fault != nullptr)
-        applyToReply(*fault, room);
-}
-
-void bumpSequence(Call& call) {
-    constexpr std::uint8_t kControllerType = 0x01;
-    constexpr std::uint8_t kDriveType = 0x02;
-    constexpr std::uint8_t kLdType = 0x03;
-    Drive* drive = namedDrive(call);
-    LogicalDrive* ld = namedLd(call);
-    if (call.request.cmdType == kControllerType)
-        ++call.ctrl.properties.seq;
-    else if (call.request.cmdType == kDriveType && drive != nullptr)
-        ++drive->seq;
-    else if (call.request.cmdType == kLdType && ld != nullptr)
-        ++ld->seq;
-    else
-        return;
-    call.changed = true;
-}
-
-bool skipsHandler(const Fault* fault) {
-    return fault != nullptr && (fault->action == Fault::Action::kRandom || fault->action == Fault::Action::kFill);
+void deliver(Bytes answer, std::span<std::uint8_t> room, Stage& stage, const Strike& strike) {
+    stage.answer = &answer;
+    strike.due(Phase::kAnswer, stage);
+    stage.answer = nullptr;
+    std::copy_n(answer.begin(), std::min(answer.size(), room.size()), room.begin());
+    stage.room = room;
+    strike.due(Phase::kRoom, stage);
 }
 
 /// Runs the handler on the model. Without a saved state nothing has happened: the model goes back and the status says
 /// so.
-std::uint32_t runSaved(Session& session, Call& call, const Command* command, const Fault* fault) {
+std::uint32_t runSaved(Session& session, Call& call, const Command* command, Stage& stage, const Strike& strike) {
     std::optional<Model> before;
     if (session.keepsState() && (command == nullptr || command->data != Data::kRead))
         before = session.model();
-    const std::uint32_t status = skipsHandler(fault) ? kSuccess : runHandler(call, command);
-    if (fault != nullptr && fault->action == Fault::Action::kBumpSeq)
-        bumpSequence(call);
-    if (call.changed && !session.save()) {
-        if (before)
-            session.model() = *before;
-        return kOsFailure;
-    }
-    return status;
+    if (!strike.due(Phase::kHandler, stage))
+        stage.status = runHandler(call, command);
+    strike.due(Phase::kModel, stage);
+    const bool changed = std::exchange(stage.changed, false) || call.changed;
+    if (!changed || session.save())
+        return stage.status;
+    if (before)
+        session.model() = *before;
+    return kOsFailure;
 }
 
-std::uint32_t answerVersion(const _SL_LIB_CMD_PARAM_T& request, const Fault* fault) {
-    const std::uint32_t status = dataStatus(request, sizeof(_SL_LIB_VER_T));
+std::uint32_t answerVersion(Stage& stage, const Strike& strike) {
+    const std::uint32_t status = dataStatus(stage.request, sizeof(_SL_LIB_VER_T));
     if (status != kSuccess)
         return status;
     const std::string text = "1.0 4.02-00";
     Bytes answer(text.begin(), text.end());
     answer[3] = '\0';
     answer.resize(sizeof(_SL_LIB_VER_T));
-    deliver(answer, dataOf(request), fault);
+    deliver(std::move(answer), dataOf(stage.request), stage, strike);
     return kSuccess;
 }
 
 } // namespace
 
-std::uint32_t dispatch(Session& session, const _SL_LIB_CMD_PARAM_T& request, const Fault* fault) {
+std::uint32_t dispatch(Session& session, Stage& stage, const Strike& strike) {
+    const _SL_LIB_CMD_PARAM_T& request = stage.request;
     if (is(request, kLibraryType, kVersionCommand))
-        return answerVersion(request, fault);
+        return answerVersion(stage, strike);
     Buffers buffers;
     const Command* command = findCommand(request);
     std::uint32_t status = checkRequest(request, command, buffers);
@@ -252,22 +233,22 @@ std::uint32_t dispatch(Session& session, const _SL_LIB_CMD_PARAM_T& request, con
     if (ctrl == nullptr)
         return kBadController;
     Call call{session.model(), *ctrl, request, buffers.input, {}};
-    status = runSaved(session, call, command, fault);
+    status = runSaved(session, call, command, stage, strike);
     if (status == kSuccess)
-        deliver(call.answer, buffers.room, fault);
+        deliver(std::move(call.answer), buffers.room, stage, strike);
     return status;
 }
 
-std::uint32_t answerControllerList(Session& session, const _SL_LIB_CMD_PARAM_T& request, const Fault* fault) {
-    const std::uint32_t status = dataStatus(request, sizeof(_SL_CTRL_LIST_T));
+std::uint32_t answerControllerList(Stage& stage, const Strike& strike) {
+    const std::uint32_t status = dataStatus(stage.request, sizeof(_SL_CTRL_LIST_T));
     if (status != kSuccess)
         return status;
     _SL_CTRL_LIST_T list{};
-    for (const Controller& ctrl : session.model().controllers)
+    for (const Controller& ctrl : stage.model.controllers)
         list.ctrl[list.count++] = ctrl.id;
     Bytes answer(sizeof list);
     std::memcpy(answer.data(), &list, sizeof list);
-    deliver(answer, dataOf(request), fault);
+    deliver(std::move(answer), dataOf(stage.request), stage, strike);
     return kSuccess;
 }
 

@@ -5,11 +5,12 @@
 
 namespace zebsim {
 
-/// Answers one request of a session that is under way; initialise and exit are not among them.
-std::uint32_t dispatch(Session& session, const _SL_LIB_CMD_PARAM_T& request, const Fault* fault);
+/// Answers the request of the stage, one of a session that is under way; initialise and exit are not among them.
+/// Returns its status.
+std::uint32_t dispatch(Session& session, Stage& stage, const Strike& strike);
 
-/// Answers the controller list (the initialise request).
-std::uint32_t answerControllerList(Session& session, const _SL_LIB_CMD_PARAM_T& request, const Fault* fault);
+/// Answers the controller list (the initialise request). Returns the status.
+std::uint32_t answerControllerList(Stage& stage, const Strike& strike);
 
 /// The opcode of a controller-command request; none for every other request.
 std::optional<std::uint32_t> opcodeOf(const _SL_LIB_CMD_PARAM_T& request);

@@ -32,13 +32,13 @@ std::uint32_t initialise(const _SL_LIB_CMD_PARAM_T& request) {
     std::unique_ptr<Session> fresh = Session::start();
     if (!fresh)
         return kInitFailed;
-    const Fault* fault = fresh->faults().strike(request, std::nullopt);
-    if (fault != nullptr && fault->action == Fault::Action::kStatus)
-        return static_cast<std::uint32_t>(fault->value);
-    const std::uint32_t status = answerControllerList(*fresh, request, fault);
-    if (status == kSuccess)
+    const Strike strike = fresh->faults().strike(request, std::nullopt);
+    Stage stage{request, fresh->model()};
+    if (!strike.due(Phase::kRequest, stage))
+        stage.status = answerControllerList(stage, strike);
+    if (stage.status == kSuccess)
         session() = std::move(fresh);
-    return status;
+    return stage.status;
 }
 
 std::uint32_t exitLibrary() {
@@ -55,12 +55,18 @@ std::uint32_t answer(const _SL_LIB_CMD_PARAM_T& request) {
     if (!session())
         return kNotInitialized;
     session()->passTime();
-    const Fault* fault = session()->faults().strike(request, opcodeOf(request));
-    if (fault != nullptr && fault->action == Fault::Action::kStatus)
-        return static_cast<std::uint32_t>(fault->value);
-    if (isLibraryCommand(request, kExit))
-        return exitLibrary();
-    return dispatch(*session(), request, fault);
+    const Strike strike = session()->faults().strike(request, opcodeOf(request));
+    Stage stage{request, session()->model()};
+    if (!strike.due(Phase::kRequest, stage)) {
+        if (isLibraryCommand(request, kExit))
+            return exitLibrary();
+        stage.status = dispatch(*session(), stage, strike);
+    }
+    const std::uint32_t status = stage.status;
+    strike.due(Phase::kAfter, stage);
+    if (stage.changed)
+        session()->save();
+    return status;
 }
 
 /// The trace line up to the status; taken before the answer overwrites what went out.

@@ -94,8 +94,7 @@ std::uint32_t deleteLd(Call& call) {
         return kInitInProgress;
     if (ld->reconstruction)
         return kReconstructionInProgress;
-    call.ctrl.lds.erase(call.ctrl.lds.begin() + (ld - call.ctrl.lds.data()));
-    dissolveUnusedArrays(call.ctrl);
+    removeLd(call.ctrl, *ld);
     call.changed = true;
     return kSuccess;
 }

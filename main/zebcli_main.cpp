@@ -24,8 +24,6 @@ constexpr unsigned int kLogBudget = 2000000; // bytes
 constexpr std::size_t kWordSize = 256;
 constexpr std::size_t kLongestArgument = 256;
 constexpr int kFailure = -1;
-constexpr char kAccessError[] =
-    "Error - An error has occurred on accessing to RAID controller.\nQuits the application.\n";
 
 using CommandWord = char[kWordSize + 1];
 

@@ -1,6 +1,7 @@
 // Controller settings and automatic rebuild.
 #include "commands/handlers.h"
 
+#include "commands/zebcli_cmd_ctrl/setting_results.h"
 #include "log/raidctl.h"
 #include "log/zebcli_log.h"
 #include "main/zebcli_cmd_com/base/source.h"
@@ -62,18 +63,6 @@ void refuseBoth(unsigned char contNo) {
                contNo);
 }
 
-void sayChanged(unsigned char contNo) {
-    CliLogging(kPrint, kCtrlSource, __LINE__, "Information - Controller[%d] Settings have been changed.", contNo);
-}
-
-void sayFailed(const char* handler, const char* text, unsigned char contNo, int line = __builtin_LINE()) {
-    traceFailure({kCtrlSource, handler}, text, contNo, line);
-    CliLogging(kPrintAndLog, kCtrlSource, line,
-               "Error - Failed to change Controller[%d] Settings.\n"
-               "Please confirm OS event log whether there is no problem with RAID controller.\n",
-               contNo);
-}
-
 bool chosenOrCurrent(const Options& options, unsigned enable, unsigned disable, bool current) {
     return options.has(disable) ? false : options.has(enable) || current;
 }
@@ -121,8 +110,7 @@ bool changeSettings(unsigned char contNo, const Options& options, const _AFCONT&
     if (SLGetMFCDefaults(contNo, &defaults) != kSlSuccess)
         return trace(__LINE__, "SLGetMFCDefaults error");
     if (SLIsCopybackSupported(&cont.ctrlInfo) == 0 && options.has(kHddCopyback | kSsdCopyback | kPdFail)) {
-        CliLogging(kPrintAndLog, kCtrlSource, __LINE__,
-                   "Error - The specified parameter is not supported at the current configuration.");
+        sayParameterNotSupported();
         return true;
     }
     const SL_CTRL_SETTING_INFO settings = makeSettings(options, info.properties);
@@ -132,14 +120,14 @@ bool changeSettings(unsigned char contNo, const Options& options, const _AFCONT&
         return true;
     }
     if (SLSetCtrlProp(contNo, &settings) != kSlSuccess) {
-        sayFailed(kHandler, "SLSetCtrlProp error", contNo);
+        saySettingsFailed({kCtrlSource, kHandler}, "SLSetCtrlProp error", contNo);
         return false;
     }
     if (SLSetFailPDOnSmartTer(contNo, pdFailValue(options, settings, defaults.failPdOnSmartError)) != kSlSuccess) {
-        sayFailed(kHandler, "SLSetFailPDOnSmartTer error", contNo);
+        saySettingsFailed({kCtrlSource, kHandler}, "SLSetFailPDOnSmartTer error", contNo);
         return false;
     }
-    sayChanged(contNo);
+    saySettingsChanged(contNo);
     return true;
 }
 
@@ -170,10 +158,10 @@ int CliCmdExecAdpRbldMode(int argc, char** argv, _AFCONT* /*conts*/, int contCou
         if (disable && !confirmed(kAskDisableAutoRebuild))
             return 1;
         if (SLSetCtrlRbldMode(contNo, disable ? 1 : 0) != kSlSuccess) {
-            sayFailed(__func__, "SLSetCtrlRbldMode error", contNo);
+            saySettingsFailed({kCtrlSource, __func__}, "SLSetCtrlRbldMode error", contNo);
             return 1;
         }
-        sayChanged(contNo);
+        saySettingsChanged(contNo);
     }
     return 0;
 }

@@ -10,9 +10,20 @@ SelectedLds selectedLds(const LdSelection& selection, unsigned char contNo) {
         if (ldNo != kNoTarget)
             selected.ldNo[selected.count++] = ldNo;
     if (selected.count == 0)
-        CliLogging(kPrintAndLog, kLdSource, __LINE__, "Error - Controller[%d] The specified %s doesn't exist.", contNo,
-                   "Logical Drive");
+        sayNoLd(contNo);
     return selected;
+}
+
+void sayNoLd(unsigned char contNo, int line) {
+    CliLogging(kPrintAndLog, kLdSource, line, "Error - Controller[%d] The specified %s doesn't exist.", contNo,
+               "Logical Drive");
+}
+
+const char* shownLevel(ZEB_RAID_LVL level, bool cacheCade, unsigned char contNo) {
+    if (cacheCade)
+        return "CacheCade";
+    const char* name = RaidlvlToStr(level, contNo);
+    return name != nullptr ? name : "-";
 }
 
 unsigned short driveCountOf(const _MR_LD_CONFIG& ld) {

@@ -23,6 +23,13 @@ struct SelectedLds {
 /// Collects them; when there are none, says so.
 SelectedLds selectedLds(const LdSelection& selection, unsigned char contNo);
 
+/// Says that there is no such LD.
+void sayNoLd(unsigned char contNo, int line = __builtin_LINE());
+
+/// The RAID level as the tables and plans of creation and deletion show it: "CacheCade" for a CacheCade LD, "-" for a
+/// level that is not known, which is traced.
+const char* shownLevel(ZEB_RAID_LVL level, bool cacheCade, unsigned char contNo);
+
 /// The number of drives of an LD over all its spans.
 unsigned short driveCountOf(const _MR_LD_CONFIG& ld);
 

@@ -54,6 +54,10 @@ int AllocDriveInfo(_AFCONT* conts, int count);
 /// failing snapshot feature is no failure.
 int UpdateDriveInfo(_AFCONT* conts, int count);
 
+/// What the operator is told where that failed.
+inline constexpr char kAccessError[] =
+    "Error - An error has occurred on accessing to RAID controller.\nQuits the application.\n";
+
 /// Releases what the other two made; copes with partly filled records and with a null array.
 void FreeDriveInfo(_AFCONT* conts, int count);
 

@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr OptionTable kOptions = controllerOptions(kCtrlSource);
+constexpr OptionTable kOptions{.source = kCtrlSource, .badToken = BadToken::Before, .takesControllers = true};
 constexpr TraceOrigin kOrigin{kCtrlSource, "CliCmdExecCacheBkupInfo"};
 constexpr unsigned kSecondsPerDay = 86400;
 

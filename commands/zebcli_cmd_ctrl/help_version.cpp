@@ -74,19 +74,11 @@ bool offersCacheCade(const _AFCONT* conts, int contCount) {
     return false;
 }
 
-/// Both commands take no argument; what is named is the command word.
-bool refuseArguments(int argc, char** argv) {
-    if (argc < 3)
-        return false;
-    refuseToken(kCtrlSource, __LINE__, argv[1]);
-    return true;
-}
-
 } // namespace
 
 int CliCmdExecHelp(int argc, char** argv, _AFCONT* conts, int contCount) {
     dumpLog(kCtrlSource, __LINE__, __func__);
-    if (refuseArguments(argc, argv))
+    if (refuseArguments(kCtrlSource, argc, argv))
         return 1;
     CliLogging(kPrint, kCtrlSource, __LINE__, kUsage, offersCacheCade(conts, contCount) ? kCacheCadePart : "",
                kProductVersion, kRightsYear);
@@ -95,7 +87,7 @@ int CliCmdExecHelp(int argc, char** argv, _AFCONT* conts, int contCount) {
 
 int CliCmdExecVersion(int argc, char** argv, _AFCONT* /*conts*/, int /*contCount*/) {
     dumpLog(kCtrlSource, __LINE__, __func__);
-    if (refuseArguments(argc, argv))
+    if (refuseArguments(kCtrlSource, argc, argv))
         return 1;
     char libraryVersion[sizeof(_SL_LIB_VER_T) + 2] = {};
     _SL_LIB_VER_T version{};

@@ -19,7 +19,7 @@
 
 namespace {
 
-constexpr OptionTable kOptions = controllerOptions(kCtrlSource);
+constexpr OptionTable kOptions{.source = kCtrlSource, .badToken = BadToken::Before, .takesControllers = true};
 constexpr char kHandler[] = "CliCmdExecAdpInfo";
 constexpr TraceOrigin kOrigin{kCtrlSource, kHandler};
 

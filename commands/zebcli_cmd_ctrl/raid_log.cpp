@@ -84,10 +84,8 @@ void sayFailed(int line = __builtin_LINE()) {
 
 int CliCmdExecLog(int argc, char** argv, _AFCONT* /*conts*/, int /*contCount*/) {
     dumpLog(kCtrlSource, __LINE__, __func__);
-    if (argc >= 3) {
-        refuseToken(kCtrlSource, __LINE__, argv[1]);
+    if (refuseArguments(kCtrlSource, argc, argv))
         return 1;
-    }
     std::signal(SIGCHLD, SIG_DFL); // ignored by the caller, the tool's status would be lost
     const char* tool = toolName();
     if (tool == nullptr) {

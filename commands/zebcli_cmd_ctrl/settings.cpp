@@ -35,25 +35,33 @@ constexpr unsigned kCopybackEnable = kHddCopybackEnable | kSsdCopybackEnable;
 constexpr unsigned kCopybackDisable = kHddCopybackDisable | kSsdCopybackDisable;
 
 constexpr auto kSettingWords = std::to_array<OptionWord>({
-    {"trh", kTaskRateHigh, kTaskRates},
-    {"trm", kTaskRateMiddle, kTaskRates},
-    {"trl", kTaskRateLow, kTaskRates},
-    {"hddcpybkenbl", kHddCopybackEnable, kHddCopyback},
-    {"hddcpybkdsbl", kHddCopybackDisable, kHddCopyback},
-    {"ssdcpybkenbl", kSsdCopybackEnable, kSsdCopyback},
-    {"ssdcpybkdsbl", kSsdCopybackDisable, kSsdCopyback},
-    {"pdfailenbl", kPdFailEnable, kPdFail},
-    {"pdfaildsbl", kPdFailDisable, kPdFail},
+    {.word = "trh", .bit = kTaskRateHigh, .refusedAfter = kTaskRates},
+    {.word = "trm", .bit = kTaskRateMiddle, .refusedAfter = kTaskRates},
+    {.word = "trl", .bit = kTaskRateLow, .refusedAfter = kTaskRates},
+    {.word = "hddcpybkenbl", .bit = kHddCopybackEnable, .refusedAfter = kHddCopyback},
+    {.word = "hddcpybkdsbl", .bit = kHddCopybackDisable, .refusedAfter = kHddCopyback},
+    {.word = "ssdcpybkenbl", .bit = kSsdCopybackEnable, .refusedAfter = kSsdCopyback},
+    {.word = "ssdcpybkdsbl", .bit = kSsdCopybackDisable, .refusedAfter = kSsdCopyback},
+    {.word = "pdfailenbl", .bit = kPdFailEnable, .refusedAfter = kPdFail},
+    {.word = "pdfaildsbl", .bit = kPdFailDisable, .refusedAfter = kPdFail},
 });
-constexpr OptionTable kSettingOptions = controllerOptions(kCtrlSource, kSettingWords);
+constexpr OptionTable kSettingOptions{.source = kCtrlSource,
+                                      .badToken = BadToken::Before,
+                                      .words = kSettingWords,
+                                      .needsWord = true,
+                                      .takesControllers = true};
 
 enum RebuildBit : unsigned { kRebuildEnable = 1, kRebuildDisable = 2 };
 constexpr unsigned kRebuildModes = kRebuildEnable | kRebuildDisable;
 constexpr auto kRebuildWords = std::to_array<OptionWord>({
-    {"enbl", kRebuildEnable, kRebuildModes},
-    {"dsbl", kRebuildDisable, kRebuildModes},
+    {.word = "enbl", .bit = kRebuildEnable, .refusedAfter = kRebuildModes},
+    {.word = "dsbl", .bit = kRebuildDisable, .refusedAfter = kRebuildModes},
 });
-constexpr OptionTable kRebuildOptions = controllerOptions(kCtrlSource, kRebuildWords);
+constexpr OptionTable kRebuildOptions{.source = kCtrlSource,
+                                      .badToken = BadToken::Before,
+                                      .words = kRebuildWords,
+                                      .needsWord = true,
+                                      .takesControllers = true};
 
 /// Failing a drive on SMART errors and copying it back on SMART errors exclude each other.
 void refuseBoth(unsigned char contNo) {

@@ -15,11 +15,12 @@ namespace {
 enum SeverityBit : unsigned { kInformation = 1, kWarning = 2, kError = 4 };
 constexpr unsigned kSeverities = kInformation | kWarning | kError;
 constexpr auto kSeverityWords = std::to_array<OptionWord>({
-    {"inf", kInformation, kSeverities},
-    {"wrn", kWarning, kSeverities},
-    {"err", kError, kSeverities},
+    {.word = "inf", .bit = kInformation, .refusedAfter = kSeverities},
+    {.word = "wrn", .bit = kWarning, .refusedAfter = kSeverities},
+    {.word = "err", .bit = kError, .refusedAfter = kSeverities},
 });
-constexpr OptionTable kOptions{kCtrlSource, BadToken::Before, kSeverityWords, false, false, false};
+constexpr OptionTable kOptions{
+    .source = kCtrlSource, .badToken = BadToken::Before, .words = kSeverityWords, .needsWord = true};
 
 constexpr char kDetailedCode[] = "FFFFFFFF";
 

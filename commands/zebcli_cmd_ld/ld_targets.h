@@ -7,9 +7,14 @@
 
 #include <span>
 
-/// The option table of an LD command: controllers, LDs and its own words.
-inline constexpr OptionTable ldOptions(std::span<const OptionWord> words) {
-    return {kLdSource, BadToken::Itself, words, true, true, false};
+/// The option table of an LD command: controllers, LDs and its own words, of which it needs one.
+inline constexpr OptionTable ldOptions(std::span<const OptionWord> words = {}) {
+    return {.source = kLdSource,
+            .badToken = BadToken::Itself,
+            .words = words,
+            .needsWord = !words.empty(),
+            .takesControllers = true,
+            .takesLds = true};
 }
 
 /// The selected LDs of one controller in ascending order.

@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr OptionTable kOptions = ldOptions({});
+constexpr OptionTable kOptions = ldOptions();
 constexpr std::uint64_t kFreeSpaceFloor = 4; // MB per drive
 constexpr unsigned kBlocksToMbShift = 11;
 

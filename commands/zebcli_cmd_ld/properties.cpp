@@ -40,25 +40,30 @@ struct PolicyWord {
     std::uint8_t value;
 };
 constexpr auto kPolicyWords = std::to_array<PolicyWord>({
-    {{"wt", 0x0002, kWriteGroup}, kWriteThrough},
-    {{"wb", kWb, kWriteGroup}, kAlwaysWriteBack},
-    {{"wbcb", kWbcb, kWriteGroup}, kWriteBack},
-    {{"nora", 0x0010, kReadGroup}, kNoReadAhead},
-    {{"ra", kRa, kReadGroup}, kReadAhead},
-    {{"direct", 0x0040, kIoGroup}, kDirectIo},
-    {{"cached", kCached, kIoGroup}, kCachedIo},
-    {{"rw", 0x0100, kAccessGroup}, kReadWrite},
-    {{"ro", 0x0200, kAccessGroup}, kReadOnly},
-    {{"blocked", 0x0400, kAccessGroup}, kBlocked},
-    {{"endskcache", 0x0800, kDiskCacheGroup}, kDiskCacheEnabled},
-    {{"disdskcache", 0x1000, kDiskCacheGroup}, kDiskCacheDisabled},
-    {{"unchanged", 0x2000, kDiskCacheGroup}, kDiskCacheUnchanged},
+    {{.word = "wt", .bit = 0x0002, .refusedAfter = kWriteGroup}, kWriteThrough},
+    {{.word = "wb", .bit = kWb, .refusedAfter = kWriteGroup}, kAlwaysWriteBack},
+    {{.word = "wbcb", .bit = kWbcb, .refusedAfter = kWriteGroup}, kWriteBack},
+    {{.word = "nora", .bit = 0x0010, .refusedAfter = kReadGroup}, kNoReadAhead},
+    {{.word = "ra", .bit = kRa, .refusedAfter = kReadGroup}, kReadAhead},
+    {{.word = "direct", .bit = 0x0040, .refusedAfter = kIoGroup}, kDirectIo},
+    {{.word = "cached", .bit = kCached, .refusedAfter = kIoGroup}, kCachedIo},
+    {{.word = "rw", .bit = 0x0100, .refusedAfter = kAccessGroup}, kReadWrite},
+    {{.word = "ro", .bit = 0x0200, .refusedAfter = kAccessGroup}, kReadOnly},
+    {{.word = "blocked", .bit = 0x0400, .refusedAfter = kAccessGroup}, kBlocked},
+    {{.word = "endskcache", .bit = 0x0800, .refusedAfter = kDiskCacheGroup}, kDiskCacheEnabled},
+    {{.word = "disdskcache", .bit = 0x1000, .refusedAfter = kDiskCacheGroup}, kDiskCacheDisabled},
+    {{.word = "unchanged", .bit = 0x2000, .refusedAfter = kDiskCacheGroup}, kDiskCacheUnchanged},
 });
+
+/// A name has to leave room for a NUL in the properties.
+bool isName(const char* value) {
+    return std::strlen(value) < sizeof(_MR_LD_PROPERTIES::name);
+}
 
 /// The option words: the name, then the policies.
 constexpr std::array<OptionWord, kPolicyWords.size() + 1> makeWords() {
     std::array<OptionWord, kPolicyWords.size() + 1> words{};
-    words[0] = {"name", kName, kName, true};
+    words[0] = {.word = "name", .bit = kName, .refusedAfter = kName, .acceptsValue = isName};
     for (std::size_t i = 0; i < kPolicyWords.size(); ++i)
         words[i + 1] = kPolicyWords[i].option;
     return words;
@@ -69,7 +74,7 @@ constexpr OptionTable kOptions = ldOptions(kWords);
 /// The value of the group's option when one was given, else what is kept of the current value.
 std::uint8_t policyOr(const Options& options, unsigned group, std::uint8_t kept) {
     const auto* word = std::find_if(kPolicyWords.begin(), kPolicyWords.end(), [&](const PolicyWord& row) {
-        return row.option.group == group && options.has(row.option.bit);
+        return row.option.refusedAfter == group && options.has(row.option.bit);
     });
     return word != kPolicyWords.end() ? word->value : kept;
 }

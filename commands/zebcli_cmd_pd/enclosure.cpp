@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr OptionTable kOptions = controllerOptions(kPdSource);
+constexpr OptionTable kOptions{.source = kPdSource, .badToken = BadToken::Before, .takesControllers = true};
 constexpr TraceOrigin kOrigin{kPdSource, "CliCmdExecEnclInfo"};
 
 /// What is asked of one enclosure.

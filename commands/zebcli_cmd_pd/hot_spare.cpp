@@ -24,10 +24,10 @@ constexpr TraceOrigin kOrigin{kPdSource, "CliCmdExecPDHSP"};
 enum SpareBit : unsigned { kGlobal = 1, kDedicated = 2, kRemove = 4, kNoCheck = 8 };
 constexpr unsigned kModes = kGlobal | kDedicated | kRemove;
 constexpr auto kWords = std::to_array<OptionWord>({
-    {"ghs", kGlobal, kModes},
-    {"dhs", kDedicated, kModes},
-    {"rmv", kRemove, kModes},
-    {"nochk", kNoCheck, kNoCheck},
+    {.word = "ghs", .bit = kGlobal, .refusedAfter = kModes},
+    {.word = "dhs", .bit = kDedicated, .refusedAfter = kModes},
+    {.word = "rmv", .bit = kRemove, .refusedAfter = kModes},
+    {.word = "nochk", .bit = kNoCheck, .refusedAfter = kNoCheck},
 });
 constexpr OptionTable kOptions = pdOptions(kWords);
 

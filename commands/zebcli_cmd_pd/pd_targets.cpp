@@ -23,11 +23,11 @@ bool allDrivesExist(const Options& options, int contCount, const _AFCONT* conts)
 }
 
 bool parsePdCommand(const OptionTable& table, bool (*isComplete)(const Options&), int argc, char** argv, int contCount,
-                    const _AFCONT* conts, Options& options) {
-    if (!parseOptions(table, argc, argv, contCount, options))
+                    const _AFCONT* conts, Options& options, int line) {
+    if (!parseOptions(table, argc, argv, contCount, options, line))
         return false;
     if (!isComplete(options)) {
-        refuseToken(kPdSource, __LINE__, argv[argc - 1]);
+        refuseToken(kPdSource, line, argv[argc - 1]);
         return false;
     }
     return selectDefaultTargets(table, contCount, options) && allDrivesExist(options, contCount, conts);

@@ -9,13 +9,11 @@
 
 namespace {
 
-constexpr std::size_t kLongestValue = 15;
-
 /// Walks the arguments of one command.
 class OptionParser {
   public:
-    OptionParser(const OptionTable& table, int argc, char** argv, int contCount, Options& options)
-        : table_(table), argc_(argc), argv_(argv), contCount_(contCount), options_(options) {}
+    OptionParser(const OptionTable& table, int argc, char** argv, int contCount, Options& options, int line)
+        : table_(table), argc_(argc), argv_(argv), contCount_(contCount), options_(options), line_(line) {}
 
     bool parse() {
         for (index_ = 2; index_ < argc_; ++index_)
@@ -42,15 +40,15 @@ class OptionParser {
     }
 
     bool takeWord(const OptionWord& word) {
-        if (options_.has(word.group))
+        if (options_.has(word.refusedAfter))
             return refuse();
         options_.bits |= word.bit;
-        if (!word.takesValue)
+        if (word.acceptsValue == nullptr)
             return true;
         if (index_ + 1 >= argc_)
             return refuse();
         options_.value = argv_[++index_];
-        return std::strlen(options_.value) <= kLongestValue || refuse();
+        return word.acceptsValue(options_.value) || refuse();
     }
 
     bool takeControllers(const OptionText& option) {
@@ -59,7 +57,7 @@ class OptionParser {
         options_.ctrlGiven = true;
         switch (GetAdapterNo(option.text, options_.ctrls, contCount_)) {
         case kAdapterMissing:
-            CliLogging(kPrintAndLog, table_.source, __LINE__, "Error - The specified Controller %d: doesn't exist.",
+            CliLogging(kPrintAndLog, table_.source, line_, "Error - The specified Controller %d: doesn't exist.",
                        options_.ctrls[0]);
             return false;
         case kAdapterMalformed:
@@ -84,7 +82,7 @@ class OptionParser {
     }
 
     bool refuse() {
-        refuseToken(table_.source, __LINE__, argv_[table_.badToken == BadToken::Before ? index_ - 1 : index_]);
+        refuseToken(table_.source, line_, argv_[table_.badToken == BadToken::Before ? index_ - 1 : index_]);
         return false;
     }
 
@@ -93,6 +91,7 @@ class OptionParser {
     char** argv_;
     int contCount_;
     Options& options_;
+    int line_;
     int index_ = 0;
 };
 
@@ -107,8 +106,8 @@ OptionText optionText(const char* argument) {
     return out;
 }
 
-bool parseOptions(const OptionTable& table, int argc, char** argv, int contCount, Options& options) {
-    return OptionParser(table, argc, argv, contCount, options).parse();
+bool parseOptions(const OptionTable& table, int argc, char** argv, int contCount, Options& options, int line) {
+    return OptionParser(table, argc, argv, contCount, options, line).parse();
 }
 
 bool selectDefaultTargets(const OptionTable& table, int contCount, Options& options) {
@@ -119,11 +118,11 @@ bool selectDefaultTargets(const OptionTable& table, int contCount, Options& opti
     return true;
 }
 
-bool readArguments(const OptionTable& table, int argc, char** argv, int contCount, Options& options) {
-    if (!parseOptions(table, argc, argv, contCount, options))
+bool readArguments(const OptionTable& table, int argc, char** argv, int contCount, Options& options, int line) {
+    if (!parseOptions(table, argc, argv, contCount, options, line))
         return false;
-    if (!table.words.empty() && options.bits == 0) {
-        refuseToken(table.source, __LINE__, argc > 2 ? argv[2] : nullptr);
+    if (table.needsWord && options.bits == 0) {
+        refuseToken(table.source, line, argc > 2 ? argv[2] : nullptr);
         return false;
     }
     return selectDefaultTargets(table, contCount, options);
@@ -132,6 +131,13 @@ bool readArguments(const OptionTable& table, int argc, char** argv, int contCoun
 void refuseToken(const char* source, int line, const char* argument) {
     CliLogging(kPrintAndLog, source, line, "Error - Invalid input at or near token %s.",
                argument != nullptr ? argument : "(null)");
+}
+
+bool refuseArguments(const char* source, int argc, char** argv, int line) {
+    if (argc < 3)
+        return false;
+    refuseToken(source, line, argv[1]);
+    return true;
 }
 
 std::span<const unsigned char> selectedControllers(const CtrlList& list, int contCount) {

@@ -7,12 +7,12 @@
 #include <cstddef>
 #include <span>
 
-/// One option word. A word is refused when a word of its group was given before.
+/// One option word.
 struct OptionWord {
     const char* word;
     unsigned bit;
-    unsigned group; ///< the bits of all words of the group
-    bool takesValue = false;
+    unsigned refusedAfter; ///< the bits of the words before which this one is refused, its own among them
+    bool (*acceptsValue)(const char* value) = nullptr; ///< null where no value follows; one not accepted is refused
 };
 
 /// Which argument a refusal names.
@@ -24,21 +24,17 @@ enum class BadToken {
 struct OptionTable {
     const char* source; ///< the source unit that the messages carry
     BadToken badToken;
-    std::span<const OptionWord> words;
-    bool takesControllers;
-    bool takesLds;
-    bool takesPds;
+    std::span<const OptionWord> words{};
+    bool needsWord = false; ///< at least one of them
+    bool takesControllers = false;
+    bool takesLds = false;
+    bool takesPds = false;
 };
-
-/// The option table of a command that takes controllers and its own words, no other targets.
-inline constexpr OptionTable controllerOptions(const char* source, std::span<const OptionWord> words = {}) {
-    return {source, BadToken::Before, words, true, false, false};
-}
 
 /// What was given.
 struct Options {
     unsigned bits = 0;
-    const char* value = nullptr; ///< of the word that takes one
+    const char* value = nullptr; ///< of the word that takes one, as it was typed
     bool ctrlGiven = false;
     bool ldGiven = false;
     bool pdGiven = false;
@@ -63,20 +59,28 @@ struct OptionText {
 };
 OptionText optionText(const char* argument);
 
-/// Reads the arguments behind the command word. Returns true, or false after the refusal has been said.
-bool parseOptions(const OptionTable& table, int argc, char** argv, int contCount, Options& options);
+/// Reads the arguments behind the command word. Returns true, or false after the refusal has been said, under the line
+/// of the handler.
+bool parseOptions(const OptionTable& table, int argc, char** argv, int contCount, Options& options,
+                  int line = __builtin_LINE());
 
 /// Selects the default of the targets that the command takes and that were not given: all LDs, the only controller.
 /// There is none for PDs, so that no command changes a drive that nobody named. Returns false when there are several
 /// controllers, which has been said.
 bool selectDefaultTargets(const OptionTable& table, int contCount, Options& options);
 
-/// Reads the arguments of a command and selects its default targets. A command that has words needs one of them;
-/// without one the third argument is named. Returns false when the command is over; what is due has been said.
-bool readArguments(const OptionTable& table, int argc, char** argv, int contCount, Options& options);
+/// Reads the arguments of a command and selects its default targets. Where a word is needed and there is none, the
+/// third argument is named. Returns false when the command is over; what is due has been said, under the line of the
+/// handler.
+bool readArguments(const OptionTable& table, int argc, char** argv, int contCount, Options& options,
+                   int line = __builtin_LINE());
 
 /// Says that the named argument cannot be. A null argument is shown as the formatter of the C library shows it.
 void refuseToken(const char* source, int line, const char* argument);
+
+/// For a command without options: refuses any argument behind the command word, and names that word. Returns whether it
+/// did.
+bool refuseArguments(const char* source, int argc, char** argv, int line = __builtin_LINE());
 
 /// The controllers of a list, in its order.
 std::span<const unsigned char> selectedControllers(const CtrlList& list, int contCount);

@@ -6,5 +6,7 @@
 #include <array>
 
 enum StartStopBit : unsigned { kStart = 1, kStop = 2 };
-inline constexpr auto kStartStopWords =
-    std::to_array<OptionWord>({{"start", kStart, kStart | kStop}, {"stop", kStop, kStart | kStop}});
+inline constexpr auto kStartStopWords = std::to_array<OptionWord>({
+    {.word = "start", .bit = kStart, .refusedAfter = kStart | kStop},
+    {.word = "stop", .bit = kStop, .refusedAfter = kStart | kStop},
+});

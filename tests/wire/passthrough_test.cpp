@@ -123,6 +123,21 @@ TEST_F(WirePassThru, LogPagesOfADrive) {
     }
 }
 
+TEST_F(WirePassThru, LogPagesByDeviceIdTakeOneRequest) {
+    const Bytes page = randomBytes(7, 32);
+    unsigned char temperature = page[9] ^ 1;
+    check(
+        "SLGetPDTemperatureByDevice", {{scsi(1, 10, {0x4D, 0, 0x4D, 0, 0, 0, 0, 0, 32}, 32, page), {}}},
+        [&] { return SLGetPDTemperatureByDevice(kCont, kDevice, &temperature); },
+        [&](bool succeeded) { EXPECT_TRUE(temperature == page[9] || !succeeded); });
+    int supported = 9;
+    check(
+        "SLIsTempPageSupportedByDevice",
+        {{scsi(1, 10, {0x4D, 0, 0x40, 0, 0, 0, 0, 0, 32}, 32, {0, 0, 0, 2, 0, 0x0D}), {}}},
+        [&] { return SLIsTempPageSupportedByDevice(kCont, kDevice, &supported); },
+        [&](bool succeeded) { EXPECT_EQ(succeeded ? 1 : 0, supported); });
+}
+
 TEST_F(WirePassThru, BootSectorIsReadTwiceAndTheSecondAnswerCounts) {
     for (const std::size_t active : {0U, 430U, 445U, 446U, 447U, 462U, 478U, 494U, 510U, 511U})
         for (const std::uint32_t status : {0x00U, 0x04U}) {

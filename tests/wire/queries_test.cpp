@@ -281,6 +281,33 @@ TEST_F(WireQueries, PartitionIsAskedInTwoStepsAndAlwaysTraced) {
     }
 }
 
+TEST_F(WireQueries, QuestionsWithoutALookUpTakeOneRequest) {
+    _MR_PD_INFO pd{};
+    const Bytes pdAnswer = randomBytes(8, sizeof pd);
+    check(
+        "SLGetPDInfoByDevice", {{request(0x02, 0x00, kDevice, sizeof pd, pdAnswer), {"SLGetPDInfoByDevice"}}},
+        [&] {
+            std::memset(&pd, kOld, sizeof pd);
+            return SLGetPDInfoByDevice(kCont, kDevice, &pd);
+        },
+        [&](bool succeeded) { EXPECT_EQ(succeeded ? pdAnswer : Bytes(sizeof pd), bytesOf(pd)); });
+
+    _SL_LD_OS_MAP_T map{};
+    const ExpectedRequest mapping = osMap(1, {{kLd, 0x1234, "/dev/sda"}});
+    check("SLGetLDOSMap", {{mapping, {"SLGetLDOSMap"}}}, [&] { return SLGetLDOSMap(kCont, &(map = {})); });
+
+    _SL_PARTITION_INFO_T partition{};
+    const Bytes answer = randomBytes(9, 14344);
+    ExpectedRequest wanted = request(0x00, 0x08, 0, 14344, answer, Bytes{});
+    wanted.param = {0x34, kLd};
+    check(
+        "SLGetMappedPartition", {{wanted, {"SLGetMappedPartition"}, {}, true}},
+        [&] { return SLGetMappedPartition(kCont, kLd, 0x1234, &(partition = {})); },
+        [&](bool succeeded) {
+            EXPECT_EQ(succeeded ? Bytes(&answer[0], &answer[120]) : Bytes(120), bytesOf(partition));
+        });
+}
+
 TEST_F(WireQueries, SoftwareRaidIsToldByTheNameOfTheFirstController) {
     const std::pair<const char*, int> cases[] = {
         {"LSI Embedded MegaRAID", 1}, {"", 1}, {"LSI", 1}, {"LSI Embedded MegaRAID X", 0}, {"lsi", 0}};

@@ -30,6 +30,22 @@ void setBit(std::uint32_t& word, std::uint32_t bit, bool on) {
     word = on ? (word | bit) : (word & ~bit);
 }
 
+std::uint32_t readPartition(Caller caller, unsigned char contNo, int ldNo, std::uint32_t partitionArg,
+                            _SL_PARTITION_INFO_T* partition) {
+    constexpr Command kGetPartition{0x00, 0x08};
+    const auto reply = allocateRecord<_SL_PARTITION_INFO_T>(kPartitionReplySize - sizeof *partition);
+    if (!reply)
+        return kSlMemoryAllocFailed;
+    SL_LIB_CMD_PARAM_T request = makeRequest(kGetPartition, contNo);
+    request.param.bytes[0] = static_cast<std::uint8_t>(partitionArg);
+    request.param.bytes[1] = static_cast<std::uint8_t>(ldNo);
+    attachData(request, reply.get(), kPartitionReplySize);
+    const std::uint32_t status = sendRequest(caller, request, contNo, Trace::Always);
+    if (status == kSlSuccess)
+        *partition = *reply;
+    return status;
+}
+
 } // namespace
 
 std::uint32_t SLGetLibraryVersion(_SL_LIB_VER_T* version) {
@@ -112,19 +128,16 @@ std::uint32_t SLGetLDPartition(unsigned char contNo, int ldNo, _SL_PARTITION_INF
     });
     if (entry == known.end())
         return kSlSuccess;
+    return readPartition(__func__, contNo, ldNo, entry->partitionArg, partition);
+}
 
-    constexpr Command kGetPartition{0x00, 0x08};
-    const auto reply = allocateRecord<_SL_PARTITION_INFO_T>(kPartitionReplySize - sizeof *partition);
-    if (!reply)
-        return kSlMemoryAllocFailed;
-    SL_LIB_CMD_PARAM_T request = makeRequest(kGetPartition, contNo);
-    request.param.bytes[0] = static_cast<std::uint8_t>(entry->partitionArg);
-    request.param.bytes[1] = static_cast<std::uint8_t>(ldNo);
-    attachData(request, reply.get(), kPartitionReplySize);
-    const std::uint32_t status = sendRequest(__func__, request, contNo, Trace::Always);
-    if (status == kSlSuccess)
-        *partition = *reply;
-    return status;
+std::uint32_t SLGetLDOSMap(unsigned char contNo, _SL_LD_OS_MAP_T* map) {
+    return query(__func__, contNo, kGetLdOsMap, map);
+}
+
+std::uint32_t SLGetMappedPartition(unsigned char contNo, int ldNo, std::uint32_t partitionArg,
+                                   _SL_PARTITION_INFO_T* partition) {
+    return readPartition(__func__, contNo, ldNo, partitionArg, partition);
 }
 
 std::uint32_t SLSetCtrlProp(unsigned char contNo, const SL_CTRL_SETTING_INFO* settings) {

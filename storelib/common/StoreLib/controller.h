@@ -31,6 +31,22 @@ inline constexpr std::size_t kOsDriveNameSize = 16;
 /// The operating system's name of an LD, "NULL" when it has none or the request failed.
 std::uint32_t SLGetOSDriveName(unsigned char contNo, int ldNo, char (&name)[kOsDriveNameSize]);
 
+/// The operating system's names of all LDs. An LD may have several entries, or none.
+std::uint32_t SLGetLDOSMap(unsigned char contNo, _SL_LD_OS_MAP_T* map);
+
+/// The partition record of an LD that has an entry in the mapping, whose partition argument the request carries. It is
+/// left as it was on failure.
+std::uint32_t SLGetMappedPartition(unsigned char contNo, int ldNo, std::uint32_t partitionArg,
+                                   _SL_PARTITION_INFO_T* partition);
+
+/// The operating system's names of all LDs. An LD may have several entries, or none.
+std::uint32_t SLGetLDOSMap(unsigned char contNo, _SL_LD_OS_MAP_T* map);
+
+/// The partition record of an LD that has an entry in the mapping, whose partition argument the request carries. It is
+/// left as it was on failure.
+std::uint32_t SLGetMappedPartition(unsigned char contNo, int ldNo, std::uint32_t partitionArg,
+                                   _SL_PARTITION_INFO_T* partition);
+
 /// The partition record of an LD. It is left as it was when the operating system does not know the LD; the status is 0
 /// then.
 std::uint32_t SLGetLDPartition(unsigned char contNo, int ldNo, _SL_PARTITION_INFO_T* partition);

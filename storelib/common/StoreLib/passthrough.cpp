@@ -52,6 +52,31 @@ const std::uint8_t* scsiData(const _SL_SCSI_PASSTHRU_T* block) {
     return reinterpret_cast<const std::uint8_t*>(block) + sizeof *block;
 }
 
+/// LOG SENSE (SPC-3) of one page. A drive that does not know the page is no fault worth a trace: the send is not
+/// logged.
+std::uint32_t logSense(unsigned char contNo, std::uint16_t deviceId, std::uint8_t page, LogPage& out) {
+    constexpr std::uint8_t kLogSenseKind = 1;
+    constexpr std::uint16_t kTimeout = 10;
+    const auto block = makeScsiRead(deviceId, kLogSenseKind, kTimeout, kLogPageSize);
+    if (!block)
+        return kSlMemoryAllocFailed;
+    block->cdb[0] = kLogSense;
+    block->cdb[2] = page | kCumulativeValues;
+    block->cdb[7] = kLogPageSize >> 8U;
+    block->cdb[8] = kLogPageSize & 0xFFU;
+    SL_LIB_CMD_PARAM_T request = scsiRequest(contNo, block.get());
+    const std::uint32_t status = ProcessLibCommandCall(&request, contNo);
+    if (status == kSlSuccess)
+        std::copy_n(scsiData(block.get()), out.size(), out.begin());
+    return status;
+}
+
+bool listsTemperaturePage(const LogPage& pages) {
+    const auto first = pages.begin() + kFirstPageByte;
+    const auto last = pages.begin() + std::min(kFirstPageByte + pages[kPageLengthByte], pages.size());
+    return std::find(first, last, kTemperaturePage) != last;
+}
+
 } // namespace
 
 std::uint32_t SendDCMDPassThru(unsigned char contNo, _SL_DCMD_INPUT_T* input) {
@@ -77,40 +102,41 @@ std::uint32_t sendDcmd(Caller caller, unsigned char contNo, Dcmd dcmd, void* dat
 }
 
 std::uint32_t SCSISENSEPassthru(unsigned char contNo, unsigned char slotNo, unsigned char page, LogPage& out) {
-    constexpr std::uint8_t kLogSenseKind = 1;
-    constexpr std::uint16_t kTimeout = 10;
     std::uint16_t deviceId = 0;
     if (const std::uint32_t status = SLGetDeviceId(contNo, slotNo, &deviceId); status != kSlSuccess)
         return failedBeforeSend(__func__, status);
-    const auto block = makeScsiRead(deviceId, kLogSenseKind, kTimeout, kLogPageSize);
-    if (!block)
-        return kSlMemoryAllocFailed;
-    block->cdb[0] = kLogSense;
-    block->cdb[2] = page | kCumulativeValues;
-    block->cdb[7] = kLogPageSize >> 8U;
-    block->cdb[8] = kLogPageSize & 0xFFU;
-    // A drive that does not know the page is no fault worth a trace: the send is not logged.
-    SL_LIB_CMD_PARAM_T request = scsiRequest(contNo, block.get());
-    const std::uint32_t status = ProcessLibCommandCall(&request, contNo);
-    if (status == kSlSuccess)
-        std::copy_n(scsiData(block.get()), out.size(), out.begin());
-    return status;
+    return logSense(contNo, deviceId, page, out);
 }
 
 std::uint32_t SLIsTempPageSupported(unsigned char contNo, unsigned char slotNo, int* supported) {
     *supported = 0;
     LogPage pages{};
-    if (const std::uint32_t status = SCSISENSEPassthru(contNo, slotNo, kSupportedPages, pages); status != kSlSuccess)
-        return status;
-    const auto first = pages.begin() + kFirstPageByte;
-    const auto last = pages.begin() + std::min(kFirstPageByte + pages[kPageLengthByte], pages.size());
-    *supported = std::find(first, last, kTemperaturePage) != last ? 1 : 0;
-    return kSlSuccess;
+    const std::uint32_t status = SCSISENSEPassthru(contNo, slotNo, kSupportedPages, pages);
+    if (status == kSlSuccess)
+        *supported = listsTemperaturePage(pages) ? 1 : 0;
+    return status;
+}
+
+std::uint32_t SLIsTempPageSupportedByDevice(unsigned char contNo, std::uint16_t deviceId, int* supported) {
+    *supported = 0;
+    LogPage pages{};
+    const std::uint32_t status = logSense(contNo, deviceId, kSupportedPages, pages);
+    if (status == kSlSuccess)
+        *supported = listsTemperaturePage(pages) ? 1 : 0;
+    return status;
 }
 
 std::uint32_t SLGetPDTemperature(unsigned char contNo, unsigned char slotNo, unsigned char* temperature) {
     LogPage page{};
     const std::uint32_t status = SCSISENSEPassthru(contNo, slotNo, kTemperaturePage, page);
+    if (status == kSlSuccess)
+        *temperature = page[kTemperatureByte];
+    return status;
+}
+
+std::uint32_t SLGetPDTemperatureByDevice(unsigned char contNo, std::uint16_t deviceId, unsigned char* temperature) {
+    LogPage page{};
+    const std::uint32_t status = logSense(contNo, deviceId, kTemperaturePage, page);
     if (status == kSlSuccess)
         *temperature = page[kTemperatureByte];
     return status;

@@ -34,6 +34,10 @@ std::uint32_t SLIsTempPageSupported(unsigned char contNo, unsigned char slotNo, 
 /// The drive's temperature, degrees Celsius.
 std::uint32_t SLGetPDTemperature(unsigned char contNo, unsigned char slotNo, unsigned char* temperature);
 
+/// The same pair for the drive with that device id: one request each. kSlScsiStatus when the drive refuses the page.
+std::uint32_t SLIsTempPageSupportedByDevice(unsigned char contNo, std::uint16_t deviceId, int* supported);
+std::uint32_t SLGetPDTemperatureByDevice(unsigned char contNo, std::uint16_t deviceId, unsigned char* temperature);
+
 /// 1 when sector 0 of the drive holds an active partition entry (MBR), else 0.
 std::uint32_t SLCheckBootDisk(unsigned char contNo, unsigned char slotNo, int* bootDisk);
 

@@ -11,6 +11,8 @@
 
 namespace {
 
+constexpr Command kGetPdInfo{0x02, 0x00};
+
 std::span<_MR_PD_ADDRESS> addresses(_MR_PD_LIST& list) {
     return {list.addr, std::min<std::size_t>(list.count, std::size(list.addr))};
 }
@@ -109,7 +111,15 @@ std::uint32_t SLGetSlotNo(unsigned char contNo, std::uint16_t deviceId, unsigned
 
 std::uint32_t SLGetPDInfo(unsigned char contNo, unsigned char slotNo, _MR_PD_INFO* info) {
     *info = _MR_PD_INFO{};
-    return queryPd(__func__, contNo, {0x02, 0x00}, slotNo, info);
+    return queryPd(__func__, contNo, kGetPdInfo, slotNo, info);
+}
+
+std::uint32_t SLGetPDInfoByDevice(unsigned char contNo, std::uint16_t deviceId, _MR_PD_INFO* info) {
+    *info = _MR_PD_INFO{};
+    SL_LIB_CMD_PARAM_T request = makeRequest(kGetPdInfo, contNo);
+    request.ref.pdRef.deviceId = deviceId;
+    attachData(request, info, sizeof *info);
+    return sendRequest(__func__, request, contNo);
 }
 
 std::uint32_t SLGetPdProggress(unsigned char contNo, unsigned char slotNo, _MR_PD_PROGRESS* progress) {

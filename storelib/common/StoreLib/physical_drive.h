@@ -19,6 +19,10 @@ std::uint32_t SLGetDeviceId(unsigned char contNo, unsigned char slotNo, std::uin
 std::uint32_t SLGetSlotNo(unsigned char contNo, std::uint16_t deviceId, unsigned char* slotNo);
 
 std::uint32_t SLGetPDInfo(unsigned char contNo, unsigned char slotNo, _MR_PD_INFO* info);
+
+/// The information of the drive with that device id: one request, without a look-up of its slot.
+std::uint32_t SLGetPDInfoByDevice(unsigned char contNo, std::uint16_t deviceId, _MR_PD_INFO* info);
+
 std::uint32_t SLGetPdProggress(unsigned char contNo, unsigned char slotNo, _MR_PD_PROGRESS* progress);
 std::uint32_t SLGetPDAllowedOperation(unsigned char contNo, unsigned char slotNo, _MR_PD_ALLOWED_OPS* allowed);
 

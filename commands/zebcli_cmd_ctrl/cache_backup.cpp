@@ -15,7 +15,6 @@
 namespace {
 
 constexpr OptionTable kOptions{.source = kCtrlSource, .badToken = BadToken::Before, .takesControllers = true};
-constexpr TraceOrigin kOrigin{kCtrlSource, "CliCmdExecCacheBkupInfo"};
 constexpr unsigned kSecondsPerDay = 86400;
 
 struct CacheBackupData {
@@ -29,7 +28,7 @@ bool answered(std::uint32_t status, const char* text, unsigned char contNo, int 
     if (status == kSlSuccess)
         return true;
     CliLogging(kPrintAndLog, kCtrlSource, line, "Error - This command is not supported at the current configuration.");
-    traceFailure(kOrigin, text, contNo, line);
+    traceFailure({kCtrlSource, "CliCmdExecCacheBkupInfo", line}, text, onController(contNo));
     return false;
 }
 

@@ -2,7 +2,6 @@
 #include "commands/handlers.h"
 
 #include "log/raidctl.h"
-#include "log/zebcli_log.h"
 #include "main/zebcli_cmd_com/base/source.h"
 #include "main/zebcli_cmd_com/base/trace.h"
 #include "main/zebcli_cmd_com/input/options.h"
@@ -20,8 +19,7 @@
 namespace {
 
 constexpr OptionTable kOptions{.source = kCtrlSource, .badToken = BadToken::Before, .takesControllers = true};
-constexpr char kHandler[] = "CliCmdExecAdpInfo";
-constexpr TraceOrigin kOrigin{kCtrlSource, kHandler};
+constexpr Speaker kHandler{kCtrlSource, "CliCmdExecAdpInfo"};
 
 struct ControllerData {
     _MR_CTRL_INFO info{};
@@ -33,11 +31,12 @@ struct ControllerData {
 };
 
 bool queryController(unsigned char contNo, ControllerData& data) {
-    return succeeded(SLGetCtrlInfo(contNo, &data.info), kOrigin, "SLGetCtrlInfo error", contNo) &&
-           succeeded(SLGetCtrlProp(contNo, &data.properties), kOrigin, "SLGetCtrlProp error", contNo) &&
-           succeeded(SLGetPciInfo(contNo, &data.pci), kOrigin, "SLGetPciInfo error", contNo) &&
-           succeeded(SLGetPatrolReadProp(contNo, &data.patrolRead), kOrigin, "SLGetPatrolReadProp error", contNo) &&
-           succeeded(SLGetMFCDefaults(contNo, &data.defaults), kOrigin, "SLGetMFCDefaults error", contNo);
+    const Subject subject = onController(contNo);
+    return succeeded(SLGetCtrlInfo(contNo, &data.info), kHandler, "SLGetCtrlInfo error", subject) &&
+           succeeded(SLGetCtrlProp(contNo, &data.properties), kHandler, "SLGetCtrlProp error", subject) &&
+           succeeded(SLGetPciInfo(contNo, &data.pci), kHandler, "SLGetPciInfo error", subject) &&
+           succeeded(SLGetPatrolReadProp(contNo, &data.patrolRead), kHandler, "SLGetPatrolReadProp error", subject) &&
+           succeeded(SLGetMFCDefaults(contNo, &data.defaults), kHandler, "SLGetMFCDefaults error", subject);
 }
 
 const char* yesNo(bool yes) {
@@ -59,8 +58,7 @@ const char* patrolReadInterval(std::uint32_t seconds, unsigned char contNo) {
     case 2592000:
         return "Monthly";
     default:
-        Utillogging(kCtrlSource, __LINE__, kTraceError, "func=%s: %s, contNo=%u, seconds=%u", kHandler,
-                    "ExecFreq invalid", contNo, seconds);
+        traceFailure(kHandler, "ExecFreq invalid", {contNo, "seconds", seconds});
         return "Unknown";
     }
 }
@@ -161,7 +159,7 @@ bool reportController(Controller ctrl) {
     Report report;
     addGeneral(report, ctrl.contNo, data);
     addFirmware(report, data.info);
-    if (!succeeded(SLGetDrvVer(ctrl.contNo, &data.driver), kOrigin, "SLGetDrvVer error", ctrl.contNo))
+    if (!succeeded(SLGetDrvVer(ctrl.contNo, &data.driver), kHandler, "SLGetDrvVer error", onController(ctrl.contNo)))
         return false;
     addSettings(report, ctrl.contNo, data);
     report.emit();

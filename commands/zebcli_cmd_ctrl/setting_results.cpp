@@ -7,9 +7,9 @@ void saySettingsChanged(unsigned char contNo, int line) {
     CliLogging(kPrint, kCtrlSource, line, "Information - Controller[%d] Settings have been changed.", contNo);
 }
 
-void saySettingsFailed(const TraceOrigin& origin, const char* text, unsigned char contNo, int line) {
-    traceFailure(origin, text, contNo, line);
-    CliLogging(kPrintAndLog, kCtrlSource, line,
+void saySettingsFailed(const TraceOrigin& origin, const char* text, unsigned char contNo) {
+    traceFailure(origin, text, onController(contNo));
+    CliLogging(kPrintAndLog, kCtrlSource, origin.line,
                "Error - Failed to change Controller[%d] Settings.\n"
                "Please confirm OS event log whether there is no problem with RAID controller.\n",
                contNo);

@@ -106,17 +106,13 @@ std::uint8_t pdFailValue(const Options& options, const SL_CTRL_SETTING_INFO& set
 
 /// Changes one controller. Returns false when the command is over.
 bool changeSettings(unsigned char contNo, const Options& options, const _AFCONT& cont) {
-    constexpr char kHandler[] = "CliCmdExecAdpSetProp";
-    const auto trace = [&](int line, const char* text) {
-        traceFailure({kCtrlSource, kHandler}, text, contNo, line);
-        return false;
-    };
+    constexpr Speaker kHandler{kCtrlSource, "CliCmdExecAdpSetProp"};
     _MR_CTRL_INFO info{};
-    if (SLGetCtrlInfo(contNo, &info) != kSlSuccess)
-        return trace(__LINE__, "SLGetCtrlInfo error");
+    if (!succeeded(SLGetCtrlInfo(contNo, &info), kHandler, "SLGetCtrlInfo error", onController(contNo)))
+        return false;
     _MR_MFC_DEFAULTS defaults{};
-    if (SLGetMFCDefaults(contNo, &defaults) != kSlSuccess)
-        return trace(__LINE__, "SLGetMFCDefaults error");
+    if (!succeeded(SLGetMFCDefaults(contNo, &defaults), kHandler, "SLGetMFCDefaults error", onController(contNo)))
+        return false;
     if (SLIsCopybackSupported(&cont.ctrlInfo) == 0 && options.has(kHddCopyback | kSsdCopyback | kPdFail)) {
         sayParameterNotSupported();
         return true;
@@ -128,11 +124,11 @@ bool changeSettings(unsigned char contNo, const Options& options, const _AFCONT&
         return true;
     }
     if (SLSetCtrlProp(contNo, &settings) != kSlSuccess) {
-        saySettingsFailed({kCtrlSource, kHandler}, "SLSetCtrlProp error", contNo);
+        saySettingsFailed(kHandler, "SLSetCtrlProp error", contNo);
         return false;
     }
     if (SLSetFailPDOnSmartTer(contNo, pdFailValue(options, settings, defaults.failPdOnSmartError)) != kSlSuccess) {
-        saySettingsFailed({kCtrlSource, kHandler}, "SLSetFailPDOnSmartTer error", contNo);
+        saySettingsFailed(kHandler, "SLSetFailPDOnSmartTer error", contNo);
         return false;
     }
     saySettingsChanged(contNo);

@@ -6,6 +6,7 @@
 #include "log/zebcli_log.h"
 #include "main/zebcli_cmd_com/base/source.h"
 #include "main/zebcli_cmd_com/base/string_shims.h"
+#include "main/zebcli_cmd_com/base/trace.h"
 #include "main/zebcli_cmd_com/input/options.h"
 
 #include <array>
@@ -53,8 +54,7 @@ int CliCmdExecTSTEVT(int argc, char** argv, _AFCONT* /*conts*/, int contCount) {
     const ZEBSRV_EVT_INFO* event = nullptr;
     ReadEventInfo();
     if (GetEvtLogMessageId(eventCode, &messageId, &event) == 0) {
-        Utillogging(kCtrlSource, __LINE__, kTraceError, "func=%s: %s, eventCode=%u", __func__, "pEvt_Info is NULL",
-                    eventCode);
+        traceFailure({kCtrlSource, __func__}, "pEvt_Info is NULL", {std::nullopt, "eventCode", eventCode});
         return 1;
     }
     if (event->suppress != 0)

@@ -4,6 +4,7 @@
 #include "commands/zebcli_cmd_ld/ld_targets.h"
 #include "log/raidctl.h"
 #include "log/zebcli_log.h"
+#include "main/zebcli_cmd_com/base/trace.h"
 #include "main/zebcli_cmd_com/input/start_stop_words.h"
 #include "main/zebcli_cmd_com/model/raid_level.h"
 #include "main/zebcli_cmd_com/text/number_list.h"
@@ -15,6 +16,8 @@
 namespace {
 
 constexpr OptionTable kOptions = ldOptions(kStartStopWords);
+constexpr Speaker kCheck{kLdSource, "CliCmdExecLDCC"};
+constexpr Speaker kInit{kLdSource, "CliCmdExecLDINIT"};
 
 enum class Outcome { Done, Failed, FailedOnRaid0, PassedOver };
 
@@ -26,13 +29,10 @@ struct Operation {
     const char* advice; ///< behind the failure line, with the line ends
 };
 
-/// Leaves the trace of a failed wrapper.
-Outcome outcomeOf(std::uint32_t status, const char* func, const char* text, unsigned char contNo, unsigned char ldNo,
-                  int line = __builtin_LINE()) {
-    if (status == kSlSuccess)
-        return Outcome::Done;
-    Utillogging(kLdSource, line, kTraceError, "func=%s: %s, contNo=%u, ldNo=%u", func, text, contNo, ldNo);
-    return Outcome::Failed;
+/// What became of the LD that a wrapper was called for; a failure is traced.
+Outcome outcomeOf(std::uint32_t status, const TraceOrigin& origin, const char* text, Controller ctrl,
+                  unsigned char ldNo) {
+    return succeeded(status, origin, text, onLd(ctrl.contNo, ldNo)) ? Outcome::Done : Outcome::Failed;
 }
 
 Outcome startCheck(Controller ctrl, unsigned char ldNo) {
@@ -40,15 +40,13 @@ Outcome startCheck(Controller ctrl, unsigned char ldNo) {
         return Outcome::Failed;
     if (SLTransLateRAIDLvl(&ctrl.ld(ldNo).config) == kRaid0)
         return Outcome::FailedOnRaid0;
-    return outcomeOf(SLStartCheckConsistency(ctrl.contNo, ldNo), "CliCmdExecLDCC", "SLStartCheckConsistency error",
-                     ctrl.contNo, ldNo);
+    return outcomeOf(SLStartCheckConsistency(ctrl.contNo, ldNo), kCheck, "SLStartCheckConsistency error", ctrl, ldNo);
 }
 
 Outcome stopCheck(Controller ctrl, unsigned char ldNo) {
     if (CheckLDActive(ctrl.contNo, ldNo, ctrl.conts) != kLdChecking)
         return Outcome::Failed;
-    return outcomeOf(SLCancelCheckConsistency(ctrl.contNo, ldNo), "CliCmdExecLDCC", "SLCancelCheckConsistency error",
-                     ctrl.contNo, ldNo);
+    return outcomeOf(SLCancelCheckConsistency(ctrl.contNo, ldNo), kCheck, "SLCancelCheckConsistency error", ctrl, ldNo);
 }
 
 Outcome startInit(Controller ctrl, unsigned char ldNo) {
@@ -72,15 +70,13 @@ Outcome startInit(Controller ctrl, unsigned char ldNo) {
                    ctrl.contNo, ldNo);
         return Outcome::PassedOver;
     }
-    return outcomeOf(SLStartInitialization(ctrl.contNo, ldNo), "CliCmdExecLDINIT", "SLStartInitialization error",
-                     ctrl.contNo, ldNo);
+    return outcomeOf(SLStartInitialization(ctrl.contNo, ldNo), kInit, "SLStartInitialization error", ctrl, ldNo);
 }
 
 Outcome stopInit(Controller ctrl, unsigned char ldNo) {
     if (CheckLDActive(ctrl.contNo, ldNo, ctrl.conts) != kLdInitializing)
         return Outcome::Failed;
-    return outcomeOf(SLCancelInitialization(ctrl.contNo, ldNo), "CliCmdExecLDINIT", "SLCancelInitialization error",
-                     ctrl.contNo, ldNo);
+    return outcomeOf(SLCancelInitialization(ctrl.contNo, ldNo), kInit, "SLCancelInitialization error", ctrl, ldNo);
 }
 
 // "Check Consistency" in the failure lines against "Consistency Check" in the others, and the line ends that differ,

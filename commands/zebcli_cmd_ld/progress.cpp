@@ -70,10 +70,9 @@ void printPd(Controller ctrl, unsigned char slotNo) {
 
 void printPds(Controller ctrl) {
     std::uint16_t slots = 0;
-    if (SLGetSlotNum(ctrl.contNo, &slots) != kSlSuccess) {
-        traceFailure({kLdSource, "CliCmdExecLDPDProg"}, "SLGetSlotNum error", ctrl.contNo);
+    if (!succeeded(SLGetSlotNum(ctrl.contNo, &slots), {kLdSource, "CliCmdExecLDPDProg"}, "SLGetSlotNum error",
+                   onController(ctrl.contNo)))
         return;
-    }
     std::array<unsigned char, kMaxSlots> present{};
     GetDeviceFoundList(ctrl.contNo, ctrl.conts, present);
     for (unsigned slot = 0; slot < std::min<unsigned>(slots, kMaxSlots); ++slot) {

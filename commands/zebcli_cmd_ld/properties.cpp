@@ -5,6 +5,7 @@
 #include "commands/zebcli_cmd_ld/setting_tables.h"
 #include "log/raidctl.h"
 #include "log/zebcli_log.h"
+#include "main/zebcli_cmd_com/base/trace.h"
 #include "main/zebcli_cmd_com/input/prompts.h"
 #include "main/zebcli_cmd_com/text/number_list.h"
 #include "main/zebcli_cmd_com/text/vocabulary.h"
@@ -19,7 +20,7 @@
 
 namespace {
 
-constexpr char kHandler[] = "CliCmdExecLDSetProp";
+constexpr Speaker kHandler{kLdSource, "CliCmdExecLDSetProp"};
 constexpr unsigned kName = 0x0001;
 constexpr unsigned kWb = 0x0004;
 constexpr unsigned kWbcb = 0x0008;
@@ -123,19 +124,12 @@ bool mayChange(const Options& options, std::span<const unsigned char> controller
 
 /// Reads an LD afresh; a failure is traced.
 bool readLd(unsigned char contNo, unsigned char ldNo, _MR_LD_INFO& ld) {
-    if (SLGetLDInfo(contNo, ldNo, &ld) == kSlSuccess)
-        return true;
-    Utillogging(kLdSource, __LINE__, kTraceError, "func=%s: %s contNo=%u ldNo=%u", kHandler, "SLGetLDInfo error",
-                contNo, ldNo);
-    return false;
+    return succeeded(SLGetLDInfo(contNo, ldNo, &ld), kHandler, "SLGetLDInfo error", onLdWithoutCommas(contNo, ldNo));
 }
 
 bool readGroup(unsigned char contNo, std::uint16_t arrayRef, _SL_ARRAY_INFO_T& group) {
-    if (SLGetArrayInfo(contNo, arrayRef, &group) == kSlSuccess)
-        return true;
-    Utillogging(kLdSource, __LINE__, kTraceError, "func=%s: %s, contNo=%u, arrayRef=%u", kHandler,
-                "SLGetArrayInfo error", contNo, arrayRef);
-    return false;
+    return succeeded(SLGetArrayInfo(contNo, arrayRef, &group), kHandler, "SLGetArrayInfo error",
+                     onArray(contNo, arrayRef));
 }
 
 /// The change of the LDs of one controller: what is done so far, and the LD that failed.
@@ -207,11 +201,9 @@ class ControllerChange {
         properties.defaultCachePolicy = policies.cache;
         properties.accessPolicy = policies.access;
         properties.diskCachePolicy = policies.diskCache;
-        if (SLSetLDProperties(contNo_, &properties) != kSlSuccess) {
-            Utillogging(kLdSource, __LINE__, kTraceError, "func=%s: %s, contNo=%u, ldNo=%u", kHandler,
-                        "SLSetLDProperties error", contNo_, ldNo);
+        if (!succeeded(SLSetLDProperties(contNo_, &properties), kHandler, "SLSetLDProperties error",
+                       onLd(contNo_, ldNo)))
             return false;
-        }
         if (!written_[ldNo])
             done_.add(ldNo);
         written_[ldNo] = true;

@@ -20,7 +20,7 @@
 namespace {
 
 constexpr OptionTable kOptions = pdOptions();
-constexpr TraceOrigin kOrigin{kPdSource, "CliCmdExecPDInfo"};
+constexpr Speaker kHandler{kPdSource, "CliCmdExecPDInfo"};
 
 void mkRoleStr(Controller ctrl, unsigned char slotNo, std::span<char> out) {
     mkLDAssignStr(ctrl.contNo, ctrl.conts, slotNo, out);
@@ -36,13 +36,13 @@ void mkRoleStr(Controller ctrl, unsigned char slotNo, std::span<char> out) {
 
 /// The drive is asked now; one that does not tell its temperature has no line.
 void addTemperature(Report& report, unsigned char contNo, unsigned char slotNo) {
+    const Subject subject = onPd(contNo, slotNo);
     int supported = 0;
     unsigned char temperature = 0;
-    if (succeededOnPd(SLIsTempPageSupported(contNo, slotNo, &supported), kOrigin, "SLIsTempPageSupported error", contNo,
-                      slotNo) &&
+    if (succeeded(SLIsTempPageSupported(contNo, slotNo, &supported), kHandler, "SLIsTempPageSupported error",
+                  subject) &&
         supported != 0 &&
-        succeededOnPd(SLGetPDTemperature(contNo, slotNo, &temperature), kOrigin, "SLGetPDTemperature error", contNo,
-                      slotNo))
+        succeeded(SLGetPDTemperature(contNo, slotNo, &temperature), kHandler, "SLGetPDTemperature error", subject))
         report.add("%s              : %d C\r\n", "Temperature", temperature);
 }
 

@@ -18,7 +18,7 @@
 namespace {
 
 constexpr OptionTable kOptions{.source = kPdSource, .badToken = BadToken::Before, .takesControllers = true};
-constexpr TraceOrigin kOrigin{kPdSource, "CliCmdExecEnclInfo"};
+constexpr Speaker kHandler{kPdSource, "CliCmdExecEnclInfo"};
 
 /// What is asked of one enclosure.
 struct EnclosureData {
@@ -91,11 +91,12 @@ void addConnector(Report& report, const _MR_ENCL_ENTRY& enclosure, const _MR_SAS
     report.add("%s                : %s\r\n", "Connector", fieldText(connector.name).c_str());
 }
 
-/// Gathers the report of one controller. Returns false when a query failed.
+/// Gathers the report of one controller. Its heading carries the controller's position in the list, not its number;
+/// deliberate. Returns false when a query failed.
 bool gather(Report& report, int position, unsigned char contNo, _SL_ENCL_STATUS_EX_T& status) {
     static constexpr const char* kModels[] = {"Unknown", "SAFTE", "SES", "Backplane"};
     _MR_ENCL_LIST list{};
-    if (!succeeded(SLGetEnclList(contNo, &list), kOrigin, "SLGetEnclList error", contNo))
+    if (!succeeded(SLGetEnclList(contNo, &list), kHandler, "SLGetEnclList error", onController(contNo)))
         return false;
     // The first entry is what is reported, whatever the count says.
     const _MR_ENCL_ENTRY& enclosure = list.encl[0];
@@ -109,10 +110,12 @@ bool gather(Report& report, int position, unsigned char contNo, _SL_ENCL_STATUS_
         return true;
     }
     EnclosureData data;
-    if (!succeeded(SLGetEnclConfig(contNo, enclosure.deviceId, &data.config), kOrigin, "SLGetEnclConfig error",
-                   contNo) ||
-        !succeeded(SLGetEnclStatus(contNo, enclosure.deviceId, &status), kOrigin, "SLGetEnclStatus error", contNo) ||
-        !succeeded(SLGetSASConnector(contNo, &data.connectors), kOrigin, "SLGetSASConnector error", contNo))
+    if (!succeeded(SLGetEnclConfig(contNo, enclosure.deviceId, &data.config), kHandler, "SLGetEnclConfig error",
+                   onController(contNo)) ||
+        !succeeded(SLGetEnclStatus(contNo, enclosure.deviceId, &status), kHandler, "SLGetEnclStatus error",
+                   onController(contNo)) ||
+        !succeeded(SLGetSASConnector(contNo, &data.connectors), kHandler, "SLGetSASConnector error",
+                   onController(contNo)))
         return false;
     addConnector(report, enclosure, data.connectors);
     report.add("%s          : %d\r\n", "Number of Slots", enclosure.slotCount);

@@ -19,7 +19,7 @@
 
 namespace {
 
-constexpr TraceOrigin kOrigin{kPdSource, "CliCmdExecPDHSP"};
+constexpr Speaker kHandler{kPdSource, "CliCmdExecPDHSP"};
 
 enum SpareBit : unsigned { kGlobal = 1, kDedicated = 2, kRemove = 4, kNoCheck = 8 };
 constexpr unsigned kModes = kGlobal | kDedicated | kRemove;
@@ -60,7 +60,7 @@ Outcome refuseRelease(int line = __builtin_LINE()) {
 }
 
 bool succeeded(std::uint32_t status, const char* text, const Target& target, int line = __builtin_LINE()) {
-    return succeededOnPd(status, kOrigin, text, target.ctrl.contNo, target.slotNo, line);
+    return succeeded(status, {kHandler, line}, text, onPd(target.ctrl.contNo, target.slotNo));
 }
 
 bool readPd(const Target& target, _MR_PD_INFO& pd) {

@@ -13,7 +13,7 @@
 namespace {
 
 constexpr OptionTable kOptions = pdOptions(kStartStopWords);
-constexpr TraceOrigin kOrigin{kPdSource, "CliCmdExecPDLocate"};
+constexpr Speaker kHandler{kPdSource, "CliCmdExecPDLocate"};
 constexpr unsigned char ucLocateLEDsts = 0;
 
 bool isComplete(const Options& options) {
@@ -28,7 +28,7 @@ void startOnController(unsigned char contNo, const PdList& pds) {
             blinking.add(slotNo);
             continue;
         }
-        tracePdFailure(kOrigin, "SLStartLocatePD error", contNo, slotNo);
+        traceFailure(kHandler, "SLStartLocatePD error", onPd(contNo, slotNo));
         CliLogging(kPrintAndLog, kPdSource, __LINE__,
                    "Error - Controller[%d] Failed to blink PD(Physical Drive) %d location LED.", contNo, slotNo);
     }
@@ -43,7 +43,7 @@ void stopOnController(unsigned char contNo, const PdList& pds) {
     NumberList off;
     for (const unsigned char slotNo : listedDrives(pds)) {
         if (SLStopLocatePD(contNo, slotNo) != kSlSuccess) {
-            tracePdFailure(kOrigin, "SLStopLocatePD error", contNo, slotNo);
+            traceFailure(kHandler, "SLStopLocatePD error", onPd(contNo, slotNo));
             CliLogging(kPrintAndLog, kPdSource, __LINE__,
                        "Error - Controller[%d] Failed to off PD(Physical Drive) %d location LED.", contNo, slotNo);
             break;

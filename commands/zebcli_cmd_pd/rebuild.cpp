@@ -4,6 +4,7 @@
 #include "commands/zebcli_cmd_pd/pd_targets.h"
 #include "log/raidctl.h"
 #include "log/zebcli_log.h"
+#include "main/zebcli_cmd_com/base/trace.h"
 #include "main/zebcli_cmd_com/input/start_stop_words.h"
 #include "main/zebcli_cmd_com/model/raid_groups.h"
 #include "main/zebcli_cmd_com/text/number_list.h"
@@ -12,6 +13,7 @@
 
 namespace {
 
+constexpr Speaker kHandler{kPdSource, "CliCmdExecPDRbld"};
 constexpr OptionTable kOptions = pdOptions(kStartStopWords);
 
 /// Stands in the failure list for a drive whose allowed operations could not be read.
@@ -29,15 +31,10 @@ struct RebuildResult {
     NumberList failed;
 };
 
-void trace(const char* text, unsigned char contNo, unsigned char slotNo, int line = __builtin_LINE()) {
-    Utillogging(kPdSource, line, kTracePlain, "func=%s: %s, contNo=%u, slotNo=%u", "CliCmdExecPDRbld", text, contNo,
-                slotNo);
-}
-
 void rebuildDrive(Controller ctrl, unsigned char slotNo, RebuildResult& result) {
     const unsigned char contNo = ctrl.contNo;
     const auto fail = [&](int line) {
-        trace("SLStartRebuild error", contNo, slotNo, line);
+        traceUntagged({kHandler, line}, "SLStartRebuild error", onSlot(contNo, slotNo));
         result.failed.add(slotNo);
     };
     _MR_PD_INFO pd{};
@@ -52,7 +49,7 @@ void rebuildDrive(Controller ctrl, unsigned char slotNo, RebuildResult& result) 
     _MR_PD_ALLOWED_OPS allowed{};
     if (SLGetPDAllowedOperation(contNo, slotNo, &allowed) != kSlSuccess) {
         // Counted twice on purpose: here without a drive number, below as a drive that must not rebuild.
-        trace("SLGetPDAllowedOperation error", contNo, slotNo);
+        traceUntagged(kHandler, "SLGetPDAllowedOperation error", onSlot(contNo, slotNo));
         CliLogging(kPrint, kPdSource, __LINE__, "%s", "");
         result.failed.add(kNoDriveNumber);
         allowed = _MR_PD_ALLOWED_OPS{};

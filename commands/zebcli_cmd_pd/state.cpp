@@ -23,7 +23,7 @@ void changeOnController(const char* handler, StateChange change, unsigned char c
             continue;
         }
         // All three commands leave the same text on purpose.
-        tracePdFailure({kPdSource, handler}, "SLMakeDriveOnline error", contNo, slotNo);
+        traceFailure({kPdSource, handler}, "SLMakeDriveOnline error", onPd(contNo, slotNo));
         CliLogging(kPrintAndLog, kPdSource, __LINE__,
                    "Error - Controller[%d] Failed to change PD(Physical Drive) %d state.\n"
                    "Please confirm PD(Physical Drive) state.",

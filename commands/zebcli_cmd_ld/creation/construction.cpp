@@ -2,8 +2,8 @@
 
 #include "commands/zebcli_cmd_ld/ld_targets.h"
 #include "log/site_file.h"
-#include "log/zebcli_log.h"
 #include "main/zebcli_cmd_com/base/string_shims.h"
+#include "main/zebcli_cmd_com/base/trace.h"
 #include "main/zebcli_cmd_com/model/lookup.h"
 
 #include <algorithm>
@@ -99,15 +99,14 @@ void addPatternLevels(char* line, _configPat_T::Row& row) {
 bool knownLevel(const char* func, ZEB_RAID_LVL level, unsigned char contNo, int line) {
     if (level < kRaidLevels)
         return true;
-    Utillogging(kLdSource, line, kTraceError, "func=%s: %s, contNo=%u, raidlvl=%u", func, "raidlvl invalid", contNo,
-                static_cast<unsigned>(level));
+    traceFailure({kLdSource, func, line}, "raidlvl invalid", onLevel(contNo, level));
     return false;
 }
 
 void ReadConfigPatFile(_configPat_T* table) {
     const SiteFile file = openSiteFile(kPatternPath);
     if (!file) {
-        Utillogging(kLdSource, __LINE__, kTraceError, "func=%s: %s", __func__, "ConfigPatFile open error");
+        traceFailure({kLdSource, __func__}, "ConfigPatFile open error");
         return;
     }
     readConfigPatterns(file.get(), table);

@@ -76,10 +76,8 @@ void SetSelectHDDList(const _SL_CREATE_LD_INFO_T* /*plan*/, _AFCONT* conts, unsi
     if (refresh == 1 && UpdateDriveInfo(conts, controllerCount()) != 1)
         return;
     std::uint16_t slots = 0;
-    if (SLGetSlotNum(contNo, &slots) != kSlSuccess) {
-        traceFailure({kLdSource, __func__}, "SLGetSlotNum error", contNo);
+    if (!succeeded(SLGetSlotNum(contNo, &slots), {kLdSource, __func__}, "SLGetSlotNum error", onController(contNo)))
         return;
-    }
     std::array<unsigned char, kMaxSlots> present{};
     GetDeviceFoundList(contNo, conts, present);
     for (unsigned slot = 0; slot < std::min<unsigned>(slots, kMaxSlots); ++slot) {

@@ -23,10 +23,8 @@ std::span<const std::uint8_t> drivesOf(const PlannedArray& array) {
 /// The coerced size that the library tells of a drive; false, and a trace, when it does not.
 bool askPdSize(const char* func, unsigned char contNo, unsigned char slotNo, std::uint64_t& size) {
     _MR_PD_INFO info{};
-    if (SLGetPDInfo(contNo, slotNo, &info) != kSlSuccess) {
-        tracePdFailure({kLdSource, func}, "SLGetPDInfo error", contNo, slotNo);
+    if (!succeeded(SLGetPDInfo(contNo, slotNo, &info), {kLdSource, func}, "SLGetPDInfo error", onPd(contNo, slotNo)))
         return false;
-    }
     size = info.coercedSize;
     return true;
 }

@@ -1,25 +1,34 @@
 #include "main/zebcli_cmd_com/base/trace.h"
 
 #include "log/zebcli_log.h"
+#include "main/zebcli_cmd_com/base/string_shims.h"
 #include "storelib/records/status.h"
 
-void traceFailure(const TraceOrigin& origin, const char* text, unsigned char contNo, int line) {
-    Utillogging(origin.source, line, kTraceError, "func=%s: %s, contNo=%u", origin.func, text, contNo);
+namespace {
+
+void trace(const TraceOrigin& origin, const char* tag, const char* text, const Subject& subject) {
+    char controller[24] = "";
+    if (subject.contNo)
+        wsprintf(controller, "%scontNo=%u", subject.separator, *subject.contNo);
+    char number[32] = "";
+    if (subject.key != nullptr)
+        wsprintf(number, "%s%s=%u", subject.separator, subject.key, subject.number);
+    Utillogging(origin.speaker.source, origin.line, tag, "func=%s: %s%s%s", origin.speaker.func, text, controller,
+                number);
 }
 
-void tracePdFailure(const TraceOrigin& origin, const char* text, unsigned char contNo, unsigned char slotNo, int line) {
-    Utillogging(origin.source, line, kTraceError, "func=%s: %s, contNo=%u, pdNo=%u", origin.func, text, contNo, slotNo);
+} // namespace
+
+void traceFailure(const TraceOrigin& origin, const char* text, const Subject& subject) {
+    trace(origin, kTraceError, text, subject);
 }
 
-bool succeeded(std::uint32_t status, const TraceOrigin& origin, const char* text, unsigned char contNo, int line) {
+void traceUntagged(const TraceOrigin& origin, const char* text, const Subject& subject) {
+    trace(origin, kTracePlain, text, subject);
+}
+
+bool succeeded(std::uint32_t status, const TraceOrigin& origin, const char* text, const Subject& subject) {
     if (status != kSlSuccess)
-        traceFailure(origin, text, contNo, line);
-    return status == kSlSuccess;
-}
-
-bool succeededOnPd(std::uint32_t status, const TraceOrigin& origin, const char* text, unsigned char contNo,
-                   unsigned char slotNo, int line) {
-    if (status != kSlSuccess)
-        tracePdFailure(origin, text, contNo, slotNo, line);
+        traceFailure(origin, text, subject);
     return status == kSlSuccess;
 }

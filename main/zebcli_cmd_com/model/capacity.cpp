@@ -1,8 +1,8 @@
 #include "main/zebcli_cmd_com/model/capacity.h"
 
-#include "log/zebcli_log.h"
 #include "main/zebcli_cmd_com/base/source.h"
 #include "main/zebcli_cmd_com/base/string_shims.h"
+#include "main/zebcli_cmd_com/base/trace.h"
 
 #include <algorithm>
 
@@ -31,8 +31,7 @@ std::uint64_t CalcLDCapa(ZEB_RAID_LVL level, unsigned short drives, std::uint64_
     case kRaid10:
         return static_cast<std::uint64_t>(drives / 2) * size;
     default:
-        Utillogging(kComSource, __LINE__, kTraceError, "func=%s: %s, contNo=%u, raidlvl=%u", __func__,
-                    "raidlvl invalid", contNo, static_cast<unsigned>(level));
+        traceFailure({kComSource, __func__}, "raidlvl invalid", onLevel(contNo, level));
         return 0;
     }
 }

@@ -1,7 +1,7 @@
 #include "main/zebcli_cmd_com/model/lookup.h"
 
-#include "log/zebcli_log.h"
 #include "main/zebcli_cmd_com/base/source.h"
+#include "main/zebcli_cmd_com/base/trace.h"
 #include "storelib/common/StoreLib/controller.h"
 #include "storelib/records/status.h"
 
@@ -144,12 +144,11 @@ unsigned GePdSizeList(std::span<std::uint64_t> sizes, const _AFCONT* conts, unsi
 
 int IsOSInstallLD(unsigned char contNo, unsigned char ldNo, const _AFCONT* /*conts*/) {
     _SL_PARTITION_INFO_T partition{};
-    if (SLGetLDPartition(contNo, ldNo, &partition) != kSlSuccess) {
-        Utillogging(kComSource, __LINE__, kTraceError, "func=%s: %s, contNo=%u, ldNo=%u", __func__,
-                    "SLGetLDPartition error", contNo, ldNo);
-        return 0;
-    }
-    return partition.osInstalled != 0 ? 1 : 0;
+    return succeeded(SLGetLDPartition(contNo, ldNo, &partition), {kComSource, __func__}, "SLGetLDPartition error",
+                     onLd(contNo, ldNo)) &&
+                   partition.osInstalled != 0
+               ? 1
+               : 0;
 }
 
 void getAdpLdArray(const CtrlList& ctrlList, const LdList& ldList, LdSelection& selection, const _AFCONT* conts) {

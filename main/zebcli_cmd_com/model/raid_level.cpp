@@ -1,7 +1,7 @@
 #include "main/zebcli_cmd_com/model/raid_level.h"
 
-#include "log/zebcli_log.h"
 #include "main/zebcli_cmd_com/base/source.h"
+#include "main/zebcli_cmd_com/base/trace.h"
 
 #include <array>
 
@@ -24,8 +24,7 @@ const char* RaidlvlToStr(ZEB_RAID_LVL level, unsigned char contNo) {
     static constexpr std::array<const char*, kRaidLevels> kNames{"RAID0", "RAID1", "RAID5", "RAID6", "RAID10"};
     if (level < kNames.size())
         return kNames[level];
-    Utillogging(kComSource, __LINE__, kTraceError, "func=%s: %s contNo=%u raidlvl=%u", __func__, "raidlvl_Invalid",
-                contNo, static_cast<unsigned>(level));
+    traceFailure({kComSource, __func__}, "raidlvl_Invalid", onLevelWithoutCommas(contNo, level));
     return nullptr;
 }
 

@@ -1,7 +1,7 @@
 #include "main/zebcli_cmd_com/model/snapshot.h"
 
-#include "log/zebcli_log.h"
 #include "main/zebcli_cmd_com/base/source.h"
+#include "main/zebcli_cmd_com/base/trace.h"
 #include "storelib/common/StoreLib/configuration.h"
 #include "storelib/common/StoreLib/controller.h"
 #include "storelib/common/StoreLib/enclosure.h"
@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr char kRefresh[] = "UpdateDriveInfo";
+constexpr Speaker kRefresh{kComSource, "UpdateDriveInfo"};
 
 // The tolerated step of one LD feature: how its size and its record are asked for, and what is logged when that fails.
 struct LdFeature {
@@ -30,14 +30,6 @@ constexpr LdFeature kSnapshotInfo{SLGetSnapshotInfoSize, "SLGetSnapshotInfoSize 
 constexpr LdFeature kSnapshotRepo{SLGetSnapshotRepoSpaceSize, "SLGetSnapshotRepoSpaceSize error",
                                   SLGetSnapshotRepoSpace, "SLGetSnapshotRepoSpace error"};
 
-void traceController(int line, const char* text, unsigned char contNo) {
-    Utillogging(kComSource, line, kTraceError, "func=%s: %s, contNo=%u", kRefresh, text, contNo);
-}
-
-void traceLd(int line, const char* text, unsigned char contNo, unsigned char ldNo) {
-    Utillogging(kComSource, line, kTraceError, "func=%s: %s, contNo=%u, ldNo=%u", kRefresh, text, contNo, ldNo);
-}
-
 void releaseBlock(void*& block) {
     std::free(block);
     block = nullptr;
@@ -49,13 +41,13 @@ bool refreshSlotCount(_AFCONT& cont, unsigned char contNo) {
     } else {
         std::uint16_t slots = 0;
         if (SLGetSlotNum(contNo, &slots) != kSlSuccess) {
-            traceController(__LINE__, "SLGetSlotNum error", contNo);
+            traceFailure(kRefresh, "SLGetSlotNum error", onController(contNo));
             return false;
         }
         cont.slotCount = slots;
     }
     if (cont.slotCount == 0)
-        traceController(__LINE__, "SlotNum is zero", contNo);
+        traceUntagged(kRefresh, "SlotNum is zero", onController(contNo));
     return true;
 }
 
@@ -97,8 +89,7 @@ bool refreshArrays(_AFCONT& cont, unsigned char contNo) {
         if (arrayRef >= kMaxArrays)
             continue;
         if (SLGetArrayInfo(contNo, arrayRef, &cont.arrayInfo[arrayRef]) != kSlSuccess) {
-            Utillogging(kComSource, __LINE__, kTraceError, "func=%s: %s, contNo=%u, arrayRef=%u", kRefresh,
-                        "SLGetArrayInfo error", contNo, arrayRef);
+            traceFailure(kRefresh, "SLGetArrayInfo error", onArray(contNo, arrayRef));
             return false;
         }
     }
@@ -109,14 +100,14 @@ bool refreshArrays(_AFCONT& cont, unsigned char contNo) {
 bool refreshLdFeature(const LdFeature& feature, unsigned char contNo, unsigned char ldNo, void*& block) {
     std::uint32_t size = 0;
     if (feature.getSize(contNo, ldNo, &size) != kSlSuccess)
-        traceLd(__LINE__, feature.sizeError, contNo, ldNo);
+        traceFailure(kRefresh, feature.sizeError, onLd(contNo, ldNo));
     size = std::min(size, kLargestSnapshotSize);
     releaseBlock(block);
     block = std::calloc(1, std::max<std::size_t>(size, 1));
     if (block == nullptr)
         return false;
     if (feature.get(contNo, ldNo, block, size) != kSlSuccess)
-        traceLd(__LINE__, feature.getError, contNo, ldNo);
+        traceFailure(kRefresh, feature.getError, onLd(contNo, ldNo));
     return true;
 }
 
@@ -136,7 +127,7 @@ bool refreshSnapshots(_AFCONT& cont, unsigned char contNo) {
 
 bool refreshController(_AFCONT& cont, unsigned char contNo) {
     if (SLGetCtrlInfo(contNo, &cont.ctrlInfo) != kSlSuccess) {
-        traceController(__LINE__, "SLGetCtrlInfo error", contNo);
+        traceFailure(kRefresh, "SLGetCtrlInfo error", onController(contNo));
         return false;
     }
     if (!refreshSlotCount(cont, contNo) || cont.pdList == nullptr || SLGetPDList(contNo, cont.pdList) != kSlSuccess ||
@@ -168,11 +159,11 @@ int AllocDriveInfo(_AFCONT* conts, int count) {
 int UpdateDriveInfo(_AFCONT* conts, int count) {
     _SL_CTRL_LIST_T list{};
     if (SLGetCtrlList(&list) != kSlSuccess) {
-        Utillogging(kComSource, __LINE__, kTraceError, "func=%s: %s", kRefresh, "SLGetCtrlList error");
+        traceFailure(kRefresh, "SLGetCtrlList error");
         return 0;
     }
     if (SLGetEnclList(0, &conts[0].enclList) != kSlSuccess) {
-        traceController(__LINE__, "SLGetEnclList error", 0);
+        traceFailure(kRefresh, "SLGetEnclList error", onController(0));
         return 0;
     }
     for (int contNo = 0; contNo < count; ++contNo)

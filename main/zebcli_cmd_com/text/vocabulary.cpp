@@ -138,10 +138,8 @@ void mkLDErrInfoStr(unsigned char contNo, const _AFCONT* conts, unsigned char ld
 int IsSoftwareRAID() {
     static constexpr std::string_view kSoftwareRaid{"LSI Embedded MegaRAID\0", 22};
     _MR_CTRL_INFO info{};
-    if (SLGetCtrlInfo(0, &info) != kSlSuccess) {
-        traceFailure({kComSource, __func__}, "SLGetCtrlInfo error", 0);
+    if (!succeeded(SLGetCtrlInfo(0, &info), {kComSource, __func__}, "SLGetCtrlInfo error", onController(0)))
         return 0;
-    }
     // As many characters are compared as the product name has, so that a shorter beginning of the name, and no name at
     // all, count as equal.
     const std::string_view product(info.productName, strnlen(info.productName, sizeof info.productName));

@@ -208,8 +208,8 @@ TEST_F(UnitConstruction, CapacityOfWhatIsPlanned) {
     }
     auto plan = std::make_unique<_SL_CREATE_LD_INFO_T>();
     plan->arrayCount = 2;
-    plan->array[0] = {kRaid6, 4, {0, 2, 3, 1}, 0, 0, 0, 0, 1, {}};
-    plan->array[1] = {kRaid10, 5, {4, 3, 2, 0, 1}, 0, 0, 0, 0, 1, {}};
+    plan->array[0] = {kRaid6, 4, {0, 2, 3, 1}, 0, 0, 0, 0, 1, {}, 0, {}};
+    plan->array[1] = {kRaid10, 5, {4, 3, 2, 0, 1}, 0, 0, 0, 0, 1, {}, 0, {}};
     char texts[2][kCapacityTextSize];
     ShowLDCapacity(texts, *plan, model.conts(), kCont);
     EXPECT_STREQ("4.000", texts[0]);
@@ -238,7 +238,8 @@ TEST_F(UnitConstruction, DefaultsAndSizesAskTheLibraryForEachDrive) {
     };
     auto plan = std::make_unique<_SL_CREATE_LD_INFO_T>();
     plan->arrayCount = 1;
-    plan->array[0] = {kRaid5, 3, {7, 8, 9}, 9, 9, 9, 9, 3, {{200, {}, 0, 0}, {1, {}, 0, 0}, {2, {}, 0, 0}}};
+    plan->array[0] = {
+        kRaid5, 3, {7, 8, 9}, 9, 9, 9, 9, 3, {{200, {}, 0, 0, 0, 0}, {1, {}, 0, 0, 0, 0}, {2, {}, 0, 0, 0, 0}}, 0, {}};
     for (const bool backup : {false, true}) {
         answer(7, 1000, 0);
         answer(8, 901, 0);

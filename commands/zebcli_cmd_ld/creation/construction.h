@@ -4,6 +4,7 @@
 
 #include "main/zebcli_cmd_com/model/capacity.h"
 #include "main/zebcli_cmd_com/model/snapshot.h"
+#include "storelib/common/StoreLib/configuration_write.h"
 
 #include <array>
 #include <cstdint>
@@ -33,30 +34,6 @@ struct _raidConstructInfoT {
 /// The drives that are in no LD and no spare, by slot number; kept by the creation commands.
 extern std::array<unsigned char, kMaxSlots> unconfiguredPdList;
 extern unsigned unconfiguredPds;
-
-/// A planned configuration: arrays, each with its drives and the LDs on it.
-struct _SL_CREATE_LD_INFO_T {
-    struct Ld {
-        std::uint8_t ldNo;
-        char name[16];
-        std::uint64_t size; ///< blocks
-        std::uint8_t initType;
-    };
-    struct Array {
-        ZEB_RAID_LVL level;
-        std::uint16_t pdCount;
-        std::uint8_t slotNo[kMaxSlots];
-        std::uint8_t accessPolicy;
-        std::uint8_t diskCachePolicy;
-        std::uint8_t defaultCachePolicy;
-        std::uint8_t stripeSize; ///< stripe size code
-        std::uint8_t ldCount;
-        Ld ld[kMaxLds];
-    };
-    std::uint8_t arrayCount;
-    Array array[kMaxLds];
-};
-using PlannedArray = _SL_CREATE_LD_INFO_T::Array;
 
 /// Reads the pattern file of the site. A file that cannot be opened leaves the table as it was.
 void ReadConfigPatFile(_configPat_T* table);

@@ -16,10 +16,6 @@ namespace {
 constexpr std::uint8_t kDefaultStripeSize = 7;
 constexpr std::uint64_t kNoSize = std::numeric_limits<std::uint64_t>::max();
 
-std::span<const std::uint8_t> drivesOf(const PlannedArray& array) {
-    return {array.slotNo, std::min<std::size_t>(array.pdCount, std::size(array.slotNo))};
-}
-
 /// The coerced size that the library tells of a drive; false, and a trace, when it does not.
 bool askPdSize(const char* func, unsigned char contNo, unsigned char slotNo, std::uint64_t& size) {
     _MR_PD_INFO info{};
@@ -34,7 +30,7 @@ void setDefaults(PlannedArray& array, std::uint8_t cachePolicy, std::uint8_t ini
     array.diskCachePolicy = kDiskCacheDisabled;
     array.defaultCachePolicy = cachePolicy;
     array.stripeSize = kDefaultStripeSize;
-    for (auto& ld : std::span(array.ld).first(std::min<std::size_t>(array.ldCount, kMaxLds))) {
+    for (PlannedLd& ld : ldsOf(array)) {
         wsprintf(ld.name, "LD_%u", ld.ldNo);
         ld.initType = initType;
     }
@@ -48,26 +44,26 @@ std::uint64_t smallestOr0(std::uint64_t smallest) {
 
 int CreateLDDefaultSet(_SL_CREATE_LD_INFO_T& plan, const _AFCONT* conts, unsigned char contNo, std::uint8_t initType) {
     const std::uint8_t cachePolicy = IsCacheBkupPresent(conts, contNo) != 0 ? kWriteBack : kWriteThrough;
-    for (PlannedArray& array : std::span(plan.array).first(std::min<std::size_t>(plan.arrayCount, kMaxLds))) {
+    for (PlannedArray& array : groupsOf(plan)) {
         setDefaults(array, cachePolicy, initType);
         std::uint64_t smallest = kNoSize;
-        for (const std::uint8_t slotNo : drivesOf(array))
+        for (const std::uint8_t slotNo : slotsOf(array))
             if (std::uint64_t size = 0; askPdSize(__func__, contNo, slotNo, size))
                 smallest = std::min(smallest, size);
         if (!knownLevel(__func__, array.level, contNo, __LINE__))
             return 0;
         const std::uint64_t capacity = CalcLDCapa(array.level, array.pdCount, smallestOr0(smallest), contNo);
-        for (auto& ld : std::span(array.ld).first(std::min<std::size_t>(array.ldCount, kMaxLds)))
+        for (PlannedLd& ld : ldsOf(array))
             ld.size = capacity / array.ldCount;
     }
     return 0;
 }
 
 int ConfirmDiffPDSize(const _SL_CREATE_LD_INFO_T& plan, unsigned char contNo) {
-    for (const PlannedArray& array : std::span(plan.array).first(std::min<std::size_t>(plan.arrayCount, kMaxLds))) {
+    for (const PlannedArray& array : groupsOf(plan)) {
         bool any = false;
         std::uint64_t first = 0;
-        for (const std::uint8_t slotNo : drivesOf(array)) {
+        for (const std::uint8_t slotNo : slotsOf(array)) {
             std::uint64_t size = 0;
             if (!askPdSize(__func__, contNo, slotNo, size))
                 continue;
@@ -83,7 +79,7 @@ int ConfirmDiffPDSize(const _SL_CREATE_LD_INFO_T& plan, unsigned char contNo) {
 
 std::uint64_t CalcRAIDCapa(const PlannedArray& array, const _AFCONT* conts, unsigned char contNo) {
     std::uint64_t smallest = kNoSize;
-    for (const std::uint8_t slotNo : drivesOf(array))
+    for (const std::uint8_t slotNo : slotsOf(array))
         smallest = std::min<std::uint64_t>(smallest, conts[contNo].pdInfo[slotNo].coercedSize);
     return CalcLDCapa(array.level, array.pdCount, smallestOr0(smallest), contNo);
 }
@@ -112,7 +108,7 @@ void SetLDCapacityText(char (&text)[32], ZEB_RAID_LVL level, bool keepSpare, uns
 
 void ShowLDCapacity(char (*texts)[kCapacityTextSize], const _SL_CREATE_LD_INFO_T& plan, const _AFCONT* conts,
                     unsigned char contNo) {
-    for (const PlannedArray& array : std::span(plan.array).first(std::min<std::size_t>(plan.arrayCount, kMaxLds)))
+    for (const PlannedArray& array : groupsOf(plan))
         wsprintf(*texts++, "%0.3f", blocksToGb(CalcRAIDCapa(array, conts, contNo)));
 }
 

@@ -5,21 +5,6 @@
 
 #include <array>
 
-ZEB_RAID_LVL SLTransLateRAIDLvl(const _MR_LD_CONFIG* ld) {
-    switch (ld->primaryRaidLevel) {
-    case 0:
-        return kRaid0;
-    case 1:
-        return ld->spanDepth > 1 ? kRaid10 : kRaid1;
-    case 5:
-        return kRaid5;
-    case 6:
-        return kRaid6;
-    default:
-        return kRaidUnknown;
-    }
-}
-
 const char* RaidlvlToStr(ZEB_RAID_LVL level, unsigned char contNo) {
     static constexpr std::array<const char*, kRaidLevels> kNames{"RAID0", "RAID1", "RAID5", "RAID6", "RAID10"};
     if (level < kNames.size())

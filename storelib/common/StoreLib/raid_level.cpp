@@ -1,0 +1,16 @@
+#include "storelib/common/StoreLib/raid_level.h"
+
+ZEB_RAID_LVL SLTransLateRAIDLvl(const _MR_LD_CONFIG* ld) {
+    switch (ld->primaryRaidLevel) {
+    case 0:
+        return kRaid0;
+    case 1:
+        return ld->spanDepth > 1 ? kRaid10 : kRaid1;
+    case 5:
+        return kRaid5;
+    case 6:
+        return kRaid6;
+    default:
+        return kRaidUnknown;
+    }
+}

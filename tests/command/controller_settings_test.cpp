@@ -1,5 +1,5 @@
 // Controller settings, automatic rebuild and the learn cycle: couplings, refusals, and every byte that is written.
-#include "tests/command/operation_case.h"
+#include "tests/support/operation_case.h"
 
 #include <gmock/gmock.h>
 
@@ -14,9 +14,8 @@ enum : std::uint32_t { kNoCopyback = 0x01, kHdd = 0x02, kSsd = 0x20 };
 /// Bytes that differ all, from a start value on.
 std::string pattern(std::size_t count, unsigned from) {
     std::string bytes;
-    for (std::size_t i = 0; i < count; ++i) {
+    for (std::size_t i = 0; i < count; ++i)
         bytes.push_back(static_cast<char>(from + i));
-    }
     return bytes;
 }
 
@@ -38,15 +37,13 @@ std::string writeProperties(const Wire& wire, unsigned rate, std::uint32_t onOff
                             const std::string& rest = "") {
     std::string bytes = pattern(64, 0x80);
     bytes.replace(0, 2, "\x09\x03");
-    for (unsigned i = 0; i < 5; ++i) {
+    for (unsigned i = 0; i < 5; ++i)
         bytes[8 + i] = static_cast<char>(rate != 0 ? rate : 41 + i);
-    }
     bytes[13] = 5;
     bytes[18] = 0;
     bytes[19] = static_cast<char>(disableAutoRebuild);
-    for (unsigned i = 0; i < 4; ++i) {
+    for (unsigned i = 0; i < 4; ++i)
         bytes[32 + i] = static_cast<char>((onOff | kOtherBits) >> 8 * i & 0xFFU);
-    }
     return wire.request("01/01", 0, " size=64") + wire.request("01/02", 777, " size=64 out=" + toHex(bytes) + rest);
 }
 std::string readDefaults(const Wire& wire) {
@@ -114,20 +111,22 @@ TEST_F(ControllerSettings, OptionsAreCoupled) {
                  {0, 0, "-pdfailenbl", 41, kNoCopyback, 1}};
     for (const auto& c : cases) {
         check(scenario(controller(3, c.onOff, c.failPd)),
-              {std::string("-ctrlsetprop ") + c.options, settingsSent(0, c.newFailPd) + changed(0),
-               change(kFirst, c.rate, c.newOnOff, c.newFailPd)});
+              {.args = std::string("-ctrlsetprop ") + c.options,
+               .lines = settingsSent(0, c.newFailPd) + changed(0),
+               .requests = change(kFirst, c.rate, c.newOnOff, c.newFailPd)});
     }
 }
 
 TEST_F(ControllerSettings, NotBothEnabled) {
     const std::string two = scenario(controller(3, kHdd, 0), controller(9, kNoCopyback, 0));
     for (const char* options : {"-pdfailenbl -hddcpybkenbl", "-ssdcpybkenbl -trh -pdfailenbl"}) {
-        check(two, {std::string("-ctrlsetprop -a1,0 ") + options, notBoth(0)});
-        check(two, {std::string("-ctrlsetprop -a1 ") + options, notBoth(1)});
+        check(two, {.args = std::string("-ctrlsetprop -a1,0 ") + options, .lines = notBoth(0)});
+        check(two, {.args = std::string("-ctrlsetprop -a1 ") + options, .lines = notBoth(1)});
     }
     // Found on one controller only: the next one is changed.
-    check(two, {"-ctrlsetprop -pdfailenbl -aAll", notBoth(0) + settingsSent(1, 1) + changed(1),
-                query(kFirst) + change(kSecond, 41, kNoCopyback, 1)});
+    check(two, {.args = "-ctrlsetprop -pdfailenbl -aAll",
+                .lines = notBoth(0) + settingsSent(1, 1) + changed(1),
+                .requests = query(kFirst) + change(kSecond, 41, kNoCopyback, 1)});
 }
 
 TEST_F(ControllerSettings, CopybackIsNotSupportedEverywhere) {
@@ -144,23 +143,30 @@ TEST_F(ControllerSettings, CopybackIsNotSupportedEverywhere) {
     for (const auto& [keys, isRefused] : controllers) {
         const std::string two = scenario(controller(3, kHdd, 0, keys), controller(9, kHdd, 0));
         const Lines first = isRefused ? refused : settingsSent(0, 0) + changed(0);
-        check(two, {"-ctrlsetprop -ssdcpybkdsbl -aAll", first + settingsSent(1, 0) + changed(1),
-                    (isRefused ? query(kFirst) : change(kFirst, 41, kHdd, 0)) + change(kSecond, 41, kHdd, 0)});
+        check(two,
+              {.args = "-ctrlsetprop -ssdcpybkdsbl -aAll",
+               .lines = first + settingsSent(1, 0) + changed(1),
+               .requests = (isRefused ? query(kFirst) : change(kFirst, 41, kHdd, 0)) + change(kSecond, 41, kHdd, 0)});
     }
     const std::string none = scenario(controller(3, kHdd, 0, R"(, "product": "LSI Embedded MegaRAID")"));
-    for (const char* options : {"-hddcpybkenbl", "-ssdcpybkenbl -trh", "-pdfailenbl", "-pdfaildsbl"}) {
-        check(none, {std::string("-ctrlsetprop ") + options, {refused}, query(kFirst)});
-    }
-    check(none, {"-ctrlsetprop -trh", settingsSent(0, 0) + changed(0), change(kFirst, 90, kHdd, 0)});
+    for (const char* options : {"-hddcpybkenbl", "-ssdcpybkenbl -trh", "-pdfailenbl", "-pdfaildsbl"})
+        check(none, {.args = std::string("-ctrlsetprop ") + options, .lines = {refused}, .requests = query(kFirst)});
+    check(none, {.args = "-ctrlsetprop -trh",
+                 .lines = settingsSent(0, 0) + changed(0),
+                 .requests = change(kFirst, 90, kHdd, 0)});
 }
 
 TEST_F(ControllerSettings, FailureEndsTheCommand) {
     const std::string two = scenario(controller(3, kHdd, 0), controller(9, kHdd, 0));
     const Line trace = traced("!ERR func=CliCmdExecAdpSetProp: SLSetCtrlProp error, contNo=0");
-    check(two, {"-ctrlsetprop -trh -aAll", propertiesSent(0, 0x21) + trace + notChanged(0),
-                query(kFirst) + writeProperties(kFirst, 90, kHdd, 7, " -> 0x21"), kFirst.fails("01/02", 0x21)});
-    check(two, {"-ctrlsetprop -trh -a0", propertiesSent(0, 4) + trace + notChanged(0),
-                query(kFirst) + writeProperties(kFirst, 90, kHdd, 7, " -> 0x04"), kFirst.outdates("01/01", 1)});
+    check(two, {.args = "-ctrlsetprop -trh -aAll",
+                .lines = propertiesSent(0, 0x21) + trace + notChanged(0),
+                .requests = query(kFirst) + writeProperties(kFirst, 90, kHdd, 7, " -> 0x21"),
+                .faults = kFirst.fails("01/02", 0x21)});
+    check(two, {.args = "-ctrlsetprop -trh -a0",
+                .lines = propertiesSent(0, 4) + trace + notChanged(0),
+                .requests = query(kFirst) + writeProperties(kFirst, 90, kHdd, 7, " -> 0x04"),
+                .faults = kFirst.outdates("01/01", 1)});
     const struct {
         std::string faults, out, trace, requests;
     } cases[] = {{R"([{"opcode": "0x010E0202", "ctrl": 3, "status": "0x21"}])", notChanged(0).text,
@@ -199,17 +205,28 @@ TEST_F(ControllerSettings, AutomaticRebuild) {
         return writeProperties(kFirst, 0, kHdd, value, rest);
     };
     const std::vector<OperationCase> cases{
-        {"-ctrlautorbld -enbl -aAll", wrote(0, 0) + changed(0) + wrote(1, 0) + changed(1),
-         first(0) + writeProperties(kSecond, 0, kNoCopyback, 0)},
-        {"-ctrlautorbld -a0,1 -DSBL", asks + wrote(0, 1) + changed(0) + asks + asks + wrote(1, 1) + changed(1),
-         first(1) + writeProperties(kSecond, 0, kNoCopyback, 1), "", "Y\nok\ny\n"},
-        {"-ctrlautorbld -dsbl -aAll", asks + wrote(0, 1) + changed(0) + asks, first(1), "", "y\nN\n"},
-        {"-ctrlautorbld -dsbl -aAll", {asks}, "", "", "n\n"},
-        {"-ctrlautorbld -enbl -aAll", wrote(0, 0, 0x21) + failed, first(0, " -> 0x21"), kFirst.fails("01/02", 0x21)},
-        {"-ctrlautorbld -enbl -a0", wrote(0, 0, 4) + failed, first(0, " -> 0x04"), kFirst.outdates("01/01", 1)}};
-    for (const auto& c : cases) {
+        {.args = "-ctrlautorbld -enbl -aAll",
+         .lines = wrote(0, 0) + changed(0) + wrote(1, 0) + changed(1),
+         .requests = first(0) + writeProperties(kSecond, 0, kNoCopyback, 0)},
+        {.args = "-ctrlautorbld -a0,1 -DSBL",
+         .lines = asks + wrote(0, 1) + changed(0) + asks + asks + wrote(1, 1) + changed(1),
+         .requests = first(1) + writeProperties(kSecond, 0, kNoCopyback, 1),
+         .input = "Y\nok\ny\n"},
+        {.args = "-ctrlautorbld -dsbl -aAll",
+         .lines = asks + wrote(0, 1) + changed(0) + asks,
+         .requests = first(1),
+         .input = "y\nN\n"},
+        {.args = "-ctrlautorbld -dsbl -aAll", .lines = {asks}, .input = "n\n"},
+        {.args = "-ctrlautorbld -enbl -aAll",
+         .lines = wrote(0, 0, 0x21) + failed,
+         .requests = first(0, " -> 0x21"),
+         .faults = kFirst.fails("01/02", 0x21)},
+        {.args = "-ctrlautorbld -enbl -a0",
+         .lines = wrote(0, 0, 4) + failed,
+         .requests = first(0, " -> 0x04"),
+         .faults = kFirst.outdates("01/01", 1)}};
+    for (const auto& c : cases)
         check(two, c);
-    }
 }
 
 TEST_F(ControllerSettings, LearnCycle) {
@@ -218,9 +235,10 @@ TEST_F(ControllerSettings, LearnCycle) {
                               "there is no problem with Cache Backup.\n");
     const Line started = said("Information - Controller[1] Learn cycle has been started.\nPlease confirm OS event log "
                               "for the completion.\n");
-    check(two, {"-cblearn -aAll", sent("SLLearnCacheBkup", 0x22) + failed + started,
-                kFirst.request("05/03", 0, " -> 0x22") + kSecond.request("05/03", 0)});
-    check(two, {"-cblearn -a1", {started}, kSecond.request("05/03", 0)});
+    check(two, {.args = "-cblearn -aAll",
+                .lines = sent("SLLearnCacheBkup", 0x22) + failed + started,
+                .requests = kFirst.request("05/03", 0, " -> 0x22") + kSecond.request("05/03", 0)});
+    check(two, {.args = "-cblearn -a1", .lines = {started}, .requests = kSecond.request("05/03", 0)});
 }
 
 TEST_F(ControllerSettings, ArgumentsAreRefused) {
@@ -235,8 +253,8 @@ TEST_F(ControllerSettings, ArgumentsAreRefused) {
                  "-ctrlautorbld -dsbl -dsbl -> -dsbl", "-ctrlautorbld -a0 -off -> -a0", "-cblearn -start -> -cblearn",
                  "-cblearn -a0 -a1 -> -a0", "-cblearn -a0,01 -> -cblearn"});
     for (const std::string command : {"-ctrlsetprop -trh", "-ctrlautorbld -enbl", "-cblearn"}) {
-        check(two, {command + " -a1,2", noController(2)});
-        check(two, {command, {manyControllers()}});
+        check(two, {.args = command + " -a1,2", .lines = noController(2)});
+        check(two, {.args = command, .lines = {manyControllers()}});
     }
 }
 

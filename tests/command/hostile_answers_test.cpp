@@ -5,8 +5,8 @@
 
 #include <gmock/gmock.h>
 
-#include "tests/command/operation_case.h"
 #include "tests/support/expected.h"
+#include "tests/support/operation_case.h"
 
 namespace zebtest {
 namespace {

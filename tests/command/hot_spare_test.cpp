@@ -1,5 +1,5 @@
 // Global and dedicated hot spares and their release: warnings, the group dialogue, what is sent.
-#include "tests/command/operation_case.h"
+#include "tests/support/operation_case.h"
 
 namespace zebtest {
 namespace {
@@ -54,16 +54,27 @@ class HotSpare : public OperationTest {
 };
 
 TEST_F(HotSpare, GlobalWarnsOfWhatDoesNotFit) {
-    checkAll({{"-pdhsp -ghs -pd[:7] -a0", changed(0, "7"), makeGlobal(kFirst, 7)},
-              {"-pdhsp -ghs -pd[:8] -a0", kAskInterface + changed(0, "8"), makeGlobal(kFirst, 8), "", "y\n"},
-              {"-pdhsp -ghs -pd[:9] -a0", kAskMedia + changed(0, "9"), makeGlobal(kFirst, 9), "", "Y\n"},
-              {"-pdhsp -nochk -ghs -pd[:10] -a0", kAskCapacity + changed(0, "10"), makeGlobal(kFirst, 10), "", "y\n"},
-              {"-pdhsp -ghs -pd[:11] -a0 -nochk",
-               kAskInterface + kAskInterface + kAskMedia + kAskCapacity + changed(0, "11"), makeGlobal(kFirst, 11), "",
-               "yes\ny\ny\ny\n"},
+    checkAll({{.args = "-pdhsp -ghs -pd[:7] -a0", .lines = changed(0, "7"), .requests = makeGlobal(kFirst, 7)},
+              {.args = "-pdhsp -ghs -pd[:8] -a0",
+               .lines = kAskInterface + changed(0, "8"),
+               .requests = makeGlobal(kFirst, 8),
+               .input = "y\n"},
+              {.args = "-pdhsp -ghs -pd[:9] -a0",
+               .lines = kAskMedia + changed(0, "9"),
+               .requests = makeGlobal(kFirst, 9),
+               .input = "Y\n"},
+              {.args = "-pdhsp -nochk -ghs -pd[:10] -a0",
+               .lines = kAskCapacity + changed(0, "10"),
+               .requests = makeGlobal(kFirst, 10),
+               .input = "y\n"},
+              {.args = "-pdhsp -ghs -pd[:11] -a0 -nochk",
+               .lines = kAskInterface + kAskInterface + kAskMedia + kAskCapacity + changed(0, "11"),
+               .requests = makeGlobal(kFirst, 11),
+               .input = "yes\ny\ny\ny\n"},
               // Nothing is configured on the second controller.
-              {"-pdhsp -ghs -pd[:7,:8,:11] -a1", changed(1, "7,8,11"),
-               makeGlobal(kSecond, 7) + makeGlobal(kSecond, 8) + makeGlobal(kSecond, 11)}});
+              {.args = "-pdhsp -ghs -pd[:7,:8,:11] -a1",
+               .lines = changed(1, "7,8,11"),
+               .requests = makeGlobal(kSecond, 7) + makeGlobal(kSecond, 8) + makeGlobal(kSecond, 11)}});
 }
 
 TEST_F(HotSpare, NoEndsTheCommandWithoutItsInformationLine) {
@@ -71,25 +82,39 @@ TEST_F(HotSpare, NoEndsTheCommandWithoutItsInformationLine) {
                                                      {"y\nN\n", kAskInterface + kAskMedia},
                                                      {"y\ny\nn\n", kAskInterface + kAskMedia + kAskCapacity}};
     for (const auto& [answer, asked] : answers) {
-        check(kScenario,
-              {"-pdhsp -ghs -pd[:7,:11,:12] -aAll", asked, makeGlobal(kFirst, 7) + kFirst.pdInfo(11), "", answer});
+        check(kScenario, {.args = "-pdhsp -ghs -pd[:7,:11,:12] -aAll",
+                          .lines = asked,
+                          .requests = makeGlobal(kFirst, 7) + kFirst.pdInfo(11),
+                          .input = answer});
     }
-    checkAll({{"-pdhsp -rmv -pd[:12,:13] -a0", kAskRelease + kAskRelease,
-               kFirst.pdInfo(12) + ldList(kFirst) + kFirst.pdChange("02/0d", 12) + kFirst.pdInfo(13), "", "y\nn\n"},
-              {"-pdhsp -rmv -pd[:12] -aAll", kAskRelease, kFirst.pdInfo(12) + ldList(kFirst), "", "N\n"}});
+    checkAll({{.args = "-pdhsp -rmv -pd[:12,:13] -a0",
+               .lines = kAskRelease + kAskRelease,
+               .requests = kFirst.pdInfo(12) + ldList(kFirst) + kFirst.pdChange("02/0d", 12) + kFirst.pdInfo(13),
+               .input = "y\nn\n"},
+              {.args = "-pdhsp -rmv -pd[:12] -aAll",
+               .lines = kAskRelease,
+               .requests = kFirst.pdInfo(12) + ldList(kFirst),
+               .input = "N\n"}});
 }
 
 TEST_F(HotSpare, GlobalFailures) {
     const std::string readFails = kFirst.fails("02/00", 0x0C, 2, 17);
-    checkAll({{"-pdhsp -ghs -pd[:7,:12] -aAll", kNotAssigned + changed(0, "7") + kNotAssigned + changed(1, "7"),
-               makeGlobal(kFirst, 7) + kFirst.pdInfo(12) + makeGlobal(kSecond, 7) + kSecond.pdInfo(12)},
-              {"-pdhsp -ghs -pd[:14,:7] -a0", sent("SLMakeGlobalHotspare", 0x1F) + kNotAssigned + kNotAssigned,
-               makeGlobal(kFirst, 7, " -> 0x1f") + kFirst.pdInfo(14), kFirst.fails("02/0a", 0x1F)},
-              {"-pdhsp -ghs -pd[:7] -a0", sent("SLMakeGlobalHotspare", 4) + kNotAssigned,
-               makeGlobal(kFirst, 7, " -> 0x04"), kFirst.outdates("02/00", 3, 15)},
+    checkAll({{.args = "-pdhsp -ghs -pd[:7,:12] -aAll",
+               .lines = kNotAssigned + changed(0, "7") + kNotAssigned + changed(1, "7"),
+               .requests = makeGlobal(kFirst, 7) + kFirst.pdInfo(12) + makeGlobal(kSecond, 7) + kSecond.pdInfo(12)},
+              {.args = "-pdhsp -ghs -pd[:14,:7] -a0",
+               .lines = sent("SLMakeGlobalHotspare", 0x1F) + kNotAssigned + kNotAssigned,
+               .requests = makeGlobal(kFirst, 7, " -> 0x1f") + kFirst.pdInfo(14),
+               .faults = kFirst.fails("02/0a", 0x1F)},
+              {.args = "-pdhsp -ghs -pd[:7] -a0",
+               .lines = sent("SLMakeGlobalHotspare", 4) + kNotAssigned,
+               .requests = makeGlobal(kFirst, 7, " -> 0x04"),
+               .faults = kFirst.outdates("02/00", 3, 15)},
               // A drive that cannot be read ends the command: nothing for slot 10, nothing on the second controller.
-              {"-pdhsp -ghs -pd[:7,:9,:10] -aAll", sent("SLGetPDInfo", 0x0C) + kNotAssigned,
-               makeGlobal(kFirst, 7) + kFirst.pdInfo(9, " -> 0x0c"), readFails}});
+              {.args = "-pdhsp -ghs -pd[:7,:9,:10] -aAll",
+               .lines = sent("SLGetPDInfo", 0x0C) + kNotAssigned,
+               .requests = makeGlobal(kFirst, 7) + kFirst.pdInfo(9, " -> 0x0c"),
+               .faults = readFails}});
 }
 
 const Line kGroups = {true, false, "RG No. RAID Level\n-----------------\nRG0    RAID1\nRG2    RAID10\n"};
@@ -111,13 +136,19 @@ Lines dedicated(unsigned slot, unsigned array, std::uint32_t status = 0) {
            sent("SLMakeDedicatedHotspare", status);
 }
 TEST_F(HotSpare, DedicatedToEveryArrayOfTheGroup) {
-    checkAll({{"-pdhsp -dhs -pd[:7] -a0", kGroups + kAskGroup + dedicated(7, 2) + changed(0, "7"),
-               software() + kFirst.pdInfo(7) + makeDedicated(7, 2, 4, "0202000700"), "", "2\n"},
-              {"-pdhsp -dhs -pd[:7] -a0", kGroups + kAskGroup + dedicated(7, 5) + changed(0, "7"),
-               software() + kFirst.pdInfo(7) + makeDedicated(7, 5, 9, "010500"), "", "0\n"},
-              {"-pdhsp -dhs -pd[:7] -a0", kGroups + kAskGroup + dedicated(7, 5, 4) + kNotAssigned,
-               software() + kFirst.pdInfo(7) + makeDedicated(7, 5, 9, "010500", " -> 0x04"),
-               kFirst.outdates("02/00", 3, 15), "0\n"}});
+    checkAll({{.args = "-pdhsp -dhs -pd[:7] -a0",
+               .lines = kGroups + kAskGroup + dedicated(7, 2) + changed(0, "7"),
+               .requests = software() + kFirst.pdInfo(7) + makeDedicated(7, 2, 4, "0202000700"),
+               .input = "2\n"},
+              {.args = "-pdhsp -dhs -pd[:7] -a0",
+               .lines = kGroups + kAskGroup + dedicated(7, 5) + changed(0, "7"),
+               .requests = software() + kFirst.pdInfo(7) + makeDedicated(7, 5, 9, "010500"),
+               .input = "0\n"},
+              {.args = "-pdhsp -dhs -pd[:7] -a0",
+               .lines = kGroups + kAskGroup + dedicated(7, 5, 4) + kNotAssigned,
+               .requests = software() + kFirst.pdInfo(7) + makeDedicated(7, 5, 9, "010500", " -> 0x04"),
+               .faults = kFirst.outdates("02/00", 3, 15),
+               .input = "0\n"}});
 }
 
 TEST_F(HotSpare, GroupIsAskedUntilItIsListed) {
@@ -127,10 +158,18 @@ TEST_F(HotSpare, GroupIsAskedUntilItIsListed) {
         asked = asked + kAskGroup + invalid(answer);
         input += std::string(answer) + "\n";
     }
-    checkAll({{"-pdhsp -dhs -pd[:7] -a0", asked + kAskGroup + dedicated(7, 5) + changed(0, "7"),
-               software() + kFirst.pdInfo(7) + makeDedicated(7, 5, 9, "010500"), "", input + "0\n"},
-              {"-pdhsp -dhs -pd[:7,:12] -aAll", kGroups + kAskGroup, software() + kFirst.pdInfo(7), "", "q\n"},
-              {"-pdhsp -dhs -pd[:7] -a0", kGroups + kAskGroup, software() + kFirst.pdInfo(7), "", "Qui\n"}});
+    checkAll({{.args = "-pdhsp -dhs -pd[:7] -a0",
+               .lines = asked + kAskGroup + dedicated(7, 5) + changed(0, "7"),
+               .requests = software() + kFirst.pdInfo(7) + makeDedicated(7, 5, 9, "010500"),
+               .input = input + "0\n"},
+              {.args = "-pdhsp -dhs -pd[:7,:12] -aAll",
+               .lines = kGroups + kAskGroup,
+               .requests = software() + kFirst.pdInfo(7),
+               .input = "q\n"},
+              {.args = "-pdhsp -dhs -pd[:7] -a0",
+               .lines = kGroups + kAskGroup,
+               .requests = software() + kFirst.pdInfo(7),
+               .input = "Qui\n"}});
 }
 
 TEST_F(HotSpare, DedicatedMustMatchItsGroup) {
@@ -139,49 +178,61 @@ TEST_F(HotSpare, DedicatedMustMatchItsGroup) {
     const Line media = error(cannot + "the different Media Type(HDD/SSD).");
     const Line capacity = error(cannot + "lower capacity than other configured PDs(Physical Drives).");
     std::string reads;
-    for (const unsigned slot : {8U, 9U, 10U, 11U, 14U}) {
+    for (const unsigned slot : {8U, 9U, 10U, 11U, 14U})
         reads += software() + kFirst.pdInfo(slot);
-    }
-    checkAll({{"-pdhsp -dhs -pd[:8,:9,:10,:11,:14] -a0 -nochk",
-               kGroups + kAskGroup + interface + kGroups + kAskGroup + media + kGroups + kAskGroup + capacity +
-                   kGroups + kAskGroup + interface + kNotAssigned,
-               reads, "", "0\n2\n2\n0\n"},
-              {"-pdhsp -dhs -pd[:7] -a1", error(cannot + "no RAID Group."), software() + kSecond.pdInfo(7)},
-              {"-pdhsp -dhs -pd[:7] -a0", sent("SLGetPDInfo", 0x32) + kNotAssigned,
-               software() + kFirst.pdInfo(7, " -> 0x32"), kFirst.fails("02/00", 0x32, 2, 15)}});
+    checkAll({{.args = "-pdhsp -dhs -pd[:8,:9,:10,:11,:14] -a0 -nochk",
+               .lines = kGroups + kAskGroup + interface + kGroups + kAskGroup + media + kGroups + kAskGroup + capacity +
+                        kGroups + kAskGroup + interface + kNotAssigned,
+               .requests = reads,
+               .input = "0\n2\n2\n0\n"},
+              {.args = "-pdhsp -dhs -pd[:7] -a1",
+               .lines = error(cannot + "no RAID Group."),
+               .requests = software() + kSecond.pdInfo(7)},
+              {.args = "-pdhsp -dhs -pd[:7] -a0",
+               .lines = sent("SLGetPDInfo", 0x32) + kNotAssigned,
+               .requests = software() + kFirst.pdInfo(7, " -> 0x32"),
+               .faults = kFirst.fails("02/00", 0x32, 2, 15)}});
     check(R"({"controllers": [{"id": 3, "product": "LSI Embedded MegaRAID", "drives": [{"repeat": 3}],
               "arrays": [{"drives": [0, 1]}], "lds": [{"level": 1, "spans": [{}]}]}]})",
-          {"-pdhsp -dhs -pd[:2]", kNotAssigned, software()});
+          {.args = "-pdhsp -dhs -pd[:2]", .lines = kNotAssigned, .requests = software()});
     check(R"({"controllers": [{"id": 3, "drives": [{"slot": 2}],
               "arrays": [{"drives": [null, null], "blocks": 1000}],
               "lds": [{"level": 1, "spans": [{}]}]}]})",
-          {"-pdhsp -dhs -pd[:2]",
-           {{true, false, "RG No. RAID Level\n-----------------\nRG0    RAID1\n"}, kAskGroup, kNotAssigned},
-           software() + kFirst.pdInfo(2),
-           "",
-           "0\n"});
+          {.args = "-pdhsp -dhs -pd[:2]",
+           .lines = {{true, false, "RG No. RAID Level\n-----------------\nRG0    RAID1\n"}, kAskGroup, kNotAssigned},
+           .requests = software() + kFirst.pdInfo(2),
+           .input = "0\n"});
 }
 
 TEST_F(HotSpare, ReleaseAsksUnlessToldNotTo) {
     const auto release = [](const Wire& wire, unsigned slot, const std::string& rest = "") {
         return wire.pdChange("02/0d", slot, rest);
     };
-    checkAll(
-        {{"-pdhsp -rmv -pd[:12,:13] -a0", kAskRelease + kAskRelease + changed(0, "12,13"),
-          kFirst.pdInfo(12) + ldList(kFirst) + release(kFirst, 12) + kFirst.pdInfo(13) + release(kFirst, 13), "",
-          "y\ny\n"},
-         {"-pdhsp -rmv -NOCHK -pd[:13,:12] -a0", changed(0, "12,13"),
-          kFirst.pdInfo(12) + ldList(kFirst) + release(kFirst, 12) + kFirst.pdInfo(13) + release(kFirst, 13)},
-         {"-pdhsp -rmv -pd[:7,:12] -a1", kNotReleased + changed(1, "12"),
-          kSecond.pdInfo(7) + kSecond.pdInfo(12) + ldList(kSecond) + release(kSecond, 12)},
-         {"-pdhsp -rmv -pd[:13] -nochk -a0", sent("SLRemoveHotspare", 4) + kNotReleased,
-          kFirst.pdInfo(13) + release(kFirst, 13, " -> 0x04"), kFirst.outdates("02/00", 3, 21)},
-         {"-pdhsp -rmv -pd[:0,:13] -nochk -a0", sent("SLGetPDInfo", 0x32) + kNotAssigned + changed(0, "13"),
-          kFirst.pdInfo(0, " -> 0x32") + kFirst.pdInfo(13) + release(kFirst, 13), kFirst.fails("02/00", 0x32, 2, 8)},
-         {"-pdhsp -rmv -pd[:12,:13] -nochk -a0", sent("SLGetLDList", 0x32) + kNotAssigned + changed(0, "13"),
-          kFirst.pdInfo(12) + kFirst.request("01/0d", 0, " size=1032 -> 0x32") + kFirst.pdInfo(13) +
-              release(kFirst, 13),
-          kFirst.fails("01/0d", 0x32, 2)}});
+    checkAll({{.args = "-pdhsp -rmv -pd[:12,:13] -a0",
+               .lines = kAskRelease + kAskRelease + changed(0, "12,13"),
+               .requests =
+                   kFirst.pdInfo(12) + ldList(kFirst) + release(kFirst, 12) + kFirst.pdInfo(13) + release(kFirst, 13),
+               .input = "y\ny\n"},
+              {.args = "-pdhsp -rmv -NOCHK -pd[:13,:12] -a0",
+               .lines = changed(0, "12,13"),
+               .requests =
+                   kFirst.pdInfo(12) + ldList(kFirst) + release(kFirst, 12) + kFirst.pdInfo(13) + release(kFirst, 13)},
+              {.args = "-pdhsp -rmv -pd[:7,:12] -a1",
+               .lines = kNotReleased + changed(1, "12"),
+               .requests = kSecond.pdInfo(7) + kSecond.pdInfo(12) + ldList(kSecond) + release(kSecond, 12)},
+              {.args = "-pdhsp -rmv -pd[:13] -nochk -a0",
+               .lines = sent("SLRemoveHotspare", 4) + kNotReleased,
+               .requests = kFirst.pdInfo(13) + release(kFirst, 13, " -> 0x04"),
+               .faults = kFirst.outdates("02/00", 3, 21)},
+              {.args = "-pdhsp -rmv -pd[:0,:13] -nochk -a0",
+               .lines = sent("SLGetPDInfo", 0x32) + kNotAssigned + changed(0, "13"),
+               .requests = kFirst.pdInfo(0, " -> 0x32") + kFirst.pdInfo(13) + release(kFirst, 13),
+               .faults = kFirst.fails("02/00", 0x32, 2, 8)},
+              {.args = "-pdhsp -rmv -pd[:12,:13] -nochk -a0",
+               .lines = sent("SLGetLDList", 0x32) + kNotAssigned + changed(0, "13"),
+               .requests = kFirst.pdInfo(12) + kFirst.request("01/0d", 0, " size=1032 -> 0x32") + kFirst.pdInfo(13) +
+                           release(kFirst, 13),
+               .faults = kFirst.fails("01/0d", 0x32, 2)}});
 }
 
 TEST_F(HotSpare, ArgumentsAreRefused) {
@@ -191,9 +242,9 @@ TEST_F(HotSpare, ArgumentsAreRefused) {
                  "-pdhsp -rmv -nochk -nochk -pd[:12] -> -nochk", "-pdhsp -rmv -pd[:12] -pd[:13] -> -pd[:12]",
                  "-pdhsp -rmv -pd[:12] -a0 -a1 -> -a0", "-pdhsp -spare -pd[:12] -> -pdhsp",
                  "-pdhsp -rmv -pd[:300] -> -rmv"});
-    checkAll({{"-pdhsp -rmv -pd[:12] -a3", noController(3)},
-              {"-pdhsp -ghs -pd[:7,:13] -aAll",
-               error("Error - Controller[1] The specified Physical Drive 13: doesn't exist.")}});
+    checkAll({{.args = "-pdhsp -rmv -pd[:12] -a3", .lines = noController(3)},
+              {.args = "-pdhsp -ghs -pd[:7,:13] -aAll",
+               .lines = error("Error - Controller[1] The specified Physical Drive 13: doesn't exist.")}});
 }
 
 } // namespace

@@ -1,5 +1,5 @@
 // Start and stop of initialisation and consistency check: which LDs are passed over, which fail, what is sent.
-#include "tests/command/operation_case.h"
+#include "tests/support/operation_case.h"
 
 namespace zebtest {
 namespace {
@@ -60,29 +60,38 @@ class LdBackground : public OperationTest {
 
 TEST_F(LdBackground, ConsistencyCheck) {
     std::string all;
-    for (const unsigned ld : {0U, 1U, 5U, 6U, 11U}) {
+    for (const unsigned ld : {0U, 1U, 5U, 6U, 11U})
         all += kFirst.ldChange("03/06", ld);
-    }
-    checkAll(
-        {{"-ldcc -start -a0", raid0(0) + checkStarted(0, "0,1,5,6,11") + checkNotStarted(0, "2,3,4,7,8,9,10"), all},
-         {"-ldcc -aAll -L2,1 -Start",
-          raid0(0) + checkStarted(0, "1") + checkNotStarted(0, "2") + raid0(1) + checkStarted(1, "1") +
-              checkNotStarted(1, "2"),
-          kFirst.ldChange("03/06", 1) + kSecond.ldChange("03/06", 1)},
-         {"-ldcc -start -L63,1 -a1", checkStarted(1, "1,63"),
-          kSecond.ldChange("03/06", 1) + kSecond.ldChange("03/06", 63)},
-         {"-ldcc -start -L0,1,11 -a0",
-          sent("SLStartCheckConsistency", 0x1B) + checkStarted(0, "0,11") + checkNotStarted(0, "1"),
-          kFirst.ldChange("03/06", 0) + kFirst.ldChange("03/06", 1, " -> 0x1b") + kFirst.ldChange("03/06", 11),
-          kFirst.fails("03/06", 0x1B, 2)},
-         {"-ldcc -start -L11 -a0", sent("SLStartCheckConsistency", 4) + checkNotStarted(0, "11"),
-          kFirst.ldChange("03/06", 11, " -> 0x04"), kFirst.outdates("03/00", 2, 11)},
-         {"-ldcc -stop -a0", controller(0, "Stop Consistency Check", "7") + checkNotStopped("0,1,2,3,4,5,6,8,9,10,11"),
-          kFirst.ldChange("03/07", 7)},
-         {"-ldcc -stop -L7 -a0", sent("SLCancelCheckConsistency", 0x32) + checkNotStopped("7"),
-          kFirst.ldChange("03/07", 7, " -> 0x32"), kFirst.fails("03/07", 0x32)},
-         {"-ldcc -stop -L7 -a0", sent("SLCancelCheckConsistency", 4) + checkNotStopped("7"),
-          kFirst.ldChange("03/07", 7, " -> 0x04"), kFirst.outdates("03/00", 2, 7)}});
+    checkAll({{.args = "-ldcc -start -a0",
+               .lines = raid0(0) + checkStarted(0, "0,1,5,6,11") + checkNotStarted(0, "2,3,4,7,8,9,10"),
+               .requests = all},
+              {.args = "-ldcc -aAll -L2,1 -Start",
+               .lines = raid0(0) + checkStarted(0, "1") + checkNotStarted(0, "2") + raid0(1) + checkStarted(1, "1") +
+                        checkNotStarted(1, "2"),
+               .requests = kFirst.ldChange("03/06", 1) + kSecond.ldChange("03/06", 1)},
+              {.args = "-ldcc -start -L63,1 -a1",
+               .lines = checkStarted(1, "1,63"),
+               .requests = kSecond.ldChange("03/06", 1) + kSecond.ldChange("03/06", 63)},
+              {.args = "-ldcc -start -L0,1,11 -a0",
+               .lines = sent("SLStartCheckConsistency", 0x1B) + checkStarted(0, "0,11") + checkNotStarted(0, "1"),
+               .requests =
+                   kFirst.ldChange("03/06", 0) + kFirst.ldChange("03/06", 1, " -> 0x1b") + kFirst.ldChange("03/06", 11),
+               .faults = kFirst.fails("03/06", 0x1B, 2)},
+              {.args = "-ldcc -start -L11 -a0",
+               .lines = sent("SLStartCheckConsistency", 4) + checkNotStarted(0, "11"),
+               .requests = kFirst.ldChange("03/06", 11, " -> 0x04"),
+               .faults = kFirst.outdates("03/00", 2, 11)},
+              {.args = "-ldcc -stop -a0",
+               .lines = controller(0, "Stop Consistency Check", "7") + checkNotStopped("0,1,2,3,4,5,6,8,9,10,11"),
+               .requests = kFirst.ldChange("03/07", 7)},
+              {.args = "-ldcc -stop -L7 -a0",
+               .lines = sent("SLCancelCheckConsistency", 0x32) + checkNotStopped("7"),
+               .requests = kFirst.ldChange("03/07", 7, " -> 0x32"),
+               .faults = kFirst.fails("03/07", 0x32)},
+              {.args = "-ldcc -stop -L7 -a0",
+               .lines = sent("SLCancelCheckConsistency", 4) + checkNotStopped("7"),
+               .requests = kFirst.ldChange("03/07", 7, " -> 0x04"),
+               .faults = kFirst.outdates("03/00", 2, 7)}});
 }
 
 /// The question for an operating system: the mapping, and the partitions of an LD that is mapped. The simulator's
@@ -109,34 +118,38 @@ TEST_F(LdBackground, Initialization) {
     const std::string queries = osQuery(4, false) + osQuery(5, false) + osQuery(6, false);
     const char kBase[] = "Snapshot Base/Repository";
     checkAll(
-        {{"-ldinit -start -Lall -a0",
-          kPartition + kOsLd + kPartition + needsNone("CacheCade", 4) + needsNone(kBase, 5) + needsNone(kBase, 6) +
-              controller(0, "Start Initialization", "1,2,3,11") + initNotStarted("7,8,9,10"),
-          osQuery(0, true) + osQuery(1, true) + startInit(1) + osQuery(2, false) + startInit(2) + osQuery(3, false) +
-              startInit(3) + queries + osQuery(11, false) + startInit(11)},
-         {"-ldinit -start -L0,4,5,6 -a0",
-          kPartition + kOsLd + needsNone("CacheCade", 4) + needsNone(kBase, 5) + needsNone(kBase, 6),
-          osQuery(0, true) + queries},
-         {"-ldinit -start -L2,3,11 -a0",
-          sent("SLStartInitialization", 0x1C) + initTrace("SLStartInitialization", 3) +
-              controller(0, "Start Initialization", "2,11") + initNotStarted("3"),
-          osQuery(2, false) + startInit(2) + osQuery(3, false) + startInit(3, " -> 0x1c") + osQuery(11, false) +
-              startInit(11),
-          kFirst.fails("03/09", 0x1C, 2)},
-         {"-ldinit -start -L11 -a0",
-          sent("SLStartInitialization", 4) + initTrace("SLStartInitialization", 11) + initNotStarted("11"),
-          osQuery(11, false) + startInit(11, " -> 0x04"), kFirst.outdates("03/00", 2, 11)},
+        {{.args = "-ldinit -start -Lall -a0",
+          .lines = kPartition + kOsLd + kPartition + needsNone("CacheCade", 4) + needsNone(kBase, 5) +
+                   needsNone(kBase, 6) + controller(0, "Start Initialization", "1,2,3,11") + initNotStarted("7,8,9,10"),
+          .requests = osQuery(0, true) + osQuery(1, true) + startInit(1) + osQuery(2, false) + startInit(2) +
+                      osQuery(3, false) + startInit(3) + queries + osQuery(11, false) + startInit(11)},
+         {.args = "-ldinit -start -L0,4,5,6 -a0",
+          .lines = kPartition + kOsLd + needsNone("CacheCade", 4) + needsNone(kBase, 5) + needsNone(kBase, 6),
+          .requests = osQuery(0, true) + queries},
+         {.args = "-ldinit -start -L2,3,11 -a0",
+          .lines = sent("SLStartInitialization", 0x1C) + initTrace("SLStartInitialization", 3) +
+                   controller(0, "Start Initialization", "2,11") + initNotStarted("3"),
+          .requests = osQuery(2, false) + startInit(2) + osQuery(3, false) + startInit(3, " -> 0x1c") +
+                      osQuery(11, false) + startInit(11),
+          .faults = kFirst.fails("03/09", 0x1C, 2)},
+         {.args = "-ldinit -start -L11 -a0",
+          .lines = sent("SLStartInitialization", 4) + initTrace("SLStartInitialization", 11) + initNotStarted("11"),
+          .requests = osQuery(11, false) + startInit(11, " -> 0x04"),
+          .faults = kFirst.outdates("03/00", 2, 11)},
          // An LD whose partitions cannot be read counts as one without an operating system.
-         {"-ldinit -start -L0 -a0",
-          sent("SLGetLDPartition", 0x8023) +
-              traced("!ERR func=IsOSInstallLD: SLGetLDPartition error, contNo=0, ldNo=0") +
-              controller(0, "Start Initialization", "0"),
-          osQuery(0, true, " -> 0x8023") + startInit(0), kFirst.fails("00/08", 0x8023)},
-         {"-ldinit -stop -a0", controller(0, "Stop Initialization", "8") + initNotStopped("0,1,2,3,4,5,6,7,9,10,11"),
-          kFirst.ldChange("03/0a", 8)},
-         {"-ldinit -stop -L8 -a0",
-          sent("SLCancelInitialization", 4) + initTrace("SLCancelInitialization", 8) + initNotStopped("8"),
-          kFirst.ldChange("03/0a", 8, " -> 0x04"), kFirst.outdates("03/00", 2, 8)}});
+         {.args = "-ldinit -start -L0 -a0",
+          .lines = sent("SLGetLDPartition", 0x8023) +
+                   traced("!ERR func=IsOSInstallLD: SLGetLDPartition error, contNo=0, ldNo=0") +
+                   controller(0, "Start Initialization", "0"),
+          .requests = osQuery(0, true, " -> 0x8023") + startInit(0),
+          .faults = kFirst.fails("00/08", 0x8023)},
+         {.args = "-ldinit -stop -a0",
+          .lines = controller(0, "Stop Initialization", "8") + initNotStopped("0,1,2,3,4,5,6,7,9,10,11"),
+          .requests = kFirst.ldChange("03/0a", 8)},
+         {.args = "-ldinit -stop -L8 -a0",
+          .lines = sent("SLCancelInitialization", 4) + initTrace("SLCancelInitialization", 8) + initNotStopped("8"),
+          .requests = kFirst.ldChange("03/0a", 8, " -> 0x04"),
+          .faults = kFirst.outdates("03/00", 2, 8)}});
 }
 
 TEST_F(LdBackground, TargetsAndArguments) {
@@ -146,10 +159,10 @@ TEST_F(LdBackground, TargetsAndArguments) {
                      " -start -a0,0 -> -a0,0", " -stop -a0 -a1 -> -a1", " -start -L1 -L2 -a0 -> -L2"},
                     command);
         const std::string missing = "] The specified Logical Drive doesn't exist.";
-        checkAll({{command + " -stop -L40 -aAll",
-                   error("Error - Controller[0" + missing) + error("Error - Controller[1" + missing)},
-                  {command + " -start -a0,2", noController(2)},
-                  {command + " -stop", {manyControllers()}}});
+        checkAll({{.args = command + " -stop -L40 -aAll",
+                   .lines = error("Error - Controller[0" + missing) + error("Error - Controller[1" + missing)},
+                  {.args = command + " -start -a0,2", .lines = noController(2)},
+                  {.args = command + " -stop", .lines = {manyControllers()}}});
     }
 }
 

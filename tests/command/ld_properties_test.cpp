@@ -1,5 +1,5 @@
 // LD settings: the bytes that each option writes, the LDs of a group, the checks and questions before the first change.
-#include "tests/command/operation_case.h"
+#include "tests/support/operation_case.h"
 
 #include <gmock/gmock.h>
 
@@ -49,9 +49,8 @@ Line notChanged(unsigned contNo, unsigned ld) {
 
 std::string chars(std::initializer_list<unsigned> bytes) {
     std::string text;
-    for (const unsigned byte : bytes) {
+    for (const unsigned byte : bytes)
         text.push_back(static_cast<char>(byte));
-    }
     return text;
 }
 /// What one LD gets: its name, and bytes 20 to 25 of its properties.
@@ -97,53 +96,61 @@ TEST_F(LdProperties, EachOptionHasItsByte) {
     for (const auto& c : cases) {
         const bool asks = c.option == std::string("-wb");
         const Lines done{changed(0, "3,4")};
-        check(kScenario, {std::string("-ldsetprop -L4,3 -a0 ") + c.option, asks ? kAskWithBackup + done : done,
-                          (c.writes ? software() : "") + select(kFirst, 3, 2) +
-                              write(kFirst, 3, {"SIXTEEN BYTES 16", c.fromAll, c.accessAll, c.diskAll, 0x7F}) +
-                              select(kFirst, 4, 3) + write(kFirst, 4, {"", c.fromNone, c.accessNone, c.diskNone, 0}),
-                          "", asks ? "y\n" : ""});
+        check(kScenario,
+              {.args = std::string("-ldsetprop -L4,3 -a0 ") + c.option,
+               .lines = asks ? kAskWithBackup + done : done,
+               .requests = (c.writes ? software() : "") + select(kFirst, 3, 2) +
+                           write(kFirst, 3, {"SIXTEEN BYTES 16", c.fromAll, c.accessAll, c.diskAll, 0x7F}) +
+                           select(kFirst, 4, 3) + write(kFirst, 4, {"", c.fromNone, c.accessNone, c.diskNone, 0}),
+               .input = asks ? "y\n" : ""});
     }
 }
 
 TEST_F(LdProperties, WholeGroupGetsThePoliciesOfTheSelectedLd) {
     const std::string both = select(kFirst, 0, 0) + write(kFirst, 0, {"ZERO", 0x15, 0, 2, 0x35, 1, 3}) +
                              write(kFirst, 1, {"ONE", 0x15, 0, 2, 0x01});
-    checkAll({{"-ldsetprop -ra -L0 -a0", kGroup + changed(0, "0,1"), both},
+    checkAll({{.args = "-ldsetprop -ra -L0 -a0", .lines = kGroup + changed(0, "0,1"), .requests = both},
               // Said once a run, whatever the number of groups and controllers.
-              {"-ldsetprop -ra -L0,6 -aAll", kGroup + changed(0, "0,1,5,6") + changed(1, "0,1"),
-               both + select(kFirst, 6, 20) + write(kFirst, 5, {"FIVE", 0x05, 0, 2, 0x01}) +
-                   write(kFirst, 6, {"SIX", 0x05, 0, 2, 0x01}) + select(kSecond, 0, 6) +
-                   write(kSecond, 0, {"A", 0x04, 0, 2, 0}) + write(kSecond, 1, {"B", 0x04, 0, 2, 0})},
+              {.args = "-ldsetprop -ra -L0,6 -aAll",
+               .lines = kGroup + changed(0, "0,1,5,6") + changed(1, "0,1"),
+               .requests = both + select(kFirst, 6, 20) + write(kFirst, 5, {"FIVE", 0x05, 0, 2, 0x01}) +
+                           write(kFirst, 6, {"SIX", 0x05, 0, 2, 0x01}) + select(kSecond, 0, 6) +
+                           write(kSecond, 0, {"A", 0x04, 0, 2, 0}) + write(kSecond, 1, {"B", 0x04, 0, 2, 0})},
               // 0x13 without a write option becomes 0x11.
-              {"-ldsetprop -disdskcache -name New -L0 -a0", kGroup + changed(0, "0,1"),
-               select(kFirst, 0, 0) + write(kFirst, 0, {"New", 0x11, 0, 2, 0x35, 1, 3}) +
-                   write(kFirst, 1, {"ONE", 0x11, 0, 2, 0x01})},
-              {"-ldsetprop -wt -L1,2 -a0", kGroup + changed(0, "0,1"),
-               software() + select(kFirst, 1, 0) + write(kFirst, 0, {"ZERO", 0x00, 2, 2, 0x35, 1, 3}) +
-                   write(kFirst, 1, {"ONE", 0x00, 2, 2, 0x01}) + select(kFirst, 2, 1)},
-              {"-ldsetprop -ra -L2 -a0", {}, select(kFirst, 2, 1)}});
+              {.args = "-ldsetprop -disdskcache -name New -L0 -a0",
+               .lines = kGroup + changed(0, "0,1"),
+               .requests = select(kFirst, 0, 0) + write(kFirst, 0, {"New", 0x11, 0, 2, 0x35, 1, 3}) +
+                           write(kFirst, 1, {"ONE", 0x11, 0, 2, 0x01})},
+              {.args = "-ldsetprop -wt -L1,2 -a0",
+               .lines = kGroup + changed(0, "0,1"),
+               .requests = software() + select(kFirst, 1, 0) + write(kFirst, 0, {"ZERO", 0x00, 2, 2, 0x35, 1, 3}) +
+                           write(kFirst, 1, {"ONE", 0x00, 2, 2, 0x01}) + select(kFirst, 2, 1)},
+              {.args = "-ldsetprop -ra -L2 -a0", .requests = select(kFirst, 2, 1)}});
 }
 
 TEST_F(LdProperties, NameAloneWritesTheSelectedLdOnly) {
-    checkAll({{"-ldsetprop -name ABCdefghijklmno -L6 -a0", changed(0, "6"),
-               select(kFirst, 6, 20) + write(kFirst, 6, {"ABCdefghijklmno", 0x01, 0, 2, 0x01})},
-              {"-ldsetprop -L3 -NAME x -a0", changed(0, "3"),
-               select(kFirst, 3, 2) + write(kFirst, 3, {"x", 0x7D, 2, 1, 0x7F})},
-              {"-ldsetprop -name ABCDEFGHIJKLMNOP -L6 -a0", badToken("ABCDEFGHIJKLMNOP")}});
+    checkAll({{.args = "-ldsetprop -name ABCdefghijklmno -L6 -a0",
+               .lines = changed(0, "6"),
+               .requests = select(kFirst, 6, 20) + write(kFirst, 6, {"ABCdefghijklmno", 0x01, 0, 2, 0x01})},
+              {.args = "-ldsetprop -L3 -NAME x -a0",
+               .lines = changed(0, "3"),
+               .requests = select(kFirst, 3, 2) + write(kFirst, 3, {"x", 0x7D, 2, 1, 0x7F})},
+              {.args = "-ldsetprop -name ABCDEFGHIJKLMNOP -L6 -a0", .lines = badToken("ABCDEFGHIJKLMNOP")}});
 }
 
 TEST_F(LdProperties, FirstFailedWriteEndsTheCommand) {
     const auto trace = [](unsigned ld) {
         return traced("!ERR func=CliCmdExecLDSetProp: SLSetLDProperties error, contNo=0, ldNo=" + number(ld));
     };
-    checkAll({{"-ldsetprop -ra -L0,3 -aAll",
-               kGroup + sent("SLSetLDProperties", 0x32) + trace(1) + changed(0, "0") + notChanged(0, 1),
-               select(kFirst, 0, 0) + write(kFirst, 0, {"ZERO", 0x15, 0, 2, 0x35, 1, 3}) +
-                   write(kFirst, 1, {"ONE", 0x15, 0, 2, 0x01}, " -> 0x32"),
-               kFirst.fails("03/02", 0x32, 2)},
-              {"-ldsetprop -rw -L4,3 -a0", sent("SLSetLDProperties", 4) + trace(3) + notChanged(0, 3),
-               select(kFirst, 3, 2) + write(kFirst, 3, {"SIXTEEN BYTES 16", 0x7D, 0, 1, 0x7F}, " -> 0x04"),
-               kFirst.outdates("03/00", 3, 3)}});
+    checkAll({{.args = "-ldsetprop -ra -L0,3 -aAll",
+               .lines = kGroup + sent("SLSetLDProperties", 0x32) + trace(1) + changed(0, "0") + notChanged(0, 1),
+               .requests = select(kFirst, 0, 0) + write(kFirst, 0, {"ZERO", 0x15, 0, 2, 0x35, 1, 3}) +
+                           write(kFirst, 1, {"ONE", 0x15, 0, 2, 0x01}, " -> 0x32"),
+               .faults = kFirst.fails("03/02", 0x32, 2)},
+              {.args = "-ldsetprop -rw -L4,3 -a0",
+               .lines = sent("SLSetLDProperties", 4) + trace(3) + notChanged(0, 3),
+               .requests = select(kFirst, 3, 2) + write(kFirst, 3, {"SIXTEEN BYTES 16", 0x7D, 0, 1, 0x7F}, " -> 0x04"),
+               .faults = kFirst.outdates("03/00", 3, 3)}});
     const std::pair<std::string, const char*> reads[] = {
         {kFirst.fails("03/00", 0x0C, 2, 3), "!ERR func=CliCmdExecLDSetProp: SLGetLDInfo error contNo=0 ldNo=3"},
         {kFirst.fails("04/08", 0x0C, 2, 2),
@@ -165,24 +172,35 @@ TEST_F(LdProperties, OnlyLdsOfTheControllerAreMembersOfAGroup) {
     const std::string read = select(kFirst, 0, 0);
     const std::string both =
         read + write(kFirst, 0, {"ZERO", 0x15, 0, 2, 0x35, 1, 3}) + write(kFirst, 1, {"ONE", 0x15, 0, 2, 0x01});
-    checkAll({{"-ldsetprop -ra -L0 -a0", kGroup + changed(0, "0,1"), both,
-               patch("2", "ff\"},{\"offset\":18,\"hex\":\"c83f40ff")},
-              {"-ldsetprop -ra -L0 -a0", {notChanged(0, 0)}, read, patch("2", "00")},
-              {"-ldsetprop -ra -L0 -a0", kGroup + notChanged(0, 0), read, patch("16", "0101")}});
+    checkAll(
+        {{.args = "-ldsetprop -ra -L0 -a0",
+          .lines = kGroup + changed(0, "0,1"),
+          .requests = both,
+          .faults = patch("2", "ff\"},{\"offset\":18,\"hex\":\"c83f40ff")},
+         {.args = "-ldsetprop -ra -L0 -a0", .lines = {notChanged(0, 0)}, .requests = read, .faults = patch("2", "00")},
+         {.args = "-ldsetprop -ra -L0 -a0",
+          .lines = kGroup + notChanged(0, 0),
+          .requests = read,
+          .faults = patch("16", "0101")}});
 }
 
 TEST_F(LdProperties, AlwaysWriteBackAsksBeforeTheFirstChange) {
     const std::string backed = select(kFirst, 4, 3) + write(kFirst, 4, {"", 0x11, 0, 2, 0});
-    checkAll({{"-ldsetprop -wb -L4 -a0", kAskWithBackup, software(), "", "n\n"},
-              {"-ldsetprop -wb -L0 -aAll", kAskWithBackup + kAskWithoutBackup, software(), "", "y\nN\n"},
-              {"-ldsetprop -wb -L0 -a1", kAskWithoutBackup + kGroup + changed(1, "0,1"),
-               software() + select(kSecond, 0, 6) + write(kSecond, 0, {"A", 0x11, 0, 2, 0}) +
-                   write(kSecond, 1, {"B", 0x11, 0, 2, 0}),
-               "", "Y\n"},
-              {"-ldsetprop -wb -L4 -aAll",
-               kAskWithBackup + kAskWithBackup + kAskWithoutBackup + changed(0, "4") +
-                   error("Error - Controller[1] The specified Logical Drive doesn't exist."),
-               software() + backed, "", "yy\ny\ny\n"}});
+    checkAll({{.args = "-ldsetprop -wb -L4 -a0", .lines = kAskWithBackup, .requests = software(), .input = "n\n"},
+              {.args = "-ldsetprop -wb -L0 -aAll",
+               .lines = kAskWithBackup + kAskWithoutBackup,
+               .requests = software(),
+               .input = "y\nN\n"},
+              {.args = "-ldsetprop -wb -L0 -a1",
+               .lines = kAskWithoutBackup + kGroup + changed(1, "0,1"),
+               .requests = software() + select(kSecond, 0, 6) + write(kSecond, 0, {"A", 0x11, 0, 2, 0}) +
+                           write(kSecond, 1, {"B", 0x11, 0, 2, 0}),
+               .input = "Y\n"},
+              {.args = "-ldsetprop -wb -L4 -aAll",
+               .lines = kAskWithBackup + kAskWithBackup + kAskWithoutBackup + changed(0, "4") +
+                        error("Error - Controller[1] The specified Logical Drive doesn't exist."),
+               .requests = software() + backed,
+               .input = "yy\ny\ny\n"}});
 }
 
 TEST_F(LdProperties, ChecksStandBeforeQuestionAndChange) {
@@ -194,10 +212,10 @@ TEST_F(LdProperties, ChecksStandBeforeQuestionAndChange) {
     const Line notSupported = error("Error - This command is not supported at the current configuration.");
     const std::string softwareRaid = one(R"("product": "LSI Embedded MegaRAID", "ldOperations": 0)");
     const std::string quiet = select(kFirst, 0, 0) + write(kFirst, 0, {"", 0, 0, 2, 0});
-    for (const char* option : {"-wt", "-wb -ra", "-wbcb"}) {
-        check(softwareRaid, {std::string("-ldsetprop ") + option, {notSupported}, software()});
-    }
-    check(softwareRaid, {"-ldsetprop -nora", changed(0, "0"), quiet});
+    for (const char* option : {"-wt", "-wb -ra", "-wbcb"})
+        check(softwareRaid,
+              {.args = std::string("-ldsetprop ") + option, .lines = {notSupported}, .requests = software()});
+    check(softwareRaid, {.args = "-ldsetprop -nora", .lines = changed(0, "0"), .requests = quiet});
     const struct {
         const char *operations, *option;
         bool refused, asksSoftware;
@@ -208,12 +226,13 @@ TEST_F(LdProperties, ChecksStandBeforeQuestionAndChange) {
         const std::string keys = std::string(R"("ldOperations": ")") + c.operations + R"(", "cacheBackup": {})";
         const std::string refused = c.asksSoftware ? software() : "";
         const unsigned cache = std::string(c.option) == "-wt" ? 0x00 : 0x01;
-        check(one(keys), {std::string("-ldsetprop ") + c.option,
-                          {c.refused ? kNoParameter : changed(0, "0")},
-                          refused + (c.refused ? "" : select(kFirst, 0, 0) + write(kFirst, 0, {"", cache, 0, 2, 1}))});
+        check(one(keys),
+              {.args = std::string("-ldsetprop ") + c.option,
+               .lines = {c.refused ? kNoParameter : changed(0, "0")},
+               .requests = refused + (c.refused ? "" : select(kFirst, 0, 0) + write(kFirst, 0, {"", cache, 0, 2, 1}))});
     }
     // One controller that cannot is enough.
-    check(kScenario, {"-ldsetprop -wbcb -L0 -aAll", kNoParameter, software()});
+    check(kScenario, {.args = "-ldsetprop -wbcb -L0 -aAll", .lines = kNoParameter, .requests = software()});
 }
 
 TEST_F(LdProperties, ArgumentsAreRefused) {
@@ -222,7 +241,8 @@ TEST_F(LdProperties, ArgumentsAreRefused) {
                  "-disdskcache -L0 -unchanged -> -unchanged", "-name a -name b -> -name", "-ra -name -> -name",
                  "-ra -x -> -x", "-ra -L0 -L1 -> -L1", "-ra -a0 -a1 -> -a1", "-ra -L100 -> -L100", "-ra -a5 -> -a5"},
                 "-ldsetprop ");
-    checkAll({{"-ldsetprop -ra -a3", noController(3)}, {"-ldsetprop -ra -L1", {manyControllers()}}});
+    checkAll({{.args = "-ldsetprop -ra -a3", .lines = noController(3)},
+              {.args = "-ldsetprop -ra -L1", .lines = {manyControllers()}}});
 }
 
 } // namespace

@@ -1,5 +1,5 @@
 // Many runs on one state file: the life of drives and spares, overlapping runs, killed runs.
-#include "tests/command/operation_case.h"
+#include "tests/support/operation_case.h"
 
 #include <algorithm>
 #include <map>
@@ -43,9 +43,8 @@ class LifeStory : public OperationTest {
             const auto parts = words(line);
             if (parts.size() > 1 && parts[1] != "No" && (line.starts_with("LD") || line.starts_with("PD"))) {
                 std::string& row = all[parts[0]];
-                for (std::size_t i = 1; i < parts.size(); ++i) {
+                for (std::size_t i = 1; i < parts.size(); ++i)
                     row += (i > 1 ? " " : "") + parts[i];
-                }
             }
         }
         return all;
@@ -64,9 +63,8 @@ class LifeStory : public OperationTest {
         for (int turn = 0; turn < 300; ++turn) {
             const std::string row = rows(kStory, speed)[drive];
             const std::size_t at = row.find("Rebuild ");
-            if (at == std::string::npos) {
+            if (at == std::string::npos)
                 return;
-            }
             const int percent = std::stoi(row.substr(at + 8));
             EXPECT_GE(percent, last);
             last = percent;
@@ -74,8 +72,8 @@ class LifeStory : public OperationTest {
         ADD_FAILURE() << drive << " still rebuilds at " << last << "%";
     }
     unsigned spares(const Rows& all) const {
-        return static_cast<unsigned>(
-            std::ranges::count(all, "GHS HOT SPARE HDD -", [](const auto& row) { return row.second; }));
+        return static_cast<unsigned>(std::ranges::count(
+            all, "GHS HOT SPARE HDD -", [](const auto& row) { return row.second; }));
     }
 };
 
@@ -114,9 +112,8 @@ TEST_F(LifeStory, DriveFailsSpareTakesOverDriveComesBack) {
         } else {
             watchRebuild(step.args);
         }
-        for (const auto& [row, text] : rowsOf(step.changes)) {
+        for (const auto& [row, text] : rowsOf(step.changes))
             wanted[row] = text;
-        }
         ASSERT_EQ(wanted, rows(kStory));
     }
 }
@@ -131,18 +128,16 @@ TEST_F(LifeStory, OverlappingRunsLoseNothing) {
                       box.run(options).out);
         });
     }
-    for (auto& run : runs) {
+    for (auto& run : runs)
         run.join();
-    }
     EXPECT_EQ(kDrives, spares(rows(kTwenty)));
     EXPECT_TRUE(LogFile(box.log()).everyLineExact());
 }
 
 TEST_F(LifeStory, KilledRunLeavesAStateThatLoads) {
     std::string all;
-    for (unsigned slot = 0; slot < kDrives; ++slot) {
+    for (unsigned slot = 0; slot < kDrives; ++slot)
         all += (slot != 0 ? ",:" : ":") + std::to_string(slot);
-    }
     auto options = onState(kTwenty, "-pdhsp -ghs -pd[" + all + "]");
     const auto whole = std::chrono::duration_cast<milliseconds>(box.run(options).wallTime);
     ASSERT_EQ(kDrives, spares(rows(kTwenty)));

@@ -7,9 +7,9 @@
 
 #include <gmock/gmock.h>
 
-#include "tests/command/operation_case.h"
 #include "tests/support/expected.h"
 #include "tests/support/log_file.h"
+#include "tests/support/operation_case.h"
 
 namespace fs = std::filesystem;
 

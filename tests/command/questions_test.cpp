@@ -1,5 +1,5 @@
 // Questions to the operator on a terminal and on a pipe: which answers count, and what becomes of the terminal's mode.
-#include "tests/command/operation_case.h"
+#include "tests/support/operation_case.h"
 
 #include <gmock/gmock.h>
 
@@ -70,9 +70,8 @@ TEST_F(Questions, OneLetterAnswersOnATerminal) {
         const auto result = box.run(options);
         EXPECT_TRUE(sameText(result.out, shown + (c.yes ? kChanged : ""))) << testing::PrintToString(c.typed);
         EXPECT_EQ(c.yes, changedSomething(result));
-        if (!c.yes) {
+        if (!c.yes)
             EXPECT_EQ("", requestsAfterSnapshot(kOne, result.trace));
-        }
         for (const auto& mode : result.terminalAtAnswer) {
             EXPECT_TRUE(echoes(mode));
             EXPECT_FALSE(takesSignals(mode));
@@ -170,9 +169,8 @@ TEST_F(Questions, EndOfInputIsNoAnswerAndSpinsNoProcessor) {
         EXPECT_TRUE(result.timedOut) << "ended although nobody answered\n" << result;
         EXPECT_FALSE(changedSomething(result));
         std::size_t questions = 0;
-        for (std::size_t at = 0; (at = result.out.find(kQuestion, at)) != std::string::npos; ++at) {
+        for (std::size_t at = 0; (at = result.out.find(kQuestion, at)) != std::string::npos; ++at)
             ++questions;
-        }
         EXPECT_THAT(questions, testing::AllOf(testing::Ge(3U), testing::Le(16U)));
         EXPECT_EQ(repeated(kQuestion, static_cast<unsigned>(questions)), result.out);
     }

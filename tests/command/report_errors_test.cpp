@@ -1,9 +1,9 @@
 // What the reports refuse, and what is left of them when a query fails.
 #include <filesystem>
 
-#include "tests/command/operation_case.h"
 #include "tests/support/expected.h"
 #include "tests/support/log_file.h"
+#include "tests/support/operation_case.h"
 
 namespace zebtest {
 namespace {
@@ -29,7 +29,7 @@ class ReportErrors : public OperationTest {
   protected:
     /// These lines and no others, and no request behind the snapshot.
     void refuses(const std::string& args, const Lines& lines, const char* scenario = kBuiltIn) {
-        check(scenario, {args, lines, "", "", ""});
+        check(scenario, {.args = args, .lines = lines});
     }
 };
 

@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "tests/command/operation_case.h"
 #include "tests/support/expected.h"
+#include "tests/support/operation_case.h"
 
 namespace fs = std::filesystem;
 

@@ -193,11 +193,10 @@ void checkFailure(const Point& point, const CleanRuns& clean, const RunResult& r
     ASSERT_GE(sent.size(), point.position);
     EXPECT_TRUE(isExit(sent.back())) << briefs(sent);
     // An initialisation that failed is followed by the exit request as well; an exit request by nothing.
-    if (isExit(failed)) {
+    if (isExit(failed))
         EXPECT_EQ(sent.size(), point.position) << briefs(sent);
-    } else if (inStartUp || point.command->endsAtFailure) {
+    else if (inStartUp || point.command->endsAtFailure)
         EXPECT_LE(sent.size(), point.position + 1) << briefs(sent);
-    }
 }
 
 void runPoint(Sandbox& box, const SweptProgram& program, const Point& point, const CleanRuns& clean) {
@@ -210,9 +209,8 @@ void runPoint(Sandbox& box, const SweptProgram& program, const Point& point, con
     EXPECT_EQ(result.signal, 0) << result;
     EXPECT_TRUE(log.everyLineExact());
     EXPECT_TRUE(result.exitStatus == 0 || result.exitStatus == 255) << result;
-    if (options.input == Input::kTerminal) {
+    if (options.input == Input::kTerminal)
         EXPECT_TRUE(sameMode(result.terminalBefore, result.terminalAfter));
-    }
     if (point.kind == Point::kStatus)
         checkFailure(point, clean, result, log);
 }

@@ -2,9 +2,9 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "tests/command/operation_case.h"
 #include "tests/support/expected.h"
 #include "tests/support/log_file.h"
+#include "tests/support/operation_case.h"
 
 namespace zebtest {
 namespace {

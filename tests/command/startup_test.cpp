@@ -1,9 +1,9 @@
 // Start-up: which command runs, what is refused and in which words, and what is put back afterwards.
 #include <filesystem>
 
-#include "tests/command/operation_case.h"
 #include "tests/support/expected.h"
 #include "tests/support/log_file.h"
+#include "tests/support/operation_case.h"
 
 namespace zebtest {
 namespace {
@@ -165,7 +165,7 @@ TEST_F(StartUp, EachWordRunsItsHandler) {
 TEST_F(StartUp, CommandsWithoutBehaviourSaySo) {
     const auto refusal = error("Error - This command is not supported at the current configuration.");
     for (const char* typed : {"-lde", "-ldc -r0", "-lddel", "-ctrlpr", "-sse", "-snapshot"})
-        check(kOneController, {typed, {refusal}, "", "", ""});
+        check(kOneController, {.args = typed, .lines = {refusal}});
 }
 
 /// The interrupt key is typed between the blocks of two drives, where no question has changed the mode.
@@ -223,9 +223,8 @@ TEST_F(StartUp, VersionShowsTheLibrarysOwn) {
 }
 
 TEST_F(StartUp, HelpAndVersionTakeNoArgument) {
-    for (const std::string typed : {"-help", "-h", "?", "-V", "x-v"}) {
-        check(kOneController, {typed + " -a0 -x", {badToken(typed)}, "", "", ""});
-    }
+    for (const std::string typed : {"-help", "-h", "?", "-V", "x-v"})
+        check(kOneController, {.args = typed + " -a0 -x", .lines = {badToken(typed)}});
 }
 
 TEST_F(StartUp, RequestsOfARun) {

@@ -1,7 +1,7 @@
 // Test events as they arrive in the operating system's log, and the event table that they come from.
 #include <sys/stat.h>
 
-#include "tests/command/operation_case.h"
+#include "tests/support/operation_case.h"
 
 #include "tests/support/expected.h"
 
@@ -46,10 +46,9 @@ class TestEvent : public OperationTest {
                     const std::string& datagram) {
         SCOPED_TRACE("table begins: " + table.substr(0, 200));
         std::filesystem::remove(box.zeb() / "zeb_config.csv");
-        if (table != "-") {
+        if (table != "-")
             writeFile(box.zeb() / "zeb_config.csv", table);
-        }
-        const auto result = check("", {args, lines});
+        const auto result = check("", {.args = args, .lines = lines});
         ASSERT_EQ(datagram.empty() ? 0U : 1U, result.syslog.size()) << args;
         if (!datagram.empty()) {
             EXPECT_TRUE(sameText(masked(result.syslog[0], {{">[A-Z][a-z]{2} [ \\d]\\d \\d\\d:\\d\\d:\\d\\d ", ">WHEN "},
@@ -93,9 +92,8 @@ TEST_F(TestEvent, MessageTextIsCutAndExpanded) {
         {"%", "%"},
         {"two  words ", "two  words "},
     };
-    for (const auto& [text, message] : texts) {
+    for (const auto& [text, message] : texts)
         checkError(errorRow(text), message);
-    }
     checkError("1\t\t,2,60009,,0\t11,6,7,8,,9,no empty fields\r\n", "no empty fields");
     checkError(row("60010", "0", "20", "other") + errorRow("first") + errorRow("second"), "first");
     checkError("1,2,60009,0,11,6,7,8,9,no newline", "no newline");
@@ -129,10 +127,10 @@ TEST_F(TestEvent, SilentWithoutEvent) {
     const auto table = box.zeb() / "zeb_config.csv";
     std::filesystem::remove(table);
     ASSERT_EQ(0, mkfifo(table.c_str(), 0600));
-    check("", {"-tstevt -inf", traced(kOpenError) + notConfigured("60011")});
+    check("", {.args = "-tstevt -inf", .lines = traced(kOpenError) + notConfigured("60011")});
     std::filesystem::remove(table);
     std::filesystem::create_directory(table);
-    check("", {"-tstevt -inf", traced(kOpenError) + notConfigured("60011")});
+    check("", {.args = "-tstevt -inf", .lines = traced(kOpenError) + notConfigured("60011")});
 }
 
 TEST_F(TestEvent, OptionsAreRefused) {
@@ -142,9 +140,8 @@ TEST_F(TestEvent, OptionsAreRefused) {
         {"-tstevt", "(null)"},          {"-tstevt -err --inf", "-err"},
         {"-tstevt --err", "-tstevt"},   {"-tstevt -Wrn -ERR -x", "-Wrn"},
     };
-    for (const auto& [args, token] : cases) {
+    for (const auto& [args, token] : cases)
         checkEvent(errorRow("t") + row("60011", "0", "25", "t"), args, badToken(token), "");
-    }
 }
 
 } // namespace

@@ -18,9 +18,8 @@ namespace {
 
 bool openPipe(Fd& readEnd, Fd& writeEnd) {
     std::array<int, 2> ends{};
-    if (pipe2(ends.data(), O_CLOEXEC) != 0) {
+    if (pipe2(ends.data(), O_CLOEXEC) != 0)
         return false;
-    }
     readEnd = Fd(ends[0]);
     writeEnd = Fd(ends[1]);
     return true;
@@ -41,13 +40,11 @@ bool openTerminal(Channels& channels) {
     std::array<char, 64> name{};
     if (!channels.master.open() || grantpt(channels.master.get()) != 0 || unlockpt(channels.master.get()) != 0 ||
         ptsname_r(channels.master.get(), name.data(), name.size()) != 0 ||
-        !openDevice(channels.slave, name.data(), O_RDWR | O_NOCTTY)) {
+        !openDevice(channels.slave, name.data(), O_RDWR | O_NOCTTY))
         return false;
-    }
     termios mode{};
-    if (tcgetattr(channels.slave.get(), &mode) != 0) {
+    if (tcgetattr(channels.slave.get(), &mode) != 0)
         return false;
-    }
     mode.c_oflag &= ~static_cast<tcflag_t>(OPOST);
     return tcsetattr(channels.slave.get(), TCSANOW, &mode) == 0;
 }
@@ -101,11 +98,10 @@ bool takeStandardDescriptors(const RunOptions& options, const Channels& channels
                                      channels.err.get()};
     for (int fd = 0; fd < 3; ++fd) {
         const int source = sources.at(static_cast<std::size_t>(fd));
-        if (source < 0) {
+        if (source < 0)
             close(fd);
-        } else if (dup2(source, fd) != fd) {
+        else if (dup2(source, fd) != fd)
             return false;
-        }
     }
     return true;
 }
@@ -120,9 +116,8 @@ bool takeStandardDescriptors(const RunOptions& options, const Channels& channels
             _exit(127);
         }
     };
-    for (int number = 1; number < NSIG; ++number) {
+    for (int number = 1; number < NSIG; ++number)
         (void)signal(number, SIG_DFL);
-    }
     sigset_t none{};
     sigemptyset(&none);
     sigprocmask(SIG_SETMASK, &none, nullptr);
@@ -133,9 +128,8 @@ bool takeStandardDescriptors(const RunOptions& options, const Channels& channels
     need(chdir(what.workFolder.c_str()) == 0, "chdir");
     need(takeStandardDescriptors(options, channels), "dup2");
     need(limitFileSize(options.fileSizeLimit), "setrlimit");
-    if (options.uid != 0) {
+    if (options.uid != 0)
         need(setgroups(0, nullptr) == 0 && setgid(options.uid) == 0 && setuid(options.uid) == 0, "setuid");
-    }
     execveat(programFd, "", argv, env, AT_EMPTY_PATH);
     need(false, "exec");
     _exit(127);
@@ -143,9 +137,8 @@ bool takeStandardDescriptors(const RunOptions& options, const Channels& channels
 
 std::vector<char*> pointers(const std::vector<std::string>& texts) {
     std::vector<char*> result;
-    for (const auto& text : texts) {
+    for (const auto& text : texts)
         result.push_back(const_cast<char*>(text.c_str()));
-    }
     result.push_back(nullptr);
     return result;
 }
@@ -182,15 +175,13 @@ pid_t launch(const Launch& what, const RunOptions& options, const Channels& chan
         return -1;
     }
     const pid_t pid = fork();
-    if (pid == 0) {
+    if (pid == 0)
         becomeProgram(what, options, channels, program.get(), argv.data(), env.data(), reportWrite.get());
-    }
     const int forkError = errno;
     reportWrite.reset();
     StartFailure failure{"fork", forkError};
-    if (pid > 0 && read(reportRead.get(), &failure, sizeof failure) != static_cast<ssize_t>(sizeof failure)) {
+    if (pid > 0 && read(reportRead.get(), &failure, sizeof failure) != static_cast<ssize_t>(sizeof failure))
         return pid;
-    }
     error = "cannot start " + what.program + ": " + failure.step + ": " + std::strerror(failure.error);
     return -1;
 }

@@ -62,9 +62,8 @@ class Conversation {
                                     {feeding ? channels_.inWrite.get() : -1, POLLOUT, 0}}};
         (void)poll(news.data(), news.size(), static_cast<int>(wait.count()));
         takeIn();
-        if (feeding && news[5].revents != 0) {
+        if (feeding && news[5].revents != 0)
             feed();
-        }
         return news[0].revents != 0;
     }
 
@@ -73,46 +72,39 @@ class Conversation {
         drain(channels_.errRead, result_.err);
         drain(channels_.master, result_.terminal);
         std::array<char, 8192> datagram{};
-        for (ssize_t got = 0; (got = recv(syslog_, datagram.data(), datagram.size(), MSG_DONTWAIT)) >= 0;) {
+        for (ssize_t got = 0; (got = recv(syslog_, datagram.data(), datagram.size(), MSG_DONTWAIT)) >= 0;)
             result_.syslog.emplace_back(datagram.data(), static_cast<std::size_t>(got));
-        }
     }
 
     static void drain(Fd& fd, std::string& sink) {
         std::array<char, 65536> block{};
         ssize_t got = -1;
-        while (fd.open() && (got = read(fd.get(), block.data(), block.size())) > 0) {
+        while (fd.open() && (got = read(fd.get(), block.data(), block.size())) > 0)
             sink.append(block.data(), static_cast<std::size_t>(got));
-        }
-        if (got == 0) {
+        if (got == 0)
             fd.reset();
-        }
     }
 
     void feed() {
         const auto rest = std::string_view(options_.inputText).substr(fed_);
         const ssize_t done = rest.empty() ? 0 : write(channels_.inWrite.get(), rest.data(), rest.size());
         fed_ += done > 0 ? static_cast<std::size_t>(done) : 0;
-        if (fed_ == options_.inputText.size() || (done < 0 && errno == EPIPE)) {
+        if (fed_ == options_.inputText.size() || (done < 0 && errno == EPIPE))
             channels_.inWrite.reset();
-        }
     }
 
     void type() {
         const std::size_t next = result_.terminalAtAnswer.size();
-        if (next == options_.answers.size() || !channels_.master.open()) {
+        if (next == options_.answers.size() || !channels_.master.open())
             return;
-        }
         const Answer& answer = options_.answers[next];
         const std::string& seen = options_.output == Output::kTerminal ? result_.terminal : result_.out;
         const std::size_t at = seen.find(answer.after, searchFrom_);
-        if (at == std::string::npos) {
+        if (at == std::string::npos)
             return;
-        }
         asked_ = asked_ ? asked_ : Clock::now();
-        if (!answer.atOnce && !isReadingInput()) {
+        if (!answer.atOnce && !isReadingInput())
             return;
-        }
         termios mode{};
         tcgetattr(channels_.master.get(), &mode);
         result_.terminalAtAnswer.push_back(mode);
@@ -125,9 +117,8 @@ class Conversation {
     /// answer.
     bool isReadingInput() const {
         const std::string state = readFile("/proc/" + std::to_string(pid_) + "/syscall");
-        if (state.empty()) {
+        if (state.empty())
             return Clock::now() - *asked_ >= kSettle;
-        }
         return state.starts_with(std::to_string(SYS_read) + " 0x0 ");
     }
 
@@ -145,16 +136,14 @@ class Conversation {
                 .reset(); // with the last slave gone the master hands out everything that is still on its way
         }
         takeIn();
-        if (options_.output == Output::kTerminal) {
+        if (options_.output == Output::kTerminal)
             result_.out = result_.terminal;
-        }
     }
 
     std::string verdict() const {
         const std::size_t typed = result_.terminalAtAnswer.size();
-        if (result_.timedOut && !options_.mayTimeOut) {
+        if (result_.timedOut && !options_.mayTimeOut)
             return "killed after its time limit of " + std::to_string(options_.timeLimit.count()) + " ms";
-        }
         if (!result_.timedOut && typed < options_.answers.size()) {
             return "ended without asking for answer " + std::to_string(typed + 1) + ", expected after \"" +
                    options_.answers[typed].after + "\"";

@@ -14,15 +14,12 @@ std::string_view lineAt(std::string_view text, std::size_t start) {
 }
 
 std::string visibleByte(unsigned char byte) {
-    if (byte >= 0x80) {
+    if (byte >= 0x80)
         return "M-" + (byte == 0x8A ? "^J" : visibleByte(byte & 0x7FU));
-    }
-    if (byte == '\n') {
+    if (byte == '\n')
         return "$\n";
-    }
-    if (byte < 0x20 || byte == 0x7F) {
+    if (byte < 0x20 || byte == 0x7F)
         return {'^', static_cast<char>(byte ^ 0x40U)};
-    }
     return {static_cast<char>(byte)};
 }
 
@@ -33,24 +30,21 @@ std::string shownLine(std::string_view text, std::size_t start) {
 } // namespace
 
 std::string masked(std::string text, const std::vector<Mask>& masks) {
-    for (const auto& mask : masks) {
+    for (const auto& mask : masks)
         text = std::regex_replace(text, std::regex(mask.pattern), mask.replacement);
-    }
     return text;
 }
 
 std::string visible(std::string_view text) {
     std::string result;
-    for (const char c : text) {
+    for (const char c : text)
         result += visibleByte(static_cast<unsigned char>(c));
-    }
     return result;
 }
 
 testing::AssertionResult sameText(std::string_view got, std::string_view wanted) {
-    if (got == wanted) {
+    if (got == wanted)
         return testing::AssertionSuccess();
-    }
     const auto differs = std::ranges::mismatch(got, wanted);
     const auto common = got.substr(0, static_cast<std::size_t>(differs.in1 - got.begin()));
     const std::size_t start = common.rfind('\n') + 1; // npos + 1 is the first line's start
@@ -68,9 +62,8 @@ testing::AssertionResult matchesFile(const std::filesystem::path& path, std::str
         writeFile(path, got);
         return testing::AssertionFailure() << path << " rewritten";
     }
-    if (!std::filesystem::exists(path)) {
+    if (!std::filesystem::exists(path))
         return testing::AssertionFailure() << path << " is missing; ZEB_UPDATE_EXPECTED=1 writes it";
-    }
     return sameText(got, readFile(path)) << path;
 }
 

@@ -40,9 +40,8 @@ struct Comparison {
     std::string name;
 
     void check(const char* field, std::uint64_t got, std::uint64_t wanted) const {
-        if (got != wanted) {
+        if (got != wanted)
             ADD_FAILURE() << name << ": " << field << std::hex << ": got 0x" << got << ", wanted 0x" << wanted;
-        }
     }
 
     void checkBytes(const char* field, const std::uint8_t* got, const std::uint8_t* wanted, std::size_t count) const {
@@ -90,9 +89,8 @@ struct Comparison {
         }
         const std::size_t end = wanted.answerAt + wanted.answer.size();
         check("end of the answer", std::max<std::size_t>(end, wanted.size), wanted.size);
-        if (end <= wanted.size) {
+        if (end <= wanted.size)
             std::ranges::copy(wanted.answer, data + wanted.answerAt);
-        }
     }
 };
 
@@ -152,12 +150,10 @@ std::uint32_t ScriptedLibrary::entry(_SL_LIB_CMD_PARAM_T* request) {
     }
     const ExpectedRequest& wanted = installed->script_[installed->next_++];
     std::uint8_t* data = comparison.checkHeader(*request, wanted);
-    if (wanted.dcmd && data != nullptr) {
+    if (wanted.dcmd && data != nullptr)
         data = comparison.checkDcmd(data, wanted);
-    }
-    if (data != nullptr) {
+    if (data != nullptr)
         comparison.exchange(data, wanted);
-    }
     return wanted.status;
 }
 

@@ -28,9 +28,8 @@ std::optional<LogRecord> parseRecord(const std::string& line) {
     std::array<char, 200> source{};
     LogRecord record;
     int rest = 0;
-    if (std::sscanf(line.c_str(), "[%23[0-9/: .]] pid=%11[0-9]%n", time.data(), pid.data(), &rest) != 2) {
+    if (std::sscanf(line.c_str(), "[%23[0-9/: .]] pid=%11[0-9]%n", time.data(), pid.data(), &rest) != 2)
         return std::nullopt;
-    }
     record.time = time.data();
     record.pid = pid.data();
     std::string text = line.substr(static_cast<std::size_t>(rest));
@@ -47,9 +46,8 @@ std::optional<LogRecord> parseRecord(const std::string& line) {
 
 /// Where the data pointer lies in the dump that a message announces; an empty range when it announces none.
 std::pair<std::size_t, std::size_t> pointerBytes(std::string_view message) {
-    if (message.ends_with("CmdParam >")) {
+    if (message.ends_with("CmdParam >"))
         return {32, 40};
-    }
     return message.ends_with("DcmdInput >") ? std::pair<std::size_t, std::size_t>{28, 36}
                                             : std::pair<std::size_t, std::size_t>{0, 0};
 }
@@ -57,16 +55,14 @@ std::pair<std::size_t, std::size_t> pointerBytes(std::string_view message) {
 std::string maskPointer(std::string row, std::pair<std::size_t, std::size_t> range) {
     std::size_t offset = 0;
     const auto [end, code] = std::from_chars(row.data(), row.data() + std::min<std::size_t>(row.size(), 8), offset, 16);
-    if (code != std::errc() || row.size() < kDumpHexAt || row[8] != ':') {
+    if (code != std::errc() || row.size() < kDumpHexAt || row[8] != ':')
         return row;
-    }
     for (std::size_t column = 0; column < 16; ++column) {
         const std::size_t hex = kDumpHexAt + column * 3 + (column >= 8 ? 1 : 0);
         if (offset + column >= range.first && offset + column < range.second && hex + 1 < row.size()) {
             row[hex] = row[hex + 1] = 'p';
-            if (kDumpTextAt + column < row.size()) {
+            if (kDumpTextAt + column < row.size())
                 row[kDumpTextAt + column] = 'p';
-            }
         }
     }
     return row;
@@ -111,11 +107,9 @@ std::vector<std::string> LogFile::storedLines() const {
 std::vector<std::size_t> LogFile::markers() const {
     const auto stored = storedLines();
     std::vector<std::size_t> result;
-    for (std::size_t i = 0; i < stored.size(); ++i) {
-        if (stored[i].starts_with(kMarker)) {
+    for (std::size_t i = 0; i < stored.size(); ++i)
+        if (stored[i].starts_with(kMarker))
             result.push_back(i + 1);
-        }
-    }
     return result;
 }
 
@@ -131,21 +125,18 @@ std::vector<std::string> LogFile::lines() const {
 
 std::vector<LogRecord> LogFile::records() const {
     std::vector<LogRecord> result;
-    for (const auto& line : lines()) {
-        if (auto record = parseRecord(line)) {
+    for (const auto& line : lines())
+        if (auto record = parseRecord(line))
             result.push_back(std::move(*record));
-        } else if (!result.empty()) {
+        else if (!result.empty())
             result.back().dump.push_back(line);
-        }
-    }
     return result;
 }
 
 std::vector<std::string> LogFile::messages() const {
     std::vector<std::string> result;
-    for (auto& record : records()) {
+    for (auto& record : records())
         result.push_back(std::move(record.message));
-    }
     return result;
 }
 
@@ -154,9 +145,8 @@ std::string LogFile::masked() const {
     for (const auto& record : records()) {
         text += "[TIME] pid=PID" + (record.source.empty() ? "" : " " + record.source + "(LINE)") + " " +
                 record.message + "\n";
-        for (const auto& row : record.dump) {
+        for (const auto& row : record.dump)
             text += maskPointer(row, pointerBytes(record.message)) + "\n";
-        }
     }
     return text;
 }
@@ -171,9 +161,8 @@ void LogFile::write(std::string_view bytes) const {
 
 Fd LogFile::holdLock() const {
     Fd file(open(path_.c_str(), O_RDWR | O_CLOEXEC));
-    if (!file.open() || flock(file.get(), LOCK_EX) != 0) {
+    if (!file.open() || flock(file.get(), LOCK_EX) != 0)
         ADD_FAILURE() << "cannot lock " << path_;
-    }
     return file;
 }
 

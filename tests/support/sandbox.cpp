@@ -33,17 +33,15 @@ std::string systemError(const std::string& step) {
 }
 
 std::string bindOver(const fs::path& source, const fs::path& target) {
-    if (mount(source.c_str(), target.c_str(), nullptr, MS_BIND | MS_REC, nullptr) != 0) {
+    if (mount(source.c_str(), target.c_str(), nullptr, MS_BIND | MS_REC, nullptr) != 0)
         return systemError("mount of " + source.string() + " on " + target.string());
-    }
     return {};
 }
 
 /// Moves the calling thread, and no other, into a mount namespace of its own.
 std::string leaveSharedNamespace() {
-    if (unshare(CLONE_NEWNS) != 0) {
+    if (unshare(CLONE_NEWNS) != 0)
         return systemError("unshare(CLONE_NEWNS), which needs root");
-    }
     return mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 ? "" : systemError("mount(MS_PRIVATE)");
 }
 
@@ -51,20 +49,16 @@ std::string mountSandbox(const fs::path& root) {
     const fs::path host = "/dev";
     std::string error = leaveSharedNamespace();
     const auto bind = [&error](const fs::path& source, const fs::path& target) {
-        if (error.empty() && fs::exists(source)) {
+        if (error.empty() && fs::exists(source))
             error = bindOver(source, target);
-        }
     };
-    for (const char* name : kDeviceFiles) {
+    for (const char* name : kDeviceFiles)
         bind(host / name, root / "dev" / name);
-    }
-    for (const char* name : kDeviceFolders) {
+    for (const char* name : kDeviceFolders)
         bind(host / name, root / "dev" / name);
-    }
     bind(root / "dev", host);
-    if (error.empty()) {
+    if (error.empty())
         error = bindOver(root / "opt", "/opt");
-    }
     return error;
 }
 
@@ -83,16 +77,13 @@ Sandbox::Sandbox() {
     }
     root_ = name;
     chmod(root_.c_str(), 0755);
-    for (const auto& folder : {logFolder(), work(), bin(), noLibrary(), root_ / "dev"}) {
+    for (const auto& folder : {logFolder(), work(), bin(), noLibrary(), root_ / "dev"})
         fs::create_directories(folder);
-    }
     chmod(work().c_str(), 0777);
-    for (const char* device : kDeviceFiles) {
+    for (const char* device : kDeviceFiles)
         writeFile(root_ / "dev" / device, "");
-    }
-    for (const char* folder : kDeviceFolders) {
+    for (const char* folder : kDeviceFolders)
         fs::create_directory(root_ / "dev" / folder);
-    }
     fs::create_symlink("/proc/self/fd", root_ / "dev/fd");
     (void)signal(SIGPIPE, SIG_IGN); // a program may end with its input unread
     openSyslog();
@@ -100,15 +91,12 @@ Sandbox::Sandbox() {
 }
 
 Sandbox::~Sandbox() {
-    for (const int fd : {namespace_, syslog_}) {
-        if (fd >= 0) {
+    for (const int fd : {namespace_, syslog_})
+        if (fd >= 0)
             close(fd);
-        }
-    }
     std::error_code ignored;
-    if (!root_.empty()) {
+    if (!root_.empty())
         fs::remove_all(root_, ignored);
-    }
 }
 
 const std::string& Sandbox::unavailable() {
@@ -127,9 +115,8 @@ void Sandbox::openSyslog() {
     path.copy(address.sun_path, path.size());
     syslog_ = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
     if (syslog_ < 0 || bind(syslog_, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0 ||
-        chmod(path.c_str(), 0666) != 0) {
+        chmod(path.c_str(), 0666) != 0)
         broken_ = systemError("socket " + path);
-    }
 }
 
 /// The namespace is made by a thread that ends at once; the descriptor keeps it, and each run enters it.
@@ -154,13 +141,11 @@ std::vector<std::string> Sandbox::environment(const RunOptions& options) const {
         {"ASAN_OPTIONS", exitCode + ":detect_leaks=1:allocator_may_return_null=1"},
         {"LSAN_OPTIONS", exitCode},
         {"UBSAN_OPTIONS", exitCode + ":halt_on_error=1:print_stacktrace=1"}};
-    for (const auto& [name, value] : options.env) {
+    for (const auto& [name, value] : options.env)
         variables[name] = value;
-    }
     std::vector<std::string> texts;
-    for (const auto& [name, value] : variables) {
+    for (const auto& [name, value] : variables)
         texts.push_back(name + "=" + value);
-    }
     return texts;
 }
 
@@ -183,12 +168,10 @@ RunResult Sandbox::run(const RunOptions& options) {
                     work().string(),
                     namespace_};
         what.argv.insert(what.argv.end(), options.args.begin(), options.args.end());
-        if (options.trace) {
+        if (options.trace)
             what.env.push_back("ZEBSIM_TRACE=" + traceFile.string());
-        }
-        if (channels->master.open()) {
+        if (channels->master.open())
             tcgetattr(channels->master.get(), &result.terminalBefore);
-        }
         const pid_t pid = launch(what, options, *channels, error);
         error = pid > 0 ? converse(pid, options, *channels, syslog_, result) : error;
     }
@@ -197,12 +180,10 @@ RunResult Sandbox::run(const RunOptions& options) {
         std::error_code ignored;
         fs::remove(traceFile, ignored);
     }
-    if (!error.empty()) {
+    if (!error.empty())
         ADD_FAILURE() << "run: " << error << "\n" << result;
-    }
-    if (sanitizerSpoke(result)) {
+    if (sanitizerSpoke(result))
         ADD_FAILURE() << "a sanitizer found a fault\n" << result;
-    }
     return result;
 }
 
@@ -221,9 +202,8 @@ bool sameMode(const termios& a, const termios& b) {
 
 void SandboxTest::SetUp() {
     if (const std::string& reason = Sandbox::unavailable(); !reason.empty()) {
-        if (std::getenv("ZEB_TESTS_MUST_RUN") != nullptr) {
+        if (std::getenv("ZEB_TESTS_MUST_RUN") != nullptr)
             FAIL() << "no sandbox here: " << reason;
-        }
         GTEST_SKIP() << "no sandbox here: " << reason;
     }
 }
@@ -239,9 +219,8 @@ void writeFile(const fs::path& path, std::string_view bytes) {
     fs::create_directories(path.parent_path(), ignored);
     std::ofstream file(path, std::ios::binary | std::ios::trunc);
     file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    if (!file.flush()) {
+    if (!file.flush())
         ADD_FAILURE() << "cannot write " << path;
-    }
 }
 
 } // namespace zebtest

@@ -30,9 +30,8 @@ std::string failuresOf(const Work& work) {
         work();
     }
     std::string texts;
-    for (int i = 0; i < results.size(); ++i) {
+    for (int i = 0; i < results.size(); ++i)
         texts += results.GetTestPartResult(i).message();
-    }
     return texts;
 }
 
@@ -118,16 +117,14 @@ TEST_F(SupportSandbox, RunFailsTheTestByItself) {
                                                         {endless, "killed after its time limit of 20 ms"},
                                                         {absent, "cannot open /nowhere/program"},
                                                         {shell("exit 99"), "a sanitizer found a fault"}};
-    for (const auto& c : cases) {
+    for (const auto& c : cases)
         EXPECT_THAT(failuresOf([&] { box.run(c.first); }), HasSubstr(c.second));
-    }
     EXPECT_EQ("", failuresOf([&] { box.run(shell("exit 98")); }));
 }
 
 TEST_F(SupportSandbox, SanitizerFindingsAreFailures) {
-    if (!kSanitized) {
+    if (!kSanitized)
         GTEST_SKIP() << "built without sanitizers";
-    }
     for (const uid_t uid : {0U, 65534U}) {
         for (const char* fault : {"leak", "overflow"}) {
             auto options = probe({fault});
@@ -188,13 +185,11 @@ TEST(SupportTrace, LineIsTakenApart) {
     EXPECT_EQ((std::vector<std::uint8_t>{1, 2}), requests[0].out);
     EXPECT_EQ(std::vector<std::uint8_t>{0xFF}, requests[0].payload);
     EXPECT_EQ(0x0CU, requests[0].status);
-    for (const char* bad : {"", "02/05", "02/05 header=00 data=4 out=- status=0x00000000"}) {
+    for (const char* bad : {"", "02/05", "02/05 header=00 data=4 out=- status=0x00000000"})
         EXPECT_FALSE(parseTraceLine(bad)) << bad;
-    }
     for (const char* tail : {" data=4 out=- status=0x0000000", " data=x out=- status=0x00000000",
-                             " data=null out=1 status=0x00000000", " data=null out=- status=0x00000000 more"}) {
+                             " data=null out=1 status=0x00000000", " data=null out=- status=0x00000000 more"})
         EXPECT_FALSE(parseTraceLine("02/05 header=" + header + tail)) << tail;
-    }
     EXPECT_FALSE(parseTraceLine("02/06 header=" + header + " data=null out=- status=0x00000000"))
         << "code and header disagree";
 }
@@ -281,9 +276,8 @@ TEST(SupportExpected, FirstDifferenceIsShownEscaped) {
     } cases[] = {{"a\r\nb\r\n", "a\r\nb\n", "line 2 differs\n     got: b^M$\n\n  wanted: b$\n"},
                  {"a\n", "a\nb", "line 2 differs\n     got: (the end)\n\n  wanted: b"},
                  {"\t\xe9", "\x7f", "line 1 differs\n     got: ^IM-i\n  wanted: ^?"}};
-    for (const auto& c : cases) {
+    for (const auto& c : cases)
         EXPECT_EQ(c.shown, std::string(sameText(c.got, c.wanted).message()));
-    }
 }
 
 TEST_F(SupportExpectedFile, UpdateNeverPasses) {

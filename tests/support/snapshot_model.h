@@ -33,9 +33,8 @@ class SnapshotModel {
         _MR_ARRAY& array = arrays_.emplace_back();
         array.arrayRef = arrayRef;
         array.numDrives = static_cast<std::uint8_t>(deviceIds.size());
-        for (std::size_t i = 0; i < deviceIds.size(); ++i) {
+        for (std::size_t i = 0; i < deviceIds.size(); ++i)
             array.pd[i].ref.deviceId = deviceIds[i];
-        }
     }
     /// An LD on the arrays; its level is that of the firmware (0, 1, 5, 6).
     void ld(std::uint8_t ldNo, std::uint8_t level, const std::vector<std::uint16_t>& arrayRefs,

@@ -18,9 +18,8 @@ class TempFolder {
   public:
     TempFolder() {
         std::string name = (std::filesystem::temp_directory_path() / "zebtest-XXXXXX").string();
-        if (mkdtemp(name.data()) == nullptr) {
+        if (mkdtemp(name.data()) == nullptr)
             ADD_FAILURE() << "no temporary folder " << name;
-        }
         path_ = name;
     }
     ~TempFolder() {

@@ -15,9 +15,8 @@ namespace {
 bool parseBytes(std::string_view hex, std::vector<std::uint8_t>& bytes) {
     for (; hex.size() >= 2; hex.remove_prefix(2)) {
         const auto [end, code] = std::from_chars(hex.data(), hex.data() + 2, bytes.emplace_back(), 16);
-        if (code != std::errc() || end != hex.data() + 2) {
+        if (code != std::errc() || end != hex.data() + 2)
             return false;
-        }
     }
     return hex.empty();
 }
@@ -55,21 +54,18 @@ std::optional<TracedRequest> parseTraceLine(std::string_view line) {
     if (std::sscanf(text.c_str(), "%2hhx/%2hhx header=%64[0-9a-f] data=%10[0-9nul] out=%n", &request.type, &request.cmd,
                     header.data(), data.data(), &out) != 4 ||
         out == 0 || !parseBytes(header.data(), bytes) || bytes.size() != request.header.size() ||
-        bytes[0] != request.type || bytes[1] != request.cmd) {
+        bytes[0] != request.type || bytes[1] != request.cmd)
         return std::nullopt;
-    }
     std::ranges::copy(bytes, request.header.begin());
     splitHeader(request);
     const std::size_t blank = text.find(' ', static_cast<std::size_t>(out));
     if (blank == std::string::npos ||
         !parseOut(line.substr(static_cast<std::size_t>(out), blank - static_cast<std::size_t>(out)), request) ||
         std::sscanf(text.c_str() + blank, " status=0x%8x%n", &request.status, &end) != 1 || end != 18 ||
-        blank + 18 != text.size()) {
+        blank + 18 != text.size())
         return std::nullopt;
-    }
-    if (std::string_view(data.data()) != "null") {
+    if (std::string_view(data.data()) != "null")
         request.data = static_cast<std::uint32_t>(std::strtoul(data.data(), nullptr, 10));
-    }
     return request;
 }
 
@@ -77,11 +73,10 @@ std::vector<TracedRequest> parseTrace(std::string_view text) {
     std::vector<TracedRequest> requests;
     while (!text.empty()) {
         const std::size_t end = std::min(text.find('\n'), text.size());
-        if (auto request = parseTraceLine(text.substr(0, end))) {
+        if (auto request = parseTraceLine(text.substr(0, end)))
             requests.push_back(std::move(*request));
-        } else {
+        else
             ADD_FAILURE() << "not a line of a trace: \"" << text.substr(0, end) << '"';
-        }
         text.remove_prefix(std::min(end + 1, text.size()));
     }
     return requests;
@@ -89,9 +84,8 @@ std::vector<TracedRequest> parseTrace(std::string_view text) {
 
 std::string briefs(const std::vector<TracedRequest>& requests) {
     std::string text;
-    for (const auto& request : requests) {
+    for (const auto& request : requests)
         text += request.brief() + "\n";
-    }
     return text;
 }
 

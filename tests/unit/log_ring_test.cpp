@@ -35,9 +35,8 @@ Lines stored(const TempLog& log) {
 
 TEST(UnitLogRing, TenThousandLines) {
     const TempLog log;
-    for (int i = 1; i <= 9999; ++i) {
+    for (int i = 1; i <= 9999; ++i)
         put(std::to_string(i));
-    }
     EXPECT_THAT(log.file().markers(), ElementsAre(10000));
     put("last");
     EXPECT_EQ(2000000U, log.file().bytes().size());

@@ -142,7 +142,8 @@ TEST_F(WireQueries, ListsAreSortedAsFarAsTheyReach) {
         _MR_LD_LIST lds{};
         bytes = randomBytes(count, sizeof lds);
         put(bytes, 0, count);
-        pass({request(0x01, 0x0D, 0, 1032, bytes)}, [&] { return SLGetLDList(kCont, &lds); });
+        pass(
+            {request(0x01, 0x0D, 0, 1032, bytes)}, [&] { return SLGetLDList(kCont, &lds); });
         EXPECT_TRUE(std::is_sorted(lds.ld, lds.ld + std::min(count, 64U),
                                    [](auto& a, auto& b) { return a.targetId < b.targetId; }));
         unsigned char number = 0;

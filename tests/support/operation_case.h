@@ -78,7 +78,7 @@ std::string toHex(std::string_view bytes);
 
 struct OperationCase {
     std::string args; ///< separated by blanks
-    Lines lines; ///< traces by a handler ("func=CliCmdExec...") count only when one is among them
+    Lines lines = {}; ///< traces by a handler ("func=CliCmdExec...") count only when one is among them
     std::string requests = {};
     std::string faults = {};
     std::string input = {}; ///< standard input, a pipe that ends behind it

@@ -1,4 +1,4 @@
-#include "tests/command/operation_case.h"
+#include "tests/support/operation_case.h"
 
 #include <algorithm>
 #include <cstdarg>
@@ -23,9 +23,8 @@ namespace {
 
 std::string littleEndian(std::uint32_t value) {
     std::string bytes;
-    for (unsigned shift = 0; shift < 32; shift += 8) {
+    for (unsigned shift = 0; shift < 32; shift += 8)
         bytes.push_back(static_cast<char>(value >> shift & 0xFFU));
-    }
     return bytes;
 }
 
@@ -76,9 +75,8 @@ bool isLogged(const std::string& got, const std::string& wanted) {
 std::size_t snapshotLength(RunOptions options, const std::string& scenario) {
     static std::map<std::string, std::size_t> known;
     const auto found = known.find(scenario);
-    if (found != known.end()) {
+    if (found != known.end())
         return found->second;
-    }
     options.args = {"-h"};
     Sandbox own; // the caller's log is part of what it looks at
     const auto requests = parseTrace(own.run(options).trace);
@@ -89,9 +87,8 @@ std::size_t snapshotLength(RunOptions options, const std::string& scenario) {
 
 std::string toHex(std::string_view bytes) {
     std::string text;
-    for (const char c : bytes) {
+    for (const char c : bytes)
         text += formatted("%02x", static_cast<unsigned char>(c));
-    }
     return text;
 }
 
@@ -137,24 +134,18 @@ std::string requestLine(const TracedRequest& request) {
     std::string text = formatted("%u %s", request.ctrlId, request.brief().c_str());
     std::string param = hexOf(request.param);
     param.erase(param.find_last_not_of('0') + 1);
-    if (!param.empty()) {
+    if (!param.empty())
         text += " param=" + param + (param.size() % 2 != 0 ? "0" : "");
-    }
-    if (request.dataSize != 0) {
+    if (request.dataSize != 0)
         text += formatted(" size=%u", request.dataSize);
-    }
-    if (request.data.value_or(0) != request.dataSize || (request.data && *request.data == 0)) {
+    if (request.data.value_or(0) != request.dataSize || (request.data && *request.data == 0))
         text += " with a data pointer that disagrees";
-    }
-    if (request.header[2] != 0 || request.header[3] != 0) {
+    if (request.header[2] != 0 || request.header[3] != 0)
         text += " with reserved bytes set";
-    }
-    if (!request.out.empty()) {
+    if (!request.out.empty())
         text += " out=" + hexOf(request.out);
-    }
-    if (!request.payload.empty()) {
+    if (!request.payload.empty())
         text += ":" + hexOf(request.payload);
-    }
     return text + (request.status != 0 ? formatted(" -> 0x%02x", request.status) : "");
 }
 
@@ -165,9 +156,8 @@ std::vector<std::string> words(const std::string& text) {
 
 std::string repeated(std::string_view text, unsigned times) {
     std::string all;
-    for (unsigned i = 0; i < times; ++i) {
+    for (unsigned i = 0; i < times; ++i)
         all += text;
-    }
     return all;
 }
 
@@ -186,18 +176,16 @@ std::string OperationTest::requestsAfterSnapshot(const std::string& scenario, co
     const std::size_t skipped = snapshotLength(optionsFor(scenario, ""), scenario);
     const auto requests = parseTrace(trace);
     std::string text;
-    for (std::size_t i = skipped; i + 1 < requests.size(); ++i) {
+    for (std::size_t i = skipped; i + 1 < requests.size(); ++i)
         text += requestLine(requests[i]) + "\n";
-    }
     EXPECT_TRUE(!requests.empty() && requests.back().brief() == "00/09 ref=00000000") << "the library was not closed";
     return text;
 }
 
 std::vector<std::string> OperationTest::loggedMessages() const {
     auto messages = LogFile(box.log()).messages();
-    if (!messages.empty()) {
+    if (!messages.empty())
         messages.erase(messages.begin());
-    }
     std::erase_if(messages, [](const auto& message) { return message.find(' ') == std::string::npos; });
     return messages;
 }
@@ -208,45 +196,40 @@ RunResult OperationTest::check(const std::string& scenario, const OperationCase&
     auto options = optionsFor(scenario, expected.args);
     options.input = Input::kPipe;
     options.inputText = expected.input;
-    if (!expected.faults.empty()) {
+    if (!expected.faults.empty())
         options.env["ZEBSIM_FAULTS"] = expected.faults;
-    }
     std::filesystem::remove(box.log());
     auto result = box.run(options);
     std::string out;
     std::vector<std::string> log;
     for (const auto& line : expected.lines) {
         out += line.printed ? line.text : "";
-        if (line.logged) {
+        if (line.logged)
             log.push_back(onOneLine(line.text));
-        }
     }
     EXPECT_TRUE(sameText(result.out, out)) << result;
     EXPECT_EQ("", result.err);
     EXPECT_EQ(0, result.exitStatus);
     const auto isHandlerTrace = [](const std::string& text) { return text.find("func=CliCmdExec") != text.npos; };
     auto messages = loggedMessages();
-    if (std::ranges::none_of(log, isHandlerTrace)) {
+    if (std::ranges::none_of(log, isHandlerTrace))
         std::erase_if(messages, isHandlerTrace);
-    }
-    for (std::size_t i = 0; i < std::min(messages.size(), log.size()); ++i) {
+    for (std::size_t i = 0; i < std::min(messages.size(), log.size()); ++i)
         messages[i] = isLogged(messages[i], log[i]) ? log[i] : messages[i];
-    }
     EXPECT_EQ(log, messages);
     EXPECT_TRUE(sameText(requestsAfterSnapshot(scenario, result.trace), expected.requests));
     return result;
 }
 
 void OperationTest::checkAll(const std::vector<OperationCase>& cases) {
-    for (const auto& c : cases) {
+    for (const auto& c : cases)
         check(scenario_, c);
-    }
 }
 
 void OperationTest::checkTokens(const std::vector<std::string>& refused, const std::string& command) {
     for (const auto& row : refused) {
         const std::size_t arrow = row.find(" -> ");
-        check(scenario_, {command + row.substr(0, arrow), badToken(row.substr(arrow + 4))});
+        check(scenario_, {.args = command + row.substr(0, arrow), .lines = badToken(row.substr(arrow + 4))});
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "log/zebcli_log.h"
 #include "main/zebcli_cmd_com/input/dialogue.h"
+#include "main/zebcli_cmd_com/model/live_questions.h"
 #include "main/zebcli_cmd_com/text/text_field.h"
 #include "main/zebcli_cmd_com/text/vocabulary.h"
 

@@ -6,6 +6,7 @@
 #include "log/zebcli_log.h"
 #include "main/zebcli_cmd_com/base/trace.h"
 #include "main/zebcli_cmd_com/input/start_stop_words.h"
+#include "main/zebcli_cmd_com/model/live_questions.h"
 #include "main/zebcli_cmd_com/model/raid_level.h"
 #include "main/zebcli_cmd_com/text/number_list.h"
 #include "storelib/common/StoreLib/logical_drive.h"
@@ -125,10 +126,8 @@ int runOperation(const Operation& start, const Operation& stop, int argc, char**
     Options options;
     if (!readArguments(kOptions, argc, argv, contCount, options))
         return 1;
-    LdSelection selection{};
-    getAdpLdArray(options.ctrls, options.lds, selection, conts);
     for (const unsigned char contNo : selectedControllers(options.ctrls, contCount)) {
-        const SelectedLds lds = selectedLds(selection, contNo);
+        const SelectedLds lds = selectedLds(options.lds, {contNo, conts});
         performOnController(options.has(kStart) ? start : stop, {contNo, conts}, lds.list());
     }
     return 0;

@@ -4,13 +4,16 @@
 
 #include <algorithm>
 
-SelectedLds selectedLds(const LdSelection& selection, unsigned char contNo) {
+SelectedLds selectedLds(const LdList& listed, Controller ctrl) {
     SelectedLds selected{};
-    for (const unsigned char ldNo : selection[contNo])
-        if (ldNo != kNoTarget)
-            selected.ldNo[selected.count++] = ldNo;
+    for (unsigned ldNo = 0; ldNo < kMaxLds; ++ldNo) {
+        const auto number = static_cast<unsigned char>(ldNo);
+        if (std::find(listed.begin(), listed.end(), number) != listed.end() &&
+            IsExistLD(ctrl.contNo, number, ctrl.conts) != 0)
+            selected.ldNo[selected.count++] = number;
+    }
     if (selected.count == 0)
-        sayNoLd(contNo);
+        sayNoLd(ctrl.contNo);
     return selected;
 }
 

@@ -4,6 +4,7 @@
 #include "main/zebcli_cmd_com/base/source.h"
 #include "main/zebcli_cmd_com/input/options.h"
 #include "main/zebcli_cmd_com/model/lookup.h"
+#include "main/zebcli_cmd_com/model/raid_level.h"
 
 #include <span>
 
@@ -17,7 +18,7 @@ inline constexpr OptionTable ldOptions(std::span<const OptionWord> words = {}) {
             .takesLds = true};
 }
 
-/// The selected LDs of one controller in ascending order.
+/// LDs of one controller in ascending order.
 struct SelectedLds {
     std::array<unsigned char, kMaxLds> ldNo;
     unsigned count;
@@ -25,8 +26,8 @@ struct SelectedLds {
     std::span<const unsigned char> list() const&& = delete; // it would outlive its numbers
 };
 
-/// Collects them; when there are none, says so.
-SelectedLds selectedLds(const LdSelection& selection, unsigned char contNo);
+/// The LDs that the list names and that the controller has; when there are none, says so.
+SelectedLds selectedLds(const LdList& listed, Controller ctrl);
 
 /// Says that there is no such LD.
 void sayNoLd(unsigned char contNo, int line = __builtin_LINE());

@@ -8,6 +8,8 @@
 #include "log/zebcli_log.h"
 #include "main/zebcli_cmd_com/base/string_shims.h"
 #include "main/zebcli_cmd_com/model/capacity.h"
+#include "main/zebcli_cmd_com/model/live_questions.h"
+#include "main/zebcli_cmd_com/text/raid_group_words.h"
 #include "main/zebcli_cmd_com/text/report.h"
 #include "main/zebcli_cmd_com/text/text_field.h"
 #include "main/zebcli_cmd_com/text/vocabulary.h"
@@ -172,16 +174,19 @@ void reportGroup(Report& report, Controller ctrl, std::span<const _SL_ARRAY_INFO
 /// Reports each group that holds a selected LD once. The settings shown are those of the LD that stands as many numbers
 /// behind the one found as the group has further LDs; with LDs numbered in a row that is the group's last one.
 /// Deliberate.
-void reportController(Controller ctrl, bool withSummary, const LdSelection& selection) {
+void reportController(Controller ctrl, bool withSummary, const LdList& listed) {
     SetSupportWritePolicy(ctrl.contNo, ctrl.conts);
     SetSupportStripeSize(ctrl.contNo, ctrl.conts);
     CliLogging(kPrint, kLdSource, __LINE__, "\nRAID Controller: %d\n", ctrl.contNo);
-    if (selectedLds(selection, ctrl.contNo).count == 0)
+    const SelectedLds selected = selectedLds(listed, ctrl);
+    if (selected.count == 0)
         return;
     Report report;
     for (unsigned ldNo = 0; ldNo < kMaxLds; ++ldNo) {
-        const auto groups = selection[ctrl.contNo][ldNo] != kNoTarget ? findGroup(ctrl.cont(), ldNo)
-                                                                      : std::span<const _SL_ARRAY_INFO_T>{};
+        const auto list = selected.list();
+        const auto groups = std::find(list.begin(), list.end(), ldNo) != list.end()
+                                ? findGroup(ctrl.cont(), ldNo)
+                                : std::span<const _SL_ARRAY_INFO_T>{};
         if (groups.empty())
             continue;
         if (withSummary)
@@ -200,9 +205,7 @@ int CliCmdExecLDInfo(int argc, char** argv, _AFCONT* conts, int contCount) {
     Options options;
     if (!readArguments(kOptions, argc, argv, contCount, options))
         return 1;
-    LdSelection selection{};
-    getAdpLdArray(options.ctrls, options.lds, selection, conts);
     for (const unsigned char contNo : selectedControllers(options.ctrls, contCount))
-        reportController({contNo, conts}, !options.ldGiven, selection);
+        reportController({contNo, conts}, !options.ldGiven, options.lds);
     return 0;
 }

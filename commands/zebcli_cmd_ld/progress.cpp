@@ -7,6 +7,7 @@
 #include "main/zebcli_cmd_com/base/string_shims.h"
 #include "main/zebcli_cmd_com/base/trace.h"
 #include "main/zebcli_cmd_com/model/lookup.h"
+#include "main/zebcli_cmd_com/text/raid_group_words.h"
 #include "main/zebcli_cmd_com/text/vocabulary.h"
 #include "storelib/common/StoreLib/enclosure.h"
 #include "storelib/dll_mod.h"

@@ -7,6 +7,7 @@
 #include "log/zebcli_log.h"
 #include "main/zebcli_cmd_com/base/trace.h"
 #include "main/zebcli_cmd_com/input/prompts.h"
+#include "main/zebcli_cmd_com/model/live_questions.h"
 #include "main/zebcli_cmd_com/text/number_list.h"
 #include "main/zebcli_cmd_com/text/vocabulary.h"
 #include "storelib/common/StoreLib/configuration.h"
@@ -229,11 +230,9 @@ int CliCmdExecLDSetProp(int argc, char** argv, _AFCONT* conts, int contCount) {
     const auto controllers = selectedControllers(options.ctrls, contCount);
     if (!mayChange(options, controllers, conts))
         return 1;
-    LdSelection selection{};
-    getAdpLdArray(options.ctrls, options.lds, selection, conts);
     bool saidGroup = false;
     for (const unsigned char contNo : controllers) {
-        const SelectedLds lds = selectedLds(selection, contNo);
+        const SelectedLds lds = selectedLds(options.lds, {contNo, conts});
         ControllerChange change(options, contNo, conts, saidGroup);
         const bool changed =
             std::all_of(lds.list().begin(), lds.list().end(), [&](unsigned char ldNo) { return change.change(ldNo); });

@@ -9,6 +9,7 @@
 #include "main/zebcli_cmd_com/input/targets.h"
 #include "main/zebcli_cmd_com/model/capacity.h"
 #include "main/zebcli_cmd_com/model/lookup.h"
+#include "main/zebcli_cmd_com/text/raid_group_words.h"
 #include "main/zebcli_cmd_com/text/report.h"
 #include "main/zebcli_cmd_com/text/text_field.h"
 #include "main/zebcli_cmd_com/text/vocabulary.h"

@@ -47,6 +47,9 @@ layers() {
 layers 'log/ knows nothing of the other parts' log 'main|commands|storelib|console|simulator'
 layers 'storelib/ knows only log/' storelib 'main|commands|console|simulator'
 layers 'The shared helpers know no command' main/zebcli_cmd_com 'commands|simulator'
+layers 'Of the rooms input, text, model, base each knows only those behind it' $com/base "$com/(input|text|model)"
+layers 'Of the rooms input, text, model, base each knows only those behind it' $com/model "$com/(input|text)"
+layers 'Of the rooms input, text, model, base each knows only those behind it' $com/text "$com/input"
 layers 'The simulator knows the records and nothing else of the tool' simulator 'main|commands|console|log/|storelib/[^r]'
 
 # Each record states its layout and stands in the list of all.

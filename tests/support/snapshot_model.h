@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include "main/zebcli_cmd_com/model/raid_group_numbers.h"
 #include "main/zebcli_cmd_com/model/snapshot.h"
 
 namespace zebtest {
@@ -76,7 +77,7 @@ class SnapshotModel {
         head.size = static_cast<std::uint32_t>(block.size());
         std::memcpy(block.data(), &head, sizeof head);
         useConfig(block);
-        MakeTransformRGNo(cont(), cont().rgNoList);
+        MakeTransformRGNo(arraysOf(cont()), ldConfigsOf(cont()), cont().rgNoList);
         return conts_.data();
     }
     /// Puts any bytes in the place of the configuration.

@@ -2,6 +2,9 @@
 #include <gtest/gtest.h>
 
 #include "main/zebcli_cmd_com/model/lookup.h"
+#include "main/zebcli_cmd_com/model/raid_group_numbers.h"
+#include "main/zebcli_cmd_com/model/raid_groups.h"
+#include "main/zebcli_cmd_com/text/raid_group_words.h"
 #include "tests/support/library.h"
 #include "tests/support/snapshot_model.h"
 
@@ -125,7 +128,7 @@ TEST(UnitLookup, LyingSizesStayInsideTheirTables) {
         model.useConfig(block);
         auto& ld = model.cont().ldInfo[3].config;
         ld.spanDepth = 255;
-        MakeTransformRGNo(model.cont(), model.cont().rgNoList);
+        MakeTransformRGNo(arraysOf(model.cont()), ldConfigsOf(model.cont()), model.cont().rgNoList);
         EXPECT_GE(kMaxSlots, slotsOf(3, conts).size());
         for (unsigned slot = 0; slot < 16; ++slot)
             for (const auto build : {mkRaidGroupStr, mkLDAssignStr})

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "main/zebcli_cmd_com/model/raid_groups.h"
+#include "main/zebcli_cmd_com/text/raid_group_words.h"
 #include "tests/support/snapshot_model.h"
 
 namespace zebtest {

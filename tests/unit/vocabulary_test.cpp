@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "main/zebcli_cmd_com/base/string_shims.h"
+#include "main/zebcli_cmd_com/model/raid_level.h"
 #include "main/zebcli_cmd_com/text/text_field.h"
 #include "main/zebcli_cmd_com/text/vocabulary.h"
 #include "tests/support/snapshot_model.h"

@@ -3,6 +3,7 @@
 #include <span>
 #include <sys/mman.h>
 
+#include "main/zebcli_cmd_com/model/live_questions.h"
 #include "main/zebcli_cmd_com/model/lookup.h"
 #include "main/zebcli_cmd_com/text/vocabulary.h"
 #include "storelib/common/StoreLib/cache_backup.h"

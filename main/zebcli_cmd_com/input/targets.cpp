@@ -12,12 +12,10 @@
 namespace {
 
 constexpr unsigned kLargestNumber = 100000; // where a number of any length stops growing
-constexpr unsigned kHighestController = 3;
-constexpr unsigned kLdLimit = 64;
 constexpr std::size_t kLdDigits = 2;
 constexpr std::size_t kPdDigits = 3;
-constexpr unsigned kHighestPdValue = 256;
-constexpr std::size_t kPdRoom = 255;
+constexpr unsigned kHighestPdValue = 256; // one more than there are slots
+constexpr std::size_t kPdRoom = kMaxSlots - 1; // behind it stands the end mark
 
 bool isDigit(char c) {
     return c >= '0' && c <= '9';
@@ -43,7 +41,7 @@ bool hasLeadingZero(std::string_view digits) {
 /// Takes one controller number into the list.
 int addController(unsigned number, CtrlList& list, std::size_t& stored, int contCount) {
     const auto used = list.begin() + static_cast<std::ptrdiff_t>(stored);
-    if (std::find(list.begin(), used, number) != used || number > kHighestController || stored == list.size())
+    if (std::find(list.begin(), used, number) != used || number >= kMaxControllers || stored == list.size())
         return kAdapterMalformed;
     if (number >= static_cast<unsigned>(contCount)) {
         list[0] = static_cast<unsigned char>(number);
@@ -118,10 +116,10 @@ int GetLogicalDriveNo(const char* text, LdList& list) {
         option.remove_prefix(digits.size());
         if (digits.empty() || digits.size() > kLdDigits || (!option.empty() && option.front() != ','))
             return 0;
-        if (!option.empty() && stored == kLdLimit - 1)
+        if (!option.empty() && stored == kMaxLds - 1)
             return 0;
         const unsigned number = numberOf(digits);
-        if (!addTarget(static_cast<unsigned char>(number), list, stored) || number >= kLdLimit)
+        if (!addTarget(static_cast<unsigned char>(number), list, stored) || number >= kMaxLds)
             return 0;
         option.remove_prefix(std::min<std::size_t>(option.size(), 1));
     }

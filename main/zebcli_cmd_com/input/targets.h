@@ -4,13 +4,15 @@
 // not given. Entries of a list that are not used hold 255.
 #pragma once
 
+#include "main/zebcli_cmd_com/base/limits.h"
+
 #include <array>
 
 inline constexpr unsigned char kNoTarget = 255;
 
-using CtrlList = std::array<unsigned char, 4>;
-using LdList = std::array<unsigned char, 64>;
-using PdList = std::array<unsigned char, 256>;
+using CtrlList = std::array<unsigned char, kMaxControllers>;
+using LdList = std::array<unsigned char, kMaxLds>;
+using PdList = std::array<unsigned char, kMaxSlots>;
 
 /// Verdicts of GetAdapterNo.
 enum AdapterVerdict {

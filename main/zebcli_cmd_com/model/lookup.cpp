@@ -1,10 +1,5 @@
 #include "main/zebcli_cmd_com/model/lookup.h"
 
-#include "main/zebcli_cmd_com/base/source.h"
-#include "main/zebcli_cmd_com/base/trace.h"
-#include "storelib/common/StoreLib/controller.h"
-#include "storelib/records/status.h"
-
 #include <algorithm>
 
 namespace {
@@ -140,25 +135,4 @@ unsigned GePdSizeList(std::span<std::uint64_t> sizes, const _AFCONT* conts, unsi
     for (unsigned i = 0; i < count; ++i)
         sizes[i] = conts[contNo].pdInfo[candidates.slotNo[i]].coercedSize;
     return count;
-}
-
-int IsOSInstallLD(unsigned char contNo, unsigned char ldNo, const _AFCONT* /*conts*/) {
-    _SL_PARTITION_INFO_T partition{};
-    return succeeded(SLGetLDPartition(contNo, ldNo, &partition), {kComSource, __func__}, "SLGetLDPartition error",
-                     onLd(contNo, ldNo)) &&
-                   partition.osInstalled != 0
-               ? 1
-               : 0;
-}
-
-void getAdpLdArray(const CtrlList& ctrlList, const LdList& ldList, LdSelection& selection, const _AFCONT* conts) {
-    for (auto& lds : selection)
-        lds.fill(kNoTarget);
-    for (const unsigned char contNo : ctrlList) {
-        if (contNo >= selection.size())
-            continue;
-        for (const unsigned char ldNo : ldList)
-            if (ldNo < kMaxLds && IsExistLD(contNo, ldNo, conts) != 0)
-                selection[contNo][ldNo] = ldNo;
-    }
 }

@@ -1,7 +1,6 @@
-// Questions about the snapshot. All read the snapshot only, except IsOSInstallLD.
+// Questions about the snapshot, which they read and nothing else.
 #pragma once
 
-#include "main/zebcli_cmd_com/input/targets.h"
 #include "main/zebcli_cmd_com/model/snapshot.h"
 
 #include <array>
@@ -67,12 +66,3 @@ struct _PD_CANDIDATES_T {
 /// The coerced sizes of the candidates, blocks, in their order. Returns how many were written.
 unsigned GePdSizeList(std::span<std::uint64_t> sizes, const _AFCONT* conts, unsigned char contNo,
                       const _PD_CANDIDATES_T& candidates);
-
-/// 1 when an operating system is installed on the LD, else 0, also on failure. Asks the library.
-int IsOSInstallLD(unsigned char contNo, unsigned char ldNo, const _AFCONT* conts);
-
-/// Of each controller's LDs the selected ones, by LD number; 255 = not selected.
-using LdSelection = std::array<std::array<unsigned char, kMaxLds>, kMaxControllers>;
-
-/// Marks the LDs that the list names and that exist, for every controller of the controller list.
-void getAdpLdArray(const CtrlList& ctrlList, const LdList& ldList, LdSelection& selection, const _AFCONT* conts);

@@ -2,6 +2,7 @@
 
 #include "main/zebcli_cmd_com/base/source.h"
 #include "main/zebcli_cmd_com/base/trace.h"
+#include "main/zebcli_cmd_com/model/raid_group_numbers.h"
 #include "storelib/common/StoreLib/configuration.h"
 #include "storelib/common/StoreLib/controller.h"
 #include "storelib/common/StoreLib/enclosure.h"
@@ -135,7 +136,7 @@ bool refreshController(_AFCONT& cont, unsigned char contNo) {
         !refreshDrives(cont, contNo) || !refreshLds(cont, contNo) || !refreshArrays(cont, contNo) ||
         !refreshSnapshots(cont, contNo))
         return false;
-    MakeTransformRGNo(cont, cont.rgNoList);
+    MakeTransformRGNo(arraysOf(cont), ldConfigsOf(cont), cont.rgNoList);
     return true;
 }
 
@@ -211,4 +212,8 @@ std::span<const _MR_LD_CONFIG> ldConfigsOf(const _AFCONT& cont) {
 
 std::span<const _MR_SPARE> sparesOf(const _AFCONT& cont) {
     return configSpares(cont.config, cont.configSize);
+}
+
+std::span<const _MR_ARRAY_PD> drivesOf(const _MR_ARRAY& array) {
+    return {array.pd, std::min<std::size_t>(array.numDrives, kMaxArrayDrives)};
 }

@@ -3,7 +3,8 @@
 // A physical drive is named by its slot number, an LD by its target id, an array by its reference.
 #pragma once
 
-#include "main/zebcli_cmd_com/model/raid_groups.h"
+#include "main/zebcli_cmd_com/base/limits.h"
+#include "main/zebcli_cmd_com/model/raid_group_numbers.h"
 #include "storelib/records/configuration.h"
 #include "storelib/records/controller.h"
 #include "storelib/records/enclosure.h"
@@ -12,11 +13,6 @@
 
 #include <cstdint>
 #include <span>
-
-inline constexpr unsigned kMaxControllers = 4;
-inline constexpr unsigned kMaxSlots = 256;
-inline constexpr unsigned kMaxLds = 64;
-inline constexpr unsigned kMaxArrays = 128;
 
 /// The snapshot of one controller; its index in the array is the controller number. Allocated zeroed, filled by
 /// AllocDriveInfo and UpdateDriveInfo, released by FreeDriveInfo.
@@ -67,3 +63,6 @@ std::span<const _MR_LD_LIST_ENTRY> ldEntries(const _AFCONT& cont);
 std::span<const _MR_ARRAY> arraysOf(const _AFCONT& cont);
 std::span<const _MR_LD_CONFIG> ldConfigsOf(const _AFCONT& cont);
 std::span<const _MR_SPARE> sparesOf(const _AFCONT& cont);
+
+/// The drives of an array, empty positions included.
+std::span<const _MR_ARRAY_PD> drivesOf(const _MR_ARRAY& array);

@@ -1,11 +1,7 @@
 #include "main/zebcli_cmd_com/text/vocabulary.h"
 
-#include "main/zebcli_cmd_com/base/source.h"
 #include "main/zebcli_cmd_com/base/string_shims.h"
-#include "main/zebcli_cmd_com/base/trace.h"
 #include "main/zebcli_cmd_com/model/lookup.h"
-#include "storelib/common/StoreLib/controller.h"
-#include "storelib/records/status.h"
 
 #include <algorithm>
 #include <array>
@@ -133,16 +129,4 @@ void mkLDErrInfoStr(unsigned char contNo, const _AFCONT* conts, unsigned char ld
     else
         sprintf_s(out.data(), out.size(), "%s%s%s", mediaErrors ? "MediaErr" : "",
                   mediaErrors && predictedFailures ? "," : "", predictedFailures ? "PredFail" : "");
-}
-
-int IsSoftwareRAID() {
-    static constexpr std::string_view kSoftwareRaid{"LSI Embedded MegaRAID\0", 22};
-    _MR_CTRL_INFO info{};
-    if (!succeeded(SLGetCtrlInfo(0, &info), {kComSource, __func__}, "SLGetCtrlInfo error", onController(0)))
-        return 0;
-    // As many characters are compared as the product name has, so that a shorter beginning of the name, and no name at
-    // all, count as equal.
-    const std::string_view product(info.productName, strnlen(info.productName, sizeof info.productName));
-    const std::string_view compared = product.substr(0, kSoftwareRaid.size());
-    return kSoftwareRaid.starts_with(compared) ? 1 : 0;
 }

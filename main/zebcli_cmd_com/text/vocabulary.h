@@ -34,6 +34,3 @@ void mkPDProgressStr(const _MR_PD_PROGRESS* progress, std::span<char> out);
 
 /// "MediaErr", "PredFail" or both, over the LD's drives; "-" when there is neither.
 void mkLDErrInfoStr(unsigned char contNo, const _AFCONT* conts, unsigned char ldNo, std::span<char> out);
-
-/// 1 when controller 0 is a software RAID controller, else 0, also on failure. Asks the library.
-int IsSoftwareRAID();

@@ -15,19 +15,11 @@ int refuseCommand(const char* source, const char* handler, int line = __builtin_
 
 } // namespace
 
-int CliCmdExecAdpPR(int, char**, _AFCONT*, int) {
-    return refuseCommand(kCtrlSource, __func__);
-}
-
 int CliCmdExecCfgLDEasyMakeAdd(int, char**, _AFCONT*, int) {
     return refuseCommand(kLdSource, __func__);
 }
 
 int CliCmdExecCfgLDCustomMakeAdd(int, char**, _AFCONT*, int) {
-    return refuseCommand(kLdSource, __func__);
-}
-
-int CliCmdExecCfgLDDel(int, char**, _AFCONT*, int) {
     return refuseCommand(kLdSource, __func__);
 }
 

@@ -24,7 +24,7 @@ declare -gA _zebcli_commands=(
     [ldsetprop]='-name -wt|-wb|-wbcb -nora|-ra -direct|-cached -rw|-ro|-blocked -endskcache|-disdskcache|-unchanged LD CTRL'
     [ctrlautorbld]='-enbl|-dsbl CTRL'
     [ctrlsetprop]='-trh|-trm|-trl -hddcpybkenbl|-hddcpybkdsbl -ssdcpybkenbl|-ssdcpybkdsbl -pdfailenbl|-pdfaildsbl CTRL'
-    [ctrlpr]=''
+    [ctrlpr]='-dsbl|-enblauto|-enblman -hour|-day|-week|-month -setstarttime -start|-stop CTRL'
     [ldinit]='-start|-stop LD CTRL'
     [pdrbld]='-start PD CTRL'
     [ldcc]='-start|-stop LD CTRL'
@@ -116,7 +116,7 @@ _zebcli() {
     if [[ ${#words[@]} -le 1 ]]; then
         commands=("${!_zebcli_commands[@]}")
         _zebcli_offer "$current" "${commands[@]/#/-}"
-    elif [[ ${words[-1]} != -name && $current != *[:=]* && ${words[1]} == -* ]]; then
+    elif [[ ${words[-1]} != -@(name|setstarttime) && $current != *[:=]* && ${words[1]} == -* ]]; then
         _zebcli_offer_options "$current" "${words[1]#-}" "${words[@]:2}"
     fi
 }

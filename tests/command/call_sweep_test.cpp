@@ -23,6 +23,8 @@ const SweptRun kRuns[] = {
     {"pdinfo", {"-pdinfo", "-a1"}},
     {"enclinfo", {"-enclinfo", "-a0"}},
     {"ctrlautorbld", {"-ctrlautorbld", "-dsbl", "-aAll"}, "y\ny\n"},
+    {"ctrlpr", {"-ctrlpr", "-enblman", "-start", "-aAll"}, "y\ny\n"},
+    {"lddel", {"-lddel"}, "0\n2,3\ny\ny\n"},
     {"dhs", {"-pdhsp", "-dhs", "-pd[252:14]", "-a0"}, "0\n"},
     {"ldcc", {"-ldcc", "-start", "-L0", "-a0"}},
     {"log", {"-log"}},

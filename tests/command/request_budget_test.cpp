@@ -65,8 +65,9 @@ const Budget kBudgets[] = {
     {"log", "-log"},
     {"lde", "-lde"},
     {"ldc", "-ldc"},
-    {"lddel", "-lddel"},
-    {"ctrlpr", "-ctrlpr"},
+    {"lddel", "-lddel", "0\n2,3\ny\ny\n"},
+    {"ctrlpr_enblman", "-ctrlpr -enblman -start -aAll", "y\n"},
+    {"ctrlpr_day", "-ctrlpr -day -a0"},
     {"sse", "-sse"},
     {"snapshot", "-snapshot"},
 };

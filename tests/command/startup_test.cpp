@@ -164,7 +164,7 @@ TEST_F(StartUp, EachWordRunsItsHandler) {
 
 TEST_F(StartUp, CommandsWithoutBehaviourSaySo) {
     const auto refusal = error("Error - This command is not supported at the current configuration.");
-    for (const char* typed : {"-lde", "-ldc -r0", "-lddel", "-ctrlpr", "-sse", "-snapshot"})
+    for (const char* typed : {"-lde", "-ldc -r0", "-sse", "-snapshot"})
         check(kOneController, {.args = typed, .lines = {refusal}});
 }
 

@@ -45,6 +45,9 @@ offers 'zebcli -pdhsp -p' '-pd['
 offers 'zebcli -pdhsp -pd[32:' ''
 offers 'zebcli -pdhsp -pd[32:5] -g' -ghs
 offers 'zebcli -pdhsp -rmv -pd[32:5] -n' -nochk
+offers 'zebcli -ctrlpr -e' -enblauto -enblman
+offers 'zebcli -ctrlpr -setstarttime ' ''
+offers 'zebcli -ctrlpr -setstarttime 0101203000 -s' -start -stop
 offers 'zebcli -tstevt -err -' ''
 
 # types KEYS COMMAND_LINE: KEYS typed at a prompt run the command line. A stand-in for the tool writes down how it was

@@ -44,7 +44,11 @@ std::string statusText(std::uint32_t status) {
                                                              {0x21, "error writing MFC data to SEEPROM"},
                                                              {0x22, "required HW is missing (i.e. Alarm or BBU)"},
                                                              {0x24, "LD drives are not within an enclosure"},
+                                                             {0x27, "Patrol Read is disabled"},
                                                              {0x32, "command issues while FW in wrong state"},
+                                                             {0x54, "Controller has LD cache pinned"},
+                                                             {0x55, "Requested operation is already in progress"},
+                                                             {0x58, "No PD is available for patrol read"},
                                                              {0x8023, "Failed to get partition"}};
     return kTexts.at(status);
 }

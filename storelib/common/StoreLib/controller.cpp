@@ -26,6 +26,12 @@ std::span<const _SL_LD_OS_MAP_ENTRY> entries(const _SL_LD_OS_MAP_T& map) {
     return {map.entry, std::min<std::size_t>(map.count, std::size(map.entry))};
 }
 
+/// Reads which LD the operating system knows under which name.
+std::uint32_t readLdOsMap(Caller caller, unsigned char contNo, HeapRecord<_SL_LD_OS_MAP_T>& map) {
+    map = allocateRecord<_SL_LD_OS_MAP_T>();
+    return map ? query(caller, contNo, kGetLdOsMap, map.get()) : kSlMemoryAllocFailed;
+}
+
 void setBit(std::uint32_t& word, std::uint32_t bit, bool on) {
     word = on ? (word | bit) : (word & ~bit);
 }
@@ -102,10 +108,8 @@ std::uint32_t SLSetMFCDefaults(unsigned char contNo, _MR_MFC_DEFAULTS* defaults)
 std::uint32_t SLGetOSDriveName(unsigned char contNo, int ldNo, char (&name)[kOsDriveNameSize]) {
     constexpr char kNone[] = "NULL";
     std::memcpy(name, kNone, sizeof kNone);
-    const auto map = allocateRecord<_SL_LD_OS_MAP_T>();
-    if (!map)
-        return kSlMemoryAllocFailed;
-    if (const std::uint32_t status = query(__func__, contNo, kGetLdOsMap, map.get()); status != kSlSuccess)
+    HeapRecord<_SL_LD_OS_MAP_T> map;
+    if (const std::uint32_t status = readLdOsMap(__func__, contNo, map); status != kSlSuccess)
         return status;
     for (const _SL_LD_OS_MAP_ENTRY& entry : entries(*map)) {
         if (entry.targetId != static_cast<std::uint32_t>(ldNo))
@@ -116,11 +120,20 @@ std::uint32_t SLGetOSDriveName(unsigned char contNo, int ldNo, char (&name)[kOsD
     return kSlSuccess;
 }
 
+std::uint32_t SLGetOSDriveNames(unsigned char contNo, unsigned char ldNo, OsDriveNames* names) {
+    *names = OsDriveNames{};
+    HeapRecord<_SL_LD_OS_MAP_T> map;
+    if (const std::uint32_t status = readLdOsMap(__func__, contNo, map); status != kSlSuccess)
+        return status;
+    for (const _SL_LD_OS_MAP_ENTRY& entry : entries(*map))
+        if (entry.targetId == ldNo)
+            std::copy(std::begin(entry.osDeviceName), std::end(entry.osDeviceName), names->name[names->count++]);
+    return kSlSuccess;
+}
+
 std::uint32_t SLGetLDPartition(unsigned char contNo, int ldNo, _SL_PARTITION_INFO_T* partition) {
-    const auto map = allocateRecord<_SL_LD_OS_MAP_T>();
-    if (!map)
-        return kSlMemoryAllocFailed;
-    if (const std::uint32_t status = query(__func__, contNo, kGetLdOsMap, map.get()); status != kSlSuccess)
+    HeapRecord<_SL_LD_OS_MAP_T> map;
+    if (const std::uint32_t status = readLdOsMap(__func__, contNo, map); status != kSlSuccess)
         return status;
     const auto known = entries(*map);
     const auto entry = std::find_if(known.begin(), known.end(), [&](const _SL_LD_OS_MAP_ENTRY& candidate) {

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
 /// The version of the library itself.
 std::uint32_t SLGetLibraryVersion(_SL_LIB_VER_T* version);
@@ -39,13 +40,15 @@ std::uint32_t SLGetLDOSMap(unsigned char contNo, _SL_LD_OS_MAP_T* map);
 std::uint32_t SLGetMappedPartition(unsigned char contNo, int ldNo, std::uint32_t partitionArg,
                                    _SL_PARTITION_INFO_T* partition);
 
-/// The operating system's names of all LDs. An LD may have several entries, or none.
-std::uint32_t SLGetLDOSMap(unsigned char contNo, _SL_LD_OS_MAP_T* map);
+/// The names of all devices of the operating system that an LD is mapped to, in the order of the mapping. A name
+/// without a NUL may be cut.
+struct OsDriveNames {
+    unsigned count;
+    char name[std::extent_v<decltype(_SL_LD_OS_MAP_T::entry)>][sizeof _SL_LD_OS_MAP_ENTRY::osDeviceName];
+};
 
-/// The partition record of an LD that has an entry in the mapping, whose partition argument the request carries. It is
-/// left as it was on failure.
-std::uint32_t SLGetMappedPartition(unsigned char contNo, int ldNo, std::uint32_t partitionArg,
-                                   _SL_PARTITION_INFO_T* partition);
+/// Fills the names; there are none when the request failed.
+std::uint32_t SLGetOSDriveNames(unsigned char contNo, unsigned char ldNo, OsDriveNames* names);
 
 /// The partition record of an LD. It is left as it was when the operating system does not know the LD; the status is 0
 /// then.

@@ -1,5 +1,6 @@
 #include "console/xltcli_kbhit.h"
 
+#include <poll.h>
 #include <unistd.h>
 
 Tkbhit::Tkbhit() {
@@ -16,10 +17,11 @@ Tkbhit::~Tkbhit() {
 
 bool Tkbhit::_kbhit() {
     setMinimum(0);
+    pollfd input{STDIN_FILENO, POLLIN, 0}; // a pipe, unlike the terminal, has no mode that keeps a read from waiting
     char key = 0;
-    const ssize_t got = read(STDIN_FILENO, &key, 1);
+    const bool hit = poll(&input, 1, 0) == 1 && read(STDIN_FILENO, &key, 1) == 1;
     setMinimum(1);
-    return got == 1;
+    return hit;
 }
 
 void Tkbhit::setMinimum(cc_t characters) {

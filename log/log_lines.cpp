@@ -42,12 +42,11 @@ struct LineText {
 };
 
 void addTimeAndPid(LineText& out) {
-    timeval now{};
+    timeval now{}; // one reading: the clock of time() lags a little behind, and stamps would run backwards
     gettimeofday(&now, nullptr);
-    const std::time_t seconds = std::time(nullptr);
     static const pid_t pid = getpid();
     tm local{};
-    localtime_r(&seconds, &local); // unlike localtime, looks at the time zone file once per run
+    localtime_r(&now.tv_sec, &local); // unlike localtime, looks at the time zone file once per run
     char prefix[96];
     std::snprintf(prefix, sizeof prefix, "[%04d/%02d/%02d %02d:%02d:%02d.%03d] pid=%05d", local.tm_year + 1900,
                   local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec,

@@ -34,9 +34,19 @@ struct LogState {
 };
 
 LogState logState;
+LostRecords lost;
 
 int systemCallFailed(const char* call) {
     DLLSetLastError(kErrSystemCall, call);
+    return 0;
+}
+
+/// Counts a record that a failed call, the last one in the library error registry, kept out of the log.
+int recordLost() {
+    if (lost.count++ == 0) {
+        lost.error = errno;
+        DLLGetLastError(&lost.call);
+    }
     return 0;
 }
 
@@ -80,6 +90,8 @@ bool writeBytes(std::string_view bytes, off_t position) {
         const ssize_t written = pwrite(logState.fd, bytes.data(), bytes.size(), position);
         if (written < 0 && errno == EINTR)
             continue;
+        if (written == 0)
+            errno = ENOSPC;
         if (written <= 0)
             return systemCallFailed("pwrite") != 0;
         bytes.remove_prefix(static_cast<std::size_t>(written));
@@ -257,6 +269,7 @@ void closeLog() {
 
 int initLog(const char* fileName, unsigned int maxFileSize) {
     closeLog();
+    lost = LostRecords{};
     if (fileName == nullptr || *fileName == '\0') {
         DLLSetLastError(kErrNoFileName, "initLog");
         return 0;
@@ -275,17 +288,25 @@ int finContData() {
     return 1;
 }
 
+const LostRecords& lostRecords() {
+    return lost;
+}
+
 int dumpLog(const char* sourceFile, int line, const char* message, const unsigned char* data, unsigned int dataLen) {
     if (logState.fd < 0)
         return 0;
     LogLock lock(logState.fd);
-    if (!lock.held())
-        return systemCallFailed("flock");
+    if (!lock.held()) {
+        systemCallFailed("flock");
+        return recordLost();
+    }
     RecordWriter record;
     bool written = positionLog() && record.add(recordLine(sourceFile, line, message));
     if (written && data != nullptr && dataLen != 0)
         written = dumpLines({data, dataLen}, [&](const LogLine& dumped) { return record.add(dumped); });
     written = written && record.flush();
+    if (!written)
+        recordLost();
     if (!lock.release())
         return systemCallFailed("flock");
     return written ? 1 : 0;

@@ -20,6 +20,14 @@ int initLog(const char* fileName, unsigned int maxFileSize);
 /// Closes the log. Returns 1.
 int finContData();
 
+/// The records that could not be written since the log was opened, and why the first of them could not.
+struct LostRecords {
+    unsigned int count = 0;
+    const char* call = ""; ///< that failed
+    int error = 0; ///< its errno
+};
+const LostRecords& lostRecords();
+
 /// Writes one record with the time, the process id, and what is given of source name (its last path component), line
 /// and message; then, when data and length are given, a hex dump of the data. All of it stands together, under one
 /// lock. Returns 1, or 0 when the log is not open or a file operation failed.

@@ -98,3 +98,10 @@ int Utillogging_dmp(const char* sourceFile, int line, const char* prefix, const 
     va_end(args);
     return result;
 }
+
+void sayLostRecords() {
+    const LostRecords& lost = lostRecords();
+    if (lost.count != 0)
+        std::fprintf(stderr, "zebcli: records of the command log that could not be written: %u (%s: %s)\n", lost.count,
+                     lost.call, std::strerror(lost.error));
+}

@@ -34,6 +34,10 @@ void HistoryLog(int argc, char** argv);
 [[gnu::format(printf, 6, 7)]] int Utillogging_dmp(const char* sourceFile, int line, const char* prefix,
                                                   const void* data, std::size_t dataLen, const char* format, ...);
 
+/// Says on standard error how many records the command log lost since it was opened, and why; nothing when it lost
+/// none.
+void sayLostRecords();
+
 /// Writes text as a format string without arguments prints: "%%" becomes "%"; any other conversion has no argument to
 /// take and stands as it is. Writes at most size - 1 characters and a NUL; returns the number of characters written.
 std::size_t expandFormat(const char* text, char* out, std::size_t size);

@@ -142,11 +142,17 @@ void checkOutput() {
         Utillogging(kSource, __LINE__, kTraceError, "func=%s: %s", "main", "standard output error");
 }
 
+/// Closes the log; what it lost is said.
+void closeLog() {
+    sayLostRecords();
+    finContData();
+}
+
 /// What a failed start says before anything but the log was opened.
 int quitBeforeStart(const char* message) {
     CliLogging(kPrintAndLog, kSource, __LINE__, "%s", message);
     checkOutput();
-    finContData();
+    closeLog();
     return kFailure;
 }
 
@@ -168,6 +174,6 @@ int main(int argc, char** argv) {
 
     const int status = runCommand(argc, argv);
     checkOutput();
-    finContData();
+    closeLog();
     return status;
 }

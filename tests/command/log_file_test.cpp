@@ -37,6 +37,26 @@ std::string oldLines(std::size_t count) {
     return repeated(logLine("[2020/01/01 00:00:00.000] pid=00001 old"), static_cast<unsigned>(count));
 }
 
+/// What a run says at its end about records that it could not write.
+std::string lost(unsigned records, const std::string& reason) {
+    return "zebcli: records of the command log that could not be written: " + number(records) + " (" + reason + ")\n";
+}
+
+TEST_F(CommandLog, ARunAtAQuestionKeepsNobodyWaiting) {
+    RunOptions asked;
+    asked.args = words("-ctrlautorbld -dsbl -a0");
+    asked.input = Input::kTerminal;
+    asked.timeLimit = std::chrono::seconds(4);
+    asked.mayTimeOut = true;
+    std::thread first([&] { EXPECT_TRUE(box.run(asked).timedOut); });
+    for (int i = 0; i < 200 && log.bytes().find(" ComChk ") == std::string::npos; ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    EXPECT_THAT(log.bytes(), HasSubstr(" ComChk "));
+    EXPECT_LT(box.run({"x"}).wallTime, std::chrono::milliseconds(1500));
+    EXPECT_THAT(log.bytes(), HasSubstr(kRefusal));
+    first.join();
+}
+
 TEST_F(CommandLog, RecordsHaveTheirForm) {
     shortRun();
     EXPECT_TRUE(log.everyLineExact());
@@ -143,6 +163,7 @@ TEST_F(CommandLog, ARunWaitsForTheLockButNotForEver) {
         EXPECT_EQ(std::string(kRefusal) + "\n", result.out);
         EXPECT_EQ(255, result.exitStatus);
         EXPECT_GT(result.wallTime, std::chrono::seconds(9));
+        EXPECT_EQ(lost(2, "flock: Resource temporarily unavailable"), result.err);
         EXPECT_EQ(before, log.bytes());
     }
     shortRun();
@@ -228,7 +249,10 @@ TEST_F(CommandLog, ALogThatCannotBeWrittenStopsNothing) {
 }
 
 TEST_F(CommandLog, AFullDiskStopsNothing) {
-    for (const std::uint64_t limit : {0U, 1U, 100U, 200U, 399U, 400U, 1000U, 5000U}) {
+    // Seven records of a line each, with the marker behind the last.
+    const std::pair<std::uint64_t, unsigned> cases[] = {{0, 7},   {1, 7},   {100, 7},  {200, 7},
+                                                        {399, 7}, {400, 6}, {1000, 3}, {5000, 0}};
+    for (const auto& [limit, lostCount] : cases) {
         SCOPED_TRACE(limit);
         fs::remove(box.log());
         RunOptions options;
@@ -238,6 +262,7 @@ TEST_F(CommandLog, AFullDiskStopsNothing) {
         EXPECT_EQ(0, result.exitStatus) << result;
         EXPECT_THAT(result.out, HasSubstr("Cache Backup Type        : iBBU08"));
         EXPECT_LE(fs::file_size(box.log()), limit);
+        EXPECT_EQ(lostCount == 0 ? "" : lost(lostCount, "pwrite: File too large"), result.err);
         EXPECT_EQ(0, box.run({"-v"}).exitStatus);
         EXPECT_FALSE(log.markers().empty());
     }

@@ -80,6 +80,14 @@ TEST_F(Questions, OneLetterAnswersOnATerminal) {
     }
 }
 
+TEST_F(Questions, AnAnswerCountsBehindAnEndOfInputThatWasTyped) {
+    auto options = onTerminal("-ctrlautorbld -dsbl");
+    options.answers = {{kAsked, "\x04"}, {kAsked, "\x04"}, {kAsked, "y\n"}};
+    const auto result = box.run(options);
+    EXPECT_TRUE(sameText(result.out, repeated(kQuestion, 3) + "y\n" + kChanged));
+    EXPECT_TRUE(changedSomething(result));
+}
+
 TEST_F(Questions, EchoIsOffAgainAfterTheInput) {
     auto options = onTerminal("-ctrlautorbld -dsbl");
     options.env["ZEBSIM_LATENCY_US"] = "30000"; // time to look at the mode

@@ -1,5 +1,8 @@
 // Start-up: which command runs, what is refused and in which words, and what is put back afterwards.
 #include <filesystem>
+#include <fstream>
+
+#include <gmock/gmock.h>
 
 #include "tests/support/expected.h"
 #include "tests/support/log_file.h"
@@ -139,6 +142,42 @@ TEST_F(StartUp, ArgumentsOf256CharactersPass) {
     EXPECT_TRUE(box.run({longest}).out.starts_with("Error - Invalid input at or near token xxxxxxxx"));
 }
 
+/// The source unit of a handler.
+std::string sourceOf(const std::string& handler) {
+    const auto is = [&](const char* part) { return handler.starts_with(std::string("CliCmdExec") + part); };
+    if (is("LD") || is("CfgLD") || is("S"))
+        return "zebcli_cmd_ld";
+    return is("PD") || is("Encl") ? "zebcli_cmd_pd" : "zebcli_cmd_ctrl";
+}
+
+/// The lines of a unit's files that stand at that number, each with the two before it.
+std::string codeAt(const std::string& unit, unsigned line) {
+    std::string code;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(ZEB_SOURCE_DIR "/commands/" + unit)) {
+        std::ifstream file(entry.path());
+        std::string text;
+        for (unsigned number = 1; std::getline(file, text) && number <= line; ++number)
+            if (number + 2 >= line)
+                code += text + "\n";
+    }
+    return code;
+}
+
+TEST_F(StartUp, ARefusalCarriesItsCommandsUnitAndTheLineThere) {
+    for (const char* typed :
+         {"-ctrlinfo -x", "-ctrlsetprop", "-tstevt -a0", "-log x", "-v x", "-ldpdinfo -a0 -a0", "-ldinit -L0",
+          "-ldsetprop -a7", "-enclinfo -a9", "-pdinfo -pd[", "-pdhsp -ghs -a0", "-pdonline", "-pdrbld -stop -stop"}) {
+        SCOPED_TRACE(typed);
+        runWord(typed);
+        const auto records = LogFile(box.log()).records();
+        ASSERT_GT(records.size(), 2U);
+        EXPECT_TRUE(records.back().message.starts_with("Error - ")) << records.back().message;
+        EXPECT_EQ(sourceOf(records[1].message), records.back().source);
+        EXPECT_THAT(codeAt(records.back().source, records.back().line),
+                    testing::ContainsRegex("readArguments|refuseArguments|parsePdCommand"));
+    }
+}
+
 TEST_F(StartUp, EachWordRunsItsHandler) {
     const auto table =
         words("-lde CliCmdExecCfgLDEasyMakeAdd -ldc CliCmdExecCfgLDCustomMakeAdd -lddel CliCmdExecCfgLDDel "
@@ -156,9 +195,10 @@ TEST_F(StartUp, EachWordRunsItsHandler) {
         const std::string& typed = table[i];
         SCOPED_TRACE(typed);
         EXPECT_EQ(0, runWord(typed).exitStatus);
-        const auto messages = LogFile(box.log()).messages();
-        ASSERT_GT(messages.size(), 1U);
-        EXPECT_EQ(table[i + 1], messages[1]);
+        const auto records = LogFile(box.log()).records();
+        ASSERT_GT(records.size(), 1U);
+        EXPECT_EQ(table[i + 1], records[1].message);
+        EXPECT_EQ(sourceOf(table[i + 1]), records[1].source);
     }
 }
 

@@ -108,8 +108,12 @@ TEST_F(TestEvent, ReadingEndsAtABadLine) {
         checkEvent("#\n" + errorRow("read before") + bad, "-tstevt -err",
                    traced(kFormatError) + said(kRegistered) + finished("60009"), errorEvent("read before"));
     }
-    // What a line has beyond 511 characters is the next line.
+    // What a line has beyond 511 characters is the next line; of one that has exactly as many, its newline is not.
     const std::string longRow = "1,2,60009,0,11,6,7,8,9,";
+    for (const std::size_t length : {510, 511})
+        checkEvent(longRow + std::string(length - longRow.size(), 'y') + "\n" + row("60010", "0", "20", "behind"),
+                   "-tstevt -wrn", said(kRegistered) + finished("60010"),
+                   event("28", "ZEB_WRN0T: WARNING Event for TEST", "behind", "060010"));
     checkEvent(longRow + std::string(600 - longRow.size(), 'y') + "\n" + row("60010", "0", "20", "behind"),
                "-tstevt -wrn", traced(kFormatError) + notConfigured("60010"), "");
 }

@@ -1,4 +1,5 @@
 // The command log as a ring of lines: where a record goes, whatever the file is like.
+#include <chrono>
 #include <sstream>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -6,6 +7,7 @@
 #include <gmock/gmock.h>
 
 #include "log/last_error.h"
+#include "log/log_lines.h"
 #include "tests/support/library.h"
 #include "tests/support/temp_log.h"
 
@@ -31,6 +33,20 @@ Lines stored(const TempLog& log) {
         lines.push_back(line.substr(message));
     }
     return lines;
+}
+
+TEST(UnitLogRing, TimeStampsNeverRunBackwards) {
+    using Clock = std::chrono::system_clock;
+    const auto intoSecond = [] { return Clock::now().time_since_epoch() % std::chrono::seconds(1); };
+    while (intoSecond() < std::chrono::milliseconds(995)) {
+    }
+    std::string last;
+    for (auto end = Clock::now() + std::chrono::milliseconds(20); Clock::now() < end;) {
+        const LogLine line = recordLine(nullptr, 0, "");
+        const std::string stamp(line.data(), line.size());
+        ASSERT_LE(last, stamp);
+        last = stamp;
+    }
 }
 
 TEST(UnitLogRing, TenThousandLines) {

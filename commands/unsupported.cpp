@@ -22,11 +22,3 @@ int CliCmdExecCfgLDEasyMakeAdd(int, char**, _AFCONT*, int) {
 int CliCmdExecCfgLDCustomMakeAdd(int, char**, _AFCONT*, int) {
     return refuseCommand(kLdSource, __func__);
 }
-
-int CliCmdExecSSEnableEasy(int, char**, _AFCONT*, int) {
-    return refuseCommand(kLdSource, __func__);
-}
-
-int CliCmdExecSnapshot(int, char**, _AFCONT*, int) {
-    return refuseCommand(kLdSource, __func__);
-}

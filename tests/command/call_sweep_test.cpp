@@ -1,5 +1,6 @@
 // Fails every allocation and every system call of a kind, one after the other: no run may end by a signal or hang.
 #include "tests/support/log_file.h"
+#include "tests/support/paths.h"
 #include "tests/support/sandbox.h"
 
 #include <filesystem>
@@ -39,9 +40,8 @@ class CallSweep : public SandboxTest, public testing::WithParamInterface<SweptRu
 
 /// A preloaded allocator does not go together with the sanitizers' own, so the release build is what is swept.
 TEST_P(CallSweep, NoFailureEndsTheRunBySignal) {
-#ifndef ZEB_RELEASE_DIR
-    GTEST_SKIP() << "no release build was named (ZEB_RELEASE_BUILD)";
-#else
+    if (*paths::releaseZebcli == '\0')
+        GTEST_SKIP() << "no release build was named (ZEB_RELEASE_BUILD)";
     const SweptRun& run = GetParam();
     const std::filesystem::path mark = box.root() / "failed";
     writeFile(box.zeb() / "zeb_config.csv", "1,2,60009,0,11,6,7,8,9,text\n");
@@ -50,12 +50,12 @@ TEST_P(CallSweep, NoFailureEndsTheRunBySignal) {
         for (int at = 1; at < 2000; ++at) {
             SCOPED_TRACE(std::string(call) + " " + std::to_string(at));
             RunOptions options;
-            options.program = ZEB_RELEASE_DIR "/zebcli";
-            options.libraryDir = ZEB_RELEASE_DIR "/simulator";
+            options.program = paths::releaseZebcli;
+            options.libraryDir = paths::releaseLibraryDir;
             options.args = run.args;
             options.input = Input::kPipe;
             options.inputText = run.input;
-            options.env = {{"LD_PRELOAD", ZEB_FAILING_CALLS},
+            options.env = {{"LD_PRELOAD", paths::failingCalls},
                            {"ZEB_FAIL_CALL", call},
                            {"ZEB_FAIL_AT", std::to_string(at)},
                            {"ZEB_FAIL_MARK", mark.string()}};
@@ -70,7 +70,6 @@ TEST_P(CallSweep, NoFailureEndsTheRunBySignal) {
     }
     for (const char* call : {"malloc", "open", "pwrite", "pread", "flock", "fstat", "fchmod", "terminal"})
         EXPECT_GT(swept[call], 0) << call << " was never made to fail";
-#endif
 }
 
 INSTANTIATE_TEST_SUITE_P(Commands, CallSweep, testing::ValuesIn(kRuns),

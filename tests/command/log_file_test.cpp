@@ -10,6 +10,7 @@
 #include "tests/support/expected.h"
 #include "tests/support/log_file.h"
 #include "tests/support/operation_case.h"
+#include "tests/support/paths.h"
 
 namespace fs = std::filesystem;
 
@@ -172,9 +173,8 @@ TEST_F(CommandLog, ARunWaitsForTheLockButNotForEver) {
 
 /// A preloaded pwrite does not go together with the sanitizers, so the release build is what is killed.
 TEST_F(CommandLog, ARunKilledAtAnyByteLosesOnlyItsRecordUnderWay) {
-#ifndef ZEB_RELEASE_DIR
-    GTEST_SKIP() << "no release build was named (ZEB_RELEASE_BUILD)";
-#else
+    if (*paths::releaseZebcli == '\0')
+        GTEST_SKIP() << "no release build was named (ZEB_RELEASE_BUILD)";
     constexpr std::size_t kRecordBytes = 2 * kLogLineBytes; // the line and the marker
     const std::string newest = logLine("[2020/01/01 00:00:00.000] pid=00001 newest");
     const std::string oldest = logLine("[2020/01/01 00:00:00.000] pid=00001 oldest");
@@ -188,11 +188,11 @@ TEST_F(CommandLog, ARunKilledAtAnyByteLosesOnlyItsRecordUnderWay) {
                  {"on the last line", 1, oldest + oldLines(kLineBudget - 3) + newest, ""}};
     RunOptions killed;
     killed.args = {"y"};
-    killed.program = ZEB_RELEASE_DIR "/zebcli";
-    killed.libraryDir = ZEB_RELEASE_DIR "/simulator";
+    killed.program = paths::releaseZebcli;
+    killed.libraryDir = paths::releaseLibraryDir;
     RunOptions next = killed;
     next.args = {"x"};
-    killed.env = {{"LD_PRELOAD", ZEB_FAILING_CALLS}, {"ZEB_FAIL_CALL", "killed"}, {"ZEB_FAIL_MARK", "killed"}};
+    killed.env = {{"LD_PRELOAD", paths::failingCalls}, {"ZEB_FAIL_CALL", "killed"}, {"ZEB_FAIL_MARK", "killed"}};
     for (const auto& c : cases) {
         for (std::size_t at = 1; at <= c.records * kRecordBytes; ++at) {
             SCOPED_TRACE(c.name + std::string(", killed behind byte ") + std::to_string(at));
@@ -209,7 +209,6 @@ TEST_F(CommandLog, ARunKilledAtAnyByteLosesOnlyItsRecordUnderWay) {
             ASSERT_TRUE(at < kRecordBytes || holds(" zebcli y "));
         }
     }
-#endif
 }
 
 TEST_F(CommandLog, WithoutItsFolderItLiesInTheWorkingDirectory) {
@@ -275,10 +274,10 @@ TEST_F(CommandLog, OutputThatDoesNotWaitLosesNothing) {
     options.args = {"-e", R"(use Fcntl; pipe(R, W); if (fork == 0) { close W; sleep 1; print while <R>; exit }
         close R; fcntl(W, F_SETFL, fcntl(W, F_GETFL, 0) | O_NONBLOCK); open(STDOUT, ">&W"); close W;
         exec $ARGV[0], "-pdinfo", "-aAll" if fork == 0; close STDOUT; wait; wait)",
-                    ZEB_ZEBCLI};
-    options.env["ZEBSIM_SCENARIO"] = fs::path(ZEB_SCENARIO_DIR) / "maximum_fill.json";
+                    paths::zebcli};
+    options.env["ZEBSIM_SCENARIO"] = fs::path(paths::scenarioDir) / "maximum_fill.json";
     const auto result = box.run(options);
-    EXPECT_TRUE(sameText(result.out, readFile(fs::path(ZEB_EXPECTED_DIR) / "maximum_fill/pdinfo.txt")));
+    EXPECT_TRUE(sameText(result.out, readFile(fs::path(paths::expectedDir) / "maximum_fill/pdinfo.txt")));
 }
 
 TEST_F(CommandLog, LostOutputIsRecordedAndChangesNoStatus) {

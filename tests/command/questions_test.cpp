@@ -1,5 +1,6 @@
 // Questions to the operator on a terminal and on a pipe: which answers count, and what becomes of the terminal's mode.
 #include "tests/support/operation_case.h"
+#include "tests/support/paths.h"
 
 #include <gmock/gmock.h>
 
@@ -111,9 +112,9 @@ RunOptions shellOnTerminal(const std::string& script) {
 
 TEST_F(Questions, ASignalThatEndsTheRunPutsTheTerminalBack) {
     for (const std::string signal : {"TERM", "INT", "HUP", "QUIT"}) {
-        const auto result =
-            box.run(shellOnTerminal("exec 3<&0; " ZEB_ZEBCLI " -ldpdinfo -aAll <&3 & sleep 0.3; stty -a; kill -" +
-                                    signal + " $!; wait $!; echo ended $?"));
+        const auto result = box.run(shellOnTerminal(std::string("exec 3<&0; ") + paths::zebcli +
+                                                    " -ldpdinfo -aAll <&3 & sleep 0.3; stty -a; kill -" + signal +
+                                                    " $!; wait $!; echo ended $?"));
         EXPECT_NE(result.out.npos, result.out.find(" -echo ")) << result;
         EXPECT_NE(result.out.npos, result.out.find(signal == "INT" || signal == "QUIT" ? "ended 0" : "ended 1"))
             << result;
@@ -122,7 +123,7 @@ TEST_F(Questions, ASignalThatEndsTheRunPutsTheTerminalBack) {
 }
 
 TEST_F(Questions, AJobInTheBackgroundIsNotStopped) {
-    auto options = shellOnTerminal("set -m; " ZEB_ZEBCLI " -v > report & wait; cat report");
+    auto options = shellOnTerminal(std::string("set -m; ") + paths::zebcli + " -v > report & wait; cat report");
     const auto result = box.run(options);
     EXPECT_EQ(box.run({"-v"}).out, result.out);
     EXPECT_TRUE(sameMode(result.terminalBefore, result.terminalAfter));
@@ -137,7 +138,7 @@ TEST_F(Questions, AnAnswerIsWaitedForAndTakenInPieces) {
         R"(use Fcntl; pipe(R, W); unless (fork) { close R; for ("y", "\n") { select(undef, undef, undef, 0.3); syswrite W, $_ } exit }
         close W; fcntl(R, F_SETFL, fcntl(R, F_GETFL, 0) | O_NONBLOCK); open(STDIN, "<&R");
         exec $ARGV[0], "-ctrlautorbld", "-dsbl", "-a0")",
-        ZEB_ZEBCLI};
+        paths::zebcli};
     EXPECT_EQ(std::string(kQuestion) + kChanged, box.run(options).out);
 }
 

@@ -1,5 +1,6 @@
 // Collection of the RAID log with stand-ins for the maker's tool on the search path.
 #include "tests/support/operation_case.h"
+#include "tests/support/paths.h"
 
 #include <gmock/gmock.h>
 
@@ -96,7 +97,7 @@ TEST_F(RaidLog, CallerMayHaveLeftTheEndOfChildrenIgnored) {
     installTool("MegaCli64");
     auto options = optionsFor("", "");
     options.program = "/bin/sh";
-    options.args = {"-c", "trap '' CHLD; exec " ZEB_ZEBCLI " -log"};
+    options.args = {"-c", std::string("trap '' CHLD; exec ") + paths::zebcli + " -log"};
     EXPECT_EQ(kSucceeded, box.run(options).out);
 }
 

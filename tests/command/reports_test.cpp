@@ -4,6 +4,7 @@
 
 #include "tests/support/expected.h"
 #include "tests/support/operation_case.h"
+#include "tests/support/paths.h"
 
 namespace fs = std::filesystem;
 
@@ -14,7 +15,7 @@ constexpr char kBuiltIn[] = "built_in";
 
 std::vector<std::string> scenarios() {
     std::vector<std::string> names{kBuiltIn};
-    for (const auto& entry : fs::directory_iterator(ZEB_SCENARIO_DIR))
+    for (const auto& entry : fs::directory_iterator(paths::scenarioDir))
         names.push_back(entry.path().stem());
     std::ranges::sort(names);
     return names;
@@ -27,7 +28,7 @@ TEST_P(Reports, AreAsKept) {
         RunOptions options;
         options.args = words("-" + command + (command == "ldpdprog" ? "" : " -aAll"));
         if (GetParam() != kBuiltIn)
-            options.env["ZEBSIM_SCENARIO"] = fs::path(ZEB_SCENARIO_DIR) / (GetParam() + ".json");
+            options.env["ZEBSIM_SCENARIO"] = fs::path(paths::scenarioDir) / (GetParam() + ".json");
         const auto result = box.run(options);
         EXPECT_TRUE(matchesKept(GetParam() + "/" + command + ".txt", result.out));
         EXPECT_EQ("", result.err);

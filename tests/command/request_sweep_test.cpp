@@ -1,5 +1,6 @@
 // Fails every request that a command sends, one after the other, and looks at what is left behind.
 #include "tests/support/log_file.h"
+#include "tests/support/paths.h"
 #include "tests/support/sandbox.h"
 #include "tests/support/trace.h"
 
@@ -268,11 +269,9 @@ TEST_F(RequestSweep, OneKindOfFailureAtTheFirstRequestsOfEachType) {
 }
 
 TEST_F(RequestSweep, EveryKindOfFailureAtEveryRequestOfTheReleaseBuild) {
-#ifndef ZEB_RELEASE_DIR
-    GTEST_SKIP() << "no release build was named (ZEB_RELEASE_BUILD)";
-#else
-    EXPECT_GT(sweep(box, {ZEB_RELEASE_DIR "/zebcli", ZEB_RELEASE_DIR "/simulator", true}), 5000U);
-#endif
+    if (*paths::releaseZebcli == '\0')
+        GTEST_SKIP() << "no release build was named (ZEB_RELEASE_BUILD)";
+    EXPECT_GT(sweep(box, {paths::releaseZebcli, paths::releaseLibraryDir, true}), 5000U);
 }
 
 } // namespace

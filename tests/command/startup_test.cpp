@@ -7,6 +7,7 @@
 #include "tests/support/expected.h"
 #include "tests/support/log_file.h"
 #include "tests/support/operation_case.h"
+#include "tests/support/paths.h"
 
 namespace zebtest {
 namespace {
@@ -81,7 +82,7 @@ TEST_F(StartUp, RefusalsAreSaidLoggedAndLeaveNothingBehind) {
          noStart,
          {"!ERR dlerror = REASON", "!ERR No library could be loaded. Exiting"}},
         {"no entry point",
-         call({"-v"}, {{"LD_LIBRARY_PATH", ZEB_LIB_NO_ENTRY}}),
+         call({"-v"}, {{"LD_LIBRARY_PATH", paths::libNoEntryDir}}),
          noStart,
          {"!ERR Unable to get Entry Point address-ProcessLibCommand(). - error code - CODE"}},
         {"initialisation fails",

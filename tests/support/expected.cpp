@@ -1,4 +1,5 @@
 #include "tests/support/expected.h"
+#include "tests/support/paths.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -54,7 +55,7 @@ testing::AssertionResult sameText(std::string_view got, std::string_view wanted)
 }
 
 testing::AssertionResult matchesKept(const std::string& name, std::string_view got) {
-    return matchesFile(std::filesystem::path(ZEB_EXPECTED_DIR) / name, got);
+    return matchesFile(std::filesystem::path(paths::expectedDir) / name, got);
 }
 
 testing::AssertionResult matchesFile(const std::filesystem::path& path, std::string_view got) {

@@ -1,4 +1,5 @@
 #include "tests/support/sandbox.h"
+#include "tests/support/paths.h"
 
 #include <algorithm>
 #include <atomic>
@@ -135,7 +136,7 @@ std::vector<std::string> Sandbox::environment(const RunOptions& options) const {
     const std::string exitCode = "exitcode=" + std::to_string(kSanitizerExit);
     std::map<std::string, std::string> variables{
         {"PATH", bin().string() + ":/usr/sbin:/usr/bin:/sbin:/bin"},
-        {"LD_LIBRARY_PATH", options.libraryDir.value_or(ZEB_LIBRARY_DIR).string()},
+        {"LD_LIBRARY_PATH", options.libraryDir.value_or(paths::libraryDir).string()},
         {"LC_ALL", "C"},
         {"TZ", "UTC0"},
         {"ASAN_OPTIONS", exitCode + ":detect_leaks=1:allocator_may_return_null=1"},
@@ -162,7 +163,7 @@ RunResult Sandbox::run(const RunOptions& options) {
     std::string error = broken_;
     auto channels = error.empty() ? openChannels(options, error) : std::nullopt;
     if (channels) {
-        Launch what{options.program.empty() ? ZEB_ZEBCLI : options.program,
+        Launch what{options.program.empty() ? paths::zebcli : options.program,
                     {options.argv0},
                     environment(options),
                     work().string(),

@@ -1,0 +1,19 @@
+#include "tests/support/paths.h"
+
+namespace paths {
+
+const char* const zebcli = ZEB_ZEBCLI;
+const char* const libraryDir = ZEB_LIBRARY_DIR;
+const char* const expectedDir = ZEB_EXPECTED_DIR;
+const char* const scenarioDir = ZEB_SCENARIO_DIR;
+const char* const libNoEntryDir = ZEB_LIB_NO_ENTRY;
+const char* const failingCalls = ZEB_FAILING_CALLS;
+#ifdef ZEB_RELEASE_DIR
+const char* const releaseZebcli = ZEB_RELEASE_DIR "/zebcli";
+const char* const releaseLibraryDir = ZEB_RELEASE_DIR "/simulator";
+#else
+const char* const releaseZebcli = "";
+const char* const releaseLibraryDir = "";
+#endif
+
+} // namespace paths

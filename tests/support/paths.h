@@ -1,0 +1,16 @@
+// Where the build keeps what the tests run and compare with. One file knows, so that the tests themselves compile alike
+// in every build folder.
+#pragma once
+
+namespace paths {
+
+extern const char* const zebcli;
+extern const char* const libraryDir; ///< of the simulated library
+extern const char* const expectedDir;
+extern const char* const scenarioDir;
+extern const char* const libNoEntryDir; ///< of a library without the entry point
+extern const char* const failingCalls; ///< preloaded to let calls of the C library fail
+extern const char* const releaseZebcli; ///< of a release build; empty where there is none
+extern const char* const releaseLibraryDir;
+
+} // namespace paths

@@ -84,7 +84,8 @@ int CliCmdExecCacheBkup(int argc, char** argv, _AFCONT* /*conts*/, int contCount
     if (!readArguments(kOptions, argc, argv, contCount, options))
         return 1;
     for (const unsigned char contNo : selectedControllers(options.ctrls, contCount)) {
-        if (SLLearnCacheBkup(contNo) == kSlSuccess)
+        if (succeeded(SLLearnCacheBkup(contNo), {kCtrlSource, __func__}, "SLLearnCacheBkup error",
+                      onController(contNo)))
             CliLogging(kPrint, kCtrlSource, __LINE__,
                        "Information - Controller[%d] Learn cycle has been started.\n"
                        "Please confirm OS event log for the completion.\n",

@@ -128,6 +128,8 @@ int runOperation(const Operation& start, const Operation& stop, int argc, char**
         return 1;
     for (const unsigned char contNo : selectedControllers(options.ctrls, contCount)) {
         const SelectedLds lds = selectedLds(options.lds, {contNo, conts});
+        if (lds.count == 0)
+            sayNoLd(contNo);
         performOnController(options.has(kStart) ? start : stop, {contNo, conts}, lds.list());
     }
     return 0;

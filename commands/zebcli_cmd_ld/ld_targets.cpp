@@ -12,8 +12,6 @@ SelectedLds selectedLds(const LdList& listed, Controller ctrl) {
             IsExistLD(ctrl.contNo, number, ctrl.conts) != 0)
             selected.ldNo[selected.count++] = number;
     }
-    if (selected.count == 0)
-        sayNoLd(ctrl.contNo);
     return selected;
 }
 

@@ -26,7 +26,7 @@ struct SelectedLds {
     std::span<const unsigned char> list() const&& = delete; // it would outlive its numbers
 };
 
-/// The LDs that the list names and that the controller has; when there are none, says so.
+/// The LDs that the list names and that the controller has.
 SelectedLds selectedLds(const LdList& listed, Controller ctrl);
 
 /// Says that there is no such LD.

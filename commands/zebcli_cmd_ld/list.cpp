@@ -15,6 +15,8 @@
 #include "main/zebcli_cmd_com/text/vocabulary.h"
 
 #include <algorithm>
+#include <array>
+#include <optional>
 #include <span>
 
 namespace {
@@ -31,16 +33,43 @@ std::span<const _MR_ARRAY_PD> drivesOf(const _SL_ARRAY_INFO_T& group) {
     return {group.pd, std::min<std::size_t>(group.pdCount, std::size(group.pd))};
 }
 
-/// The records of the RAID group that holds the LD, from the one of its first span on. The scan ends at the first
-/// record without an LD; a group behind it is not found, and the answer is empty.
-std::span<const _SL_ARRAY_INFO_T> findGroup(const _AFCONT& cont, unsigned ldNo) {
-    const std::span<const _SL_ARRAY_INFO_T> groups(cont.arrayInfo);
-    for (std::size_t i = 0; i < groups.size() && groups[i].ldCount != 0; ++i) {
-        const auto lds = ldsOf(groups[i]);
-        if (std::find(lds.begin(), lds.end(), ldNo) != lds.end())
-            return groups.subspan(i);
+/// The group record of each array of the configuration, by array reference; null where there is no such array.
+using GroupRecords = std::array<const _SL_ARRAY_INFO_T*, kMaxArrays>;
+
+GroupRecords groupRecords(const _AFCONT& cont) {
+    GroupRecords records{};
+    for (const _MR_ARRAY& array : arraysOf(cont))
+        if (array.arrayRef < kMaxArrays)
+            records[array.arrayRef] = &cont.arrayInfo[array.arrayRef];
+    return records;
+}
+
+/// The record of the RAID group that holds the LD. A reference without an array is a gap. The scan ends at the first
+/// record without an LD; a group behind it is not found, and the answer is null.
+const _SL_ARRAY_INFO_T* findGroup(const GroupRecords& records, unsigned ldNo) {
+    for (const _SL_ARRAY_INFO_T* record : records) {
+        if (record == nullptr)
+            continue;
+        const auto lds = ldsOf(*record);
+        if (lds.empty() || std::find(lds.begin(), lds.end(), ldNo) != lds.end())
+            return lds.empty() ? nullptr : record;
     }
-    return {};
+    return nullptr;
+}
+
+/// The LD whose settings stand for the group: the one as many numbers behind the LD found as the group has further LDs,
+/// whichever group that is in; with LDs numbered in a row it is the group's last one. Deliberate. Where the controller
+/// has no such LD, the last of the group that it has.
+const _MR_LD_CONFIG& settingsOf(Controller ctrl, const _SL_ARRAY_INFO_T& group, unsigned foundLd) {
+    const auto exists = [&](unsigned ldNo) {
+        return ldNo < kMaxLds && IsExistLD(ctrl.contNo, static_cast<unsigned char>(ldNo), ctrl.conts) != 0;
+    };
+    const auto lds = ldsOf(group);
+    const unsigned behind = foundLd + static_cast<unsigned>(lds.size()) - 1U;
+    if (exists(behind))
+        return ctrl.ld(behind).config;
+    const auto last = std::find_if(lds.rbegin(), lds.rend(), exists);
+    return ctrl.ld(last != lds.rend() ? *last : foundLd).config;
 }
 
 double ldCapacity(Controller ctrl, const _MR_LD_CONFIG& ld) {
@@ -113,7 +142,7 @@ void addAssociatedLds(Report& report, Controller ctrl) {
 }
 
 /// Read and IO policy are those of the default cache policy on purpose.
-void addSettings(Report& report, const _MR_LD_PROPERTIES& properties) {
+void addSettings(Report& report, const _MR_LD_PROPERTIES& properties, bool softwareRaid) {
     const unsigned defaultPolicy = properties.defaultCachePolicy;
     report.add("\r\n%s\r\n", "### LD Settings Information ###");
     report.add("%s        : %s\r\n", "Disk Cache Policy",
@@ -121,7 +150,7 @@ void addSettings(Report& report, const _MR_LD_PROPERTIES& properties) {
     report.add("%s              : %s\r\n", "Read Policy",
                settingLabel(setitemReadPolicy, defaultPolicy & kReadPolicyMask));
     report.add("%s                : %s\r\n", "IO Policy", settingLabel(setitemIOPolicy, defaultPolicy & kIoPolicyMask));
-    if (IsSoftwareRAID() != 0)
+    if (softwareRaid)
         return;
     const unsigned current = properties.currentCachePolicy & kWritePolicyMask;
     const bool writesBack = current == kWriteBack || current == kAlwaysWriteBack;
@@ -150,50 +179,62 @@ void reportDrive(Report& report, Controller ctrl, const _SL_ARRAY_INFO_T& span, 
     report.emit();
 }
 
-void reportGroup(Report& report, Controller ctrl, std::span<const _SL_ARRAY_INFO_T> groups, unsigned foundLd,
-                 unsigned reportedLd) {
-    for (const std::uint8_t ldNo : ldsOf(groups.front()))
+void reportGroup(Report& report, Controller ctrl, const GroupRecords& records, const _SL_ARRAY_INFO_T& group,
+                 unsigned foundLd, bool softwareRaid) {
+    for (const std::uint8_t ldNo : ldsOf(group))
         if (ldNo < kMaxLds)
             addLdLine(report, ctrl, ">", ldNo);
-    static constexpr _MR_LD_CONFIG kAbsent{};
     const _MR_LD_CONFIG& found = ctrl.ld(foundLd).config;
-    const _MR_LD_CONFIG& reported = reportedLd < kMaxLds ? ctrl.ld(reportedLd).config : kAbsent;
+    const _MR_LD_CONFIG& reported = settingsOf(ctrl, group, foundLd);
     addGeneral(report, ctrl, found, reported);
     if (reported.cacheCade != 0)
         addAssociatedLds(report, ctrl);
-    addSettings(report, reported.properties);
+    addSettings(report, reported.properties, softwareRaid);
     report.emit();
     report.add("%s\r\n", "### PD Information ###");
-    const std::size_t spans = std::min<std::size_t>({found.spanDepth, kMaxSpans, groups.size()});
-    for (const _SL_ARRAY_INFO_T& span : groups.first(spans))
-        for (const _MR_ARRAY_PD& drive : drivesOf(span))
+    for (const _MR_SPAN& span : std::span(found.span).first(std::min<std::size_t>(found.spanDepth, kMaxSpans))) {
+        const _SL_ARRAY_INFO_T* record = span.arrayRef < kMaxArrays ? records[span.arrayRef] : nullptr;
+        if (record == nullptr)
+            continue;
+        for (const _MR_ARRAY_PD& drive : drivesOf(*record))
             if (drive.ref.deviceId != kNoDevice)
-                reportDrive(report, ctrl, span, drive.slotNo);
+                reportDrive(report, ctrl, *record, drive.slotNo);
+    }
 }
 
-/// Reports each group that holds a selected LD once. The settings shown are those of the LD that stands as many numbers
-/// behind the one found as the group has further LDs; with LDs numbered in a row that is the group's last one.
-/// Deliberate.
-void reportController(Controller ctrl, bool withSummary, const LdList& listed) {
+/// What is asked once per run, when the first group is reported.
+class SoftwareRaidAnswer {
+  public:
+    bool ask() {
+        if (!answer_)
+            answer_ = IsSoftwareRAID() != 0;
+        return *answer_;
+    }
+
+  private:
+    std::optional<bool> answer_;
+};
+
+/// Reports each group that holds a selected LD once, whatever the numbers of its LDs.
+void reportController(Controller ctrl, bool withSummary, const LdList& listed, SoftwareRaidAnswer& software) {
     SetSupportWritePolicy(ctrl.contNo, ctrl.conts);
     SetSupportStripeSize(ctrl.contNo, ctrl.conts);
     CliLogging(kPrint, kLdSource, __LINE__, "\nRAID Controller: %d\n", ctrl.contNo);
     const SelectedLds selected = selectedLds(listed, ctrl);
     if (selected.count == 0)
-        return;
+        sayNoLd(ctrl.contNo);
+    const GroupRecords records = groupRecords(ctrl.cont());
+    std::array<bool, 256> done{}; // by LD number: the LDs of the groups that were reported
     Report report;
-    for (unsigned ldNo = 0; ldNo < kMaxLds; ++ldNo) {
-        const auto list = selected.list();
-        const auto groups = std::find(list.begin(), list.end(), ldNo) != list.end()
-                                ? findGroup(ctrl.cont(), ldNo)
-                                : std::span<const _SL_ARRAY_INFO_T>{};
-        if (groups.empty())
+    for (const unsigned char ldNo : selected.list()) {
+        const _SL_ARRAY_INFO_T* group = done[ldNo] ? nullptr : findGroup(records, ldNo);
+        if (group == nullptr)
             continue;
         if (withSummary)
-            reportSummary(report, ctrl, groups.front(), ctrl.ld(ldNo).config);
-        const unsigned foundLd = ldNo;
-        ldNo += static_cast<unsigned>(ldsOf(groups.front()).size()) - 1U;
-        reportGroup(report, ctrl, groups, foundLd, ldNo);
+            reportSummary(report, ctrl, *group, ctrl.ld(ldNo).config);
+        reportGroup(report, ctrl, records, *group, ldNo, software.ask());
+        for (const std::uint8_t member : ldsOf(*group))
+            done[member] = true;
     }
     report.emit();
 }
@@ -205,7 +246,8 @@ int CliCmdExecLDInfo(int argc, char** argv, _AFCONT* conts, int contCount) {
     Options options;
     if (!readArguments(kOptions, argc, argv, contCount, options))
         return 1;
+    SoftwareRaidAnswer software;
     for (const unsigned char contNo : selectedControllers(options.ctrls, contCount))
-        reportController({contNo, conts}, !options.ldGiven, options.lds);
+        reportController({contNo, conts}, !options.ldGiven, options.lds, software);
     return 0;
 }

@@ -1,19 +1,15 @@
 // State and progress of every LD and every PD slot. Printed with plain standard output.
 #include "commands/handlers.h"
 
-#include "commands/zebcli_cmd_ld/creation/drive_table.h"
+#include "commands/zebcli_cmd_ld/slot_table.h"
 #include "log/raidctl.h"
 #include "main/zebcli_cmd_com/base/source.h"
 #include "main/zebcli_cmd_com/base/string_shims.h"
-#include "main/zebcli_cmd_com/base/trace.h"
 #include "main/zebcli_cmd_com/model/lookup.h"
 #include "main/zebcli_cmd_com/text/raid_group_words.h"
 #include "main/zebcli_cmd_com/text/vocabulary.h"
-#include "storelib/common/StoreLib/enclosure.h"
 #include "storelib/dll_mod.h"
 
-#include <algorithm>
-#include <array>
 #include <cstdio>
 
 namespace {
@@ -49,13 +45,11 @@ void printLds(Controller ctrl) {
     }
 }
 
-void printRow(unsigned slot, const char* ld, const char* state, const char* type, const char* progress) {
-    char name[8];
-    wsprintf(name, "PD%d", static_cast<int>(slot));
+void printRow(const char* name, const char* ld, const char* state, const char* type, const char* progress) {
     std::printf("%-6s %-17s %-18s %-4s %-28s\r\n", name, ld, state, type, progress);
 }
 
-void printPd(Controller ctrl, unsigned char slotNo) {
+void printPd(const char* name, Controller ctrl, unsigned char slotNo) {
     const _MR_PD_INFO& pd = ctrl.pd(slotNo);
     char ld[kTextSize];
     mkLDAssignStr(ctrl.contNo, ctrl.conts, slotNo, ld);
@@ -66,26 +60,20 @@ void printPd(Controller ctrl, unsigned char slotNo) {
     mkMediaTypeStr(&pd, type);
     char progress[kTextSize];
     mkPDProgressStr(&pd.progress, progress);
-    printRow(slotNo, ld, state, type, progress);
+    printRow(name, ld, state, type, progress);
 }
 
 void printPds(Controller ctrl) {
-    std::uint16_t slots = 0;
-    if (!succeeded(SLGetSlotNum(ctrl.contNo, &slots), {kLdSource, "CliCmdExecLDPDProg"}, "SLGetSlotNum error",
-                   onController(ctrl.contNo)))
-        return;
-    std::array<unsigned char, kMaxSlots> present{};
-    GetDeviceFoundList(ctrl.contNo, ctrl.conts, present);
-    for (unsigned slot = 0; slot < std::min<unsigned>(slots, kMaxSlots); ++slot) {
-        if (slot == 0)
+    forEachSlot({kLdSource, "CliCmdExecLDPDProg"}, ctrl, [&](unsigned char slotNo, const char* name, bool present) {
+        if (slotNo == 0)
             // The first line ends in "\n" alone, the second in "\r\n".
             std::printf("\r\nPD No  LD No             State              Type Progress\n"
                         "-----------------------------------------------------------------------------\r\n");
-        if (present[slot] != 0)
-            printPd(ctrl, static_cast<unsigned char>(slot));
+        if (present)
+            printPd(name, ctrl, slotNo);
         else
-            printRow(slot, kNone, kNone, kNone, kNone);
-    }
+            printRow(name, kNone, kNone, kNone, kNone);
+    });
 }
 
 } // namespace

@@ -17,6 +17,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <optional>
 #include <utility>
 
 namespace {
@@ -105,120 +106,131 @@ bool controllerSupports(const Options& options, Controller ctrl) {
            !(options.has(kWbcb) && IsCacheBkupPresent(ctrl.conts, ctrl.contNo) == 0);
 }
 
-/// The checks and the questions before the first change. Returns false when the command is over.
-bool mayChange(const Options& options, std::span<const unsigned char> controllers, const _AFCONT* conts) {
-    if (options.has(kWriteGroup) && IsSoftwareRAID() != 0) {
-        CliLogging(kPrintAndLog, kLdSource, __LINE__,
-                   "Error - This command is not supported at the current configuration.");
-        return false;
-    }
-    for (const unsigned char contNo : controllers)
-        if (!controllerSupports(options, {contNo, conts})) {
-            CliLogging(kPrintAndLog, kLdSource, __LINE__,
-                       "Error - The specified parameter is not supported at the current configuration.");
-            return false;
-        }
-    return !options.has(kWb) || std::all_of(controllers.begin(), controllers.end(), [&](unsigned char contNo) {
-        return confirmed(IsCacheBkupPresent(conts, contNo) != 0 ? kAskWriteBackWithBackup : kAskWriteBackWithoutBackup);
+/// Why the settings cannot be changed, null when they can.
+const char* obstacle(const Options& options, std::span<const unsigned char> controllers, const _AFCONT* conts) {
+    if (options.has(kWriteGroup) && IsSoftwareRAID() != 0)
+        return "Error - This command is not supported at the current configuration.";
+    const bool supported = std::all_of(controllers.begin(), controllers.end(), [&](unsigned char contNo) {
+        return controllerSupports(options, {contNo, conts});
+    });
+    return supported ? nullptr : "Error - The specified parameter is not supported at the current configuration.";
+}
+
+/// Asks for each controller that has a selected LD whether to write back always. Returns false at the first no.
+bool askAlwaysWriteBack(const Options& options, std::span<const unsigned char> controllers, const _AFCONT* conts) {
+    return std::all_of(controllers.begin(), controllers.end(), [&](unsigned char contNo) {
+        return selectedLds(options.lds, {contNo, conts}).count == 0 ||
+               confirmed(IsCacheBkupPresent(conts, contNo) != 0 ? kAskWriteBackWithBackup : kAskWriteBackWithoutBackup);
     });
 }
 
 /// Reads an LD afresh; a failure is traced.
-bool readLd(unsigned char contNo, unsigned char ldNo, _MR_LD_INFO& ld) {
-    return succeeded(SLGetLDInfo(contNo, ldNo, &ld), kHandler, "SLGetLDInfo error", onLdWithoutCommas(contNo, ldNo));
+bool readLd(Controller ctrl, unsigned char ldNo, _MR_LD_INFO& ld) {
+    return succeeded(SLGetLDInfo(ctrl.contNo, ldNo, &ld), kHandler, "SLGetLDInfo error",
+                     onLdWithoutCommas(ctrl.contNo, ldNo));
 }
 
-bool readGroup(unsigned char contNo, std::uint16_t arrayRef, _SL_ARRAY_INFO_T& group) {
-    return succeeded(SLGetArrayInfo(contNo, arrayRef, &group), kHandler, "SLGetArrayInfo error",
-                     onArray(contNo, arrayRef));
+/// Reads the group of an LD afresh, that of its first span; a failure is traced.
+bool readGroup(Controller ctrl, const _MR_LD_CONFIG& ld, _SL_ARRAY_INFO_T& group) {
+    const std::uint16_t arrayRef = ld.span[0].arrayRef;
+    return succeeded(SLGetArrayInfo(ctrl.contNo, arrayRef, &group), kHandler, "SLGetArrayInfo error",
+                     onArray(ctrl.contNo, arrayRef));
 }
 
-/// The change of the LDs of one controller: what is done so far, and the LD that failed.
-class ControllerChange {
+/// Says once per run that a change reaches further LDs than the selected ones.
+class GroupNotice {
   public:
-    ControllerChange(const Options& options, unsigned char contNo, const _AFCONT* conts, bool& saidGroup)
-        : options_(options), contNo_(contNo), conts_(conts), saidGroup_(saidGroup) {}
-
-    /// Changes the LD and, for anything but its name, the others of its group. Returns false at the first failure,
-    /// which a group is that does not hold the LD.
-    bool change(unsigned char ldNo) {
-        _MR_LD_INFO ld{};
-        _SL_ARRAY_INFO_T group{};
-        failedLd_ = ldNo;
-        if (!readLd(contNo_, ldNo, ld) || !readGroup(contNo_, ld.config.span[0].arrayRef, group))
-            return false;
-        if (ld.config.cacheCade != 0)
-            return true;
-        const Policies policies = makePolicies(options_, ld.config.properties);
-        if (options_.bits == kName)
-            return write(ldNo, policies, true);
-        const std::span lds(group.ldTargetId, std::min<std::size_t>(group.ldCount, std::size(group.ldTargetId)));
-        if (lds.size() > 1)
-            sayGroup();
-        // The record is believed only where the controller lists the LD, and once.
-        auto isMember = [&, met = std::array<bool, 256>{}](unsigned char member) mutable {
-            return IsExistLD(contNo_, member, conts_) != 0 && !std::exchange(met[member], true);
-        };
-        return std::find(lds.begin(), lds.end(), ldNo) != lds.end() &&
-               std::all_of(lds.begin(), lds.end(), [&](unsigned char member) {
-                   return !isMember(member) || write(member, policies, member == ldNo && options_.has(kName));
-               });
-    }
-
-    void sayDone() const {
-        if (!done_.empty())
-            CliLogging(kPrint, kLdSource, __LINE__,
-                       "Information - Controller[%d] LD(Logical Drive) Settings have been changed on "
-                       "LD(Logical Drive) %s.",
-                       contNo_, done_.c_str());
-    }
-
-    void sayFailed() const {
-        CliLogging(kPrintAndLog, kLdSource, __LINE__,
-                   "Error - Controller[%d] Failed to change LD(Logical Drive) %d Settings.", contNo_, failedLd_);
+    void say() {
+        if (!std::exchange(said_, true))
+            CliLogging(kPrintAndLog, kLdSource, __LINE__,
+                       "Information - Apply the same settings for all the LDs(Logical Drives) of the same RAID Group.");
     }
 
   private:
-    void sayGroup() {
-        if (!saidGroup_)
-            CliLogging(kPrintAndLog, kLdSource, __LINE__,
-                       "Information - Apply the same settings for all the LDs(Logical Drives) of the same RAID Group.");
-        saidGroup_ = true;
-    }
-
-    /// Writes one LD. What is not set goes back as it was read, the sequence number included.
-    bool write(unsigned char ldNo, const Policies& policies, bool named) {
-        failedLd_ = ldNo;
-        _MR_LD_INFO ld{};
-        if (!readLd(contNo_, ldNo, ld))
-            return false;
-        _MR_LD_PROPERTIES properties = ld.config.properties;
-        properties.ref.targetId = ldNo;
-        if (named) {
-            std::fill(std::begin(properties.name), std::end(properties.name), '\0');
-            std::copy_n(options_.value, std::min(std::strlen(options_.value), sizeof properties.name - 1),
-                        properties.name);
-        }
-        properties.defaultCachePolicy = policies.cache;
-        properties.accessPolicy = policies.access;
-        properties.diskCachePolicy = policies.diskCache;
-        if (!succeeded(SLSetLDProperties(contNo_, &properties), kHandler, "SLSetLDProperties error",
-                       onLd(contNo_, ldNo)))
-            return false;
-        if (!written_[ldNo])
-            done_.add(ldNo);
-        written_[ldNo] = true;
-        return true;
-    }
-
-    const Options& options_;
-    unsigned char contNo_;
-    const _AFCONT* conts_;
-    bool& saidGroup_;
-    unsigned char failedLd_ = 0;
-    std::array<bool, 256> written_{}; // by LD number: an LD of a group is written once for each selected LD of it
-    NumberList done_;
+    bool said_ = false;
 };
+
+/// The change of the selected LDs of one controller.
+struct Change {
+    const Options& options;
+    Controller ctrl;
+    std::span<const unsigned char> selected;
+    NumberList done{};
+    std::array<bool, 256> handled{}; ///< by LD number: the LDs of the groups that were changed
+};
+
+using FailedLd = std::optional<unsigned char>;
+
+/// Writes one LD: the policies, and the name that was given where the LD is a selected one. What is not set goes back
+/// as it was read, the sequence number included.
+bool writeLd(Change& change, unsigned char ldNo, const Policies& policies) {
+    _MR_LD_INFO ld{};
+    if (!readLd(change.ctrl, ldNo, ld))
+        return false;
+    _MR_LD_PROPERTIES properties = ld.config.properties;
+    properties.ref.targetId = ldNo;
+    const auto selected = std::find(change.selected.begin(), change.selected.end(), ldNo);
+    if (change.options.has(kName) && selected != change.selected.end()) {
+        std::fill(std::begin(properties.name), std::end(properties.name), '\0');
+        std::copy_n(change.options.value, std::strlen(change.options.value), properties.name);
+    }
+    properties.defaultCachePolicy = policies.cache;
+    properties.accessPolicy = policies.access;
+    properties.diskCachePolicy = policies.diskCache;
+    if (!succeeded(SLSetLDProperties(change.ctrl.contNo, &properties), kHandler, "SLSetLDProperties error",
+                   onLd(change.ctrl.contNo, ldNo)))
+        return false;
+    change.done.add(ldNo);
+    change.handled[ldNo] = true;
+    return true;
+}
+
+/// Writes each LD of a group that the controller lists, once, in the group's order. Returns the LD that failed; that is
+/// the selected one where the group does not hold it.
+FailedLd writeGroup(Change& change, const _SL_ARRAY_INFO_T& group, unsigned char selected, const Policies& policies) {
+    const std::span lds(group.ldTargetId, std::min<std::size_t>(group.ldCount, std::size(group.ldTargetId)));
+    if (std::find(lds.begin(), lds.end(), selected) == lds.end())
+        return selected;
+    for (const unsigned char ldNo : lds)
+        if (!change.handled[ldNo] && IsExistLD(change.ctrl.contNo, ldNo, change.ctrl.conts) != 0 &&
+            !writeLd(change, ldNo, policies))
+            return ldNo;
+    return {};
+}
+
+/// Changes the group of a selected LD, or with a name alone only the LD itself; a CacheCade LD is left as it is.
+/// Returns the LD that failed.
+FailedLd changeGroup(Change& change, unsigned char ldNo, GroupNotice& notice) {
+    _MR_LD_INFO ld{};
+    _SL_ARRAY_INFO_T group{};
+    if (!readLd(change.ctrl, ldNo, ld) || !readGroup(change.ctrl, ld.config, group))
+        return ldNo;
+    if (ld.config.cacheCade != 0)
+        return {};
+    const Policies policies = makePolicies(change.options, ld.config.properties);
+    if (change.options.bits == kName)
+        return writeLd(change, ldNo, policies) ? FailedLd{} : ldNo;
+    if (group.ldCount > 1)
+        notice.say();
+    return writeGroup(change, group, ldNo, policies);
+}
+
+/// Changes each group that has a selected LD once. Returns the LD that failed.
+FailedLd changeLds(Change& change, GroupNotice& notice) {
+    for (const unsigned char ldNo : change.selected)
+        if (!change.handled[ldNo])
+            if (const FailedLd failed = changeGroup(change, ldNo, notice))
+                return failed;
+    return {};
+}
+
+void sayDone(unsigned char contNo, const NumberList& lds) {
+    if (!lds.empty())
+        CliLogging(kPrint, kLdSource, __LINE__,
+                   "Information - Controller[%d] LD(Logical Drive) Settings have been changed on "
+                   "LD(Logical Drive) %s.",
+                   contNo, lds.c_str());
+}
 
 } // namespace
 
@@ -228,17 +240,24 @@ int CliCmdExecLDSetProp(int argc, char** argv, _AFCONT* conts, int contCount) {
     if (!readArguments(kOptions, argc, argv, contCount, options))
         return 1;
     const auto controllers = selectedControllers(options.ctrls, contCount);
-    if (!mayChange(options, controllers, conts))
+    if (const char* text = obstacle(options, controllers, conts); text != nullptr) {
+        CliLogging(kPrintAndLog, kLdSource, __LINE__, "%s", text);
         return 1;
-    bool saidGroup = false;
+    }
+    if (options.has(kWb) && !askAlwaysWriteBack(options, controllers, conts))
+        return 1;
+    GroupNotice notice;
     for (const unsigned char contNo : controllers) {
-        const SelectedLds lds = selectedLds(options.lds, {contNo, conts});
-        ControllerChange change(options, contNo, conts, saidGroup);
-        const bool changed =
-            std::all_of(lds.list().begin(), lds.list().end(), [&](unsigned char ldNo) { return change.change(ldNo); });
-        change.sayDone();
-        if (!changed) {
-            change.sayFailed();
+        const Controller ctrl{contNo, conts};
+        const SelectedLds lds = selectedLds(options.lds, ctrl);
+        if (lds.count == 0)
+            sayNoLd(contNo);
+        Change change{.options = options, .ctrl = ctrl, .selected = lds.list()};
+        const FailedLd failed = changeLds(change, notice);
+        sayDone(contNo, change.done);
+        if (failed) {
+            CliLogging(kPrintAndLog, kLdSource, __LINE__,
+                       "Error - Controller[%d] Failed to change LD(Logical Drive) %d Settings.", contNo, *failed);
             return 1;
         }
     }

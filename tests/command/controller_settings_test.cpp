@@ -236,7 +236,8 @@ TEST_F(ControllerSettings, LearnCycle) {
     const Line started = said("Information - Controller[1] Learn cycle has been started.\nPlease confirm OS event log "
                               "for the completion.\n");
     check(two, {.args = "-cblearn -aAll",
-                .lines = sent("SLLearnCacheBkup", 0x22) + failed + started,
+                .lines = sent("SLLearnCacheBkup", 0x22) +
+                         traced("!ERR func=CliCmdExecCacheBkup: SLLearnCacheBkup error, contNo=0") + failed + started,
                 .requests = kFirst.request("05/03", 0, " -> 0x22") + kSecond.request("05/03", 0)});
     check(two, {.args = "-cblearn -a1", .lines = {started}, .requests = kSecond.request("05/03", 0)});
 }

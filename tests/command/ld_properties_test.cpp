@@ -128,6 +128,19 @@ TEST_F(LdProperties, WholeGroupGetsThePoliciesOfTheSelectedLd) {
               {.args = "-ldsetprop -ra -L2 -a0", .requests = select(kFirst, 2, 1)}});
 }
 
+TEST_F(LdProperties, AGroupIsHandledOncePerRun) {
+    const std::string five = select(kFirst, 5, 20) + write(kFirst, 5, {"FIVE", 0x05, 0, 2, 0x01}) +
+                             write(kFirst, 6, {"SIX", 0x05, 0, 2, 0x01});
+    checkAll({{.args = "-ldsetprop -ra -L6,0,5,1 -a0",
+               .lines = kGroup + changed(0, "0,1,5,6"),
+               .requests = select(kFirst, 0, 0) + write(kFirst, 0, {"ZERO", 0x15, 0, 2, 0x35, 1, 3}) +
+                           write(kFirst, 1, {"ONE", 0x15, 0, 2, 0x01}) + five},
+              {.args = "-ldsetprop -ra -name New -L1,0 -a0",
+               .lines = kGroup + changed(0, "0,1"),
+               .requests = select(kFirst, 0, 0) + write(kFirst, 0, {"New", 0x15, 0, 2, 0x35, 1, 3}) +
+                           write(kFirst, 1, {"New", 0x15, 0, 2, 0x01})}});
+}
+
 TEST_F(LdProperties, NameAloneWritesTheSelectedLdOnly) {
     checkAll({{.args = "-ldsetprop -name ABCdefghijklmno -L6 -a0",
                .lines = changed(0, "6"),
@@ -197,10 +210,10 @@ TEST_F(LdProperties, AlwaysWriteBackAsksBeforeTheFirstChange) {
                            write(kSecond, 1, {"B", 0x11, 0, 2, 0}),
                .input = "Y\n"},
               {.args = "-ldsetprop -wb -L4 -aAll",
-               .lines = kAskWithBackup + kAskWithBackup + kAskWithoutBackup + changed(0, "4") +
+               .lines = kAskWithBackup + kAskWithBackup + changed(0, "4") +
                         error("Error - Controller[1] The specified Logical Drive doesn't exist."),
                .requests = software() + backed,
-               .input = "yy\ny\ny\n"}});
+               .input = "yy\ny\n"}});
 }
 
 TEST_F(LdProperties, ChecksStandBeforeQuestionAndChange) {
@@ -239,10 +252,12 @@ TEST_F(LdProperties, ArgumentsAreRefused) {
     checkTokens({"-wt -wb -> -wb", "-wt -WT -> -WT", "-ra -nora -> -nora", "-direct -cached -> -cached",
                  "-rw -ro -> -ro", "-blocked -rw -> -rw", "-unchanged -endskcache -> -endskcache",
                  "-disdskcache -L0 -unchanged -> -unchanged", "-name a -name b -> -name", "-ra -name -> -name",
-                 "-ra -x -> -x", "-ra -L0 -L1 -> -L1", "-ra -a0 -a1 -> -a1", "-ra -L100 -> -L100", "-ra -a5 -> -a5"},
+                 "-ra -x -> -x", "-ra -L0 -L1 -> -L1", "-ra -a0 -a1 -> -a1", "-ra -L100 -> -L100", "-ra -a5 -> -a5",
+                 "-L0 -a0 -> -L0"},
                 "-ldsetprop ");
     checkAll({{.args = "-ldsetprop -ra -a3", .lines = noController(3)},
-              {.args = "-ldsetprop -ra -L1", .lines = {manyControllers()}}});
+              {.args = "-ldsetprop -ra -L1", .lines = {manyControllers()}},
+              {.args = "-ldsetprop", .lines = {badToken("(null)")}}});
 }
 
 } // namespace

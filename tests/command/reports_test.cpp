@@ -1,6 +1,7 @@
 // Every report of every scenario, compared whole with a kept file; and reports that are larger than their buffer.
 #include <algorithm>
 #include <filesystem>
+#include <sstream>
 
 #include "tests/support/expected.h"
 #include "tests/support/operation_case.h"
@@ -40,11 +41,6 @@ TEST_P(Reports, AreAsKept) {
 INSTANTIATE_TEST_SUITE_P(Scenarios, Reports, testing::ValuesIn(scenarios()),
                          [](const auto& scenario) { return scenario.param; });
 
-/// Where a block is emitted early, the newline behind it is extra.
-std::string withoutEmptyLines(const std::string& text) {
-    return masked(text, {{"\n\n+", "\n"}});
-}
-
 class LargeReports : public OperationTest {};
 
 TEST_F(LargeReports, EnclosureWith254Elements) {
@@ -71,7 +67,7 @@ TEST_F(LargeReports, EnclosureWith254Elements) {
     EXPECT_GT(sensors.size(), 10000U);
     const auto start = report.find("Sensor  ");
     ASSERT_NE(std::string::npos, start) << result;
-    EXPECT_TRUE(sameText(withoutEmptyLines(report.substr(start)), sensors));
+    EXPECT_TRUE(sameText(report.substr(start), sensors + "\n"));
     EXPECT_NE(std::string::npos, report.find("Number of Temperature Sensors : 75\r\n"
                                              "Number of Fans                : 52\r\n"
                                              "Number of Power Supplies      : 51\r\n"
@@ -94,11 +90,57 @@ TEST_F(LargeReports, GroupOf64Lds) {
         lds + "]}]}";
     const auto report = box.run(optionsFor(scenario, "-ldpdinfo")).out;
     EXPECT_NE(std::string::npos, report.find("     # of LD             : 64\r\n")) << report;
-    EXPECT_NE(std::string::npos, withoutEmptyLines(report).find("GB\n" + lines + "### General Information\t###\r\n"));
+    EXPECT_NE(std::string::npos, report.find("GB\n" + lines + "### General Information\t###\r\n"));
     for (const char* drive : {"\n>>PD0 (", "\n>>PD1 ("})
         EXPECT_NE(std::string::npos, report.find(drive + numbers + ")\r\nStatus                   : ONLINE\r\n"));
     EXPECT_NE(std::string::npos, box.run(optionsFor(scenario, "-pdinfo")).out.find("\r\n\r\nPD0(" + numbers + ")\r\n"));
     EXPECT_NE(std::string::npos, box.run(optionsFor(scenario, "-ldpdprog -a0")).out.find("\nLD63    OPTIMAL"));
+}
+
+/// Of an LD report what tells its groups apart: "RG0 LD0 LD3 Read Only PD0 PD1".
+std::string groupsIn(const std::string& report) {
+    std::istringstream lines(report);
+    std::string groups;
+    for (std::string line; std::getline(lines, line);)
+        if (line.starts_with("RG No.") || line.starts_with("Access Policy"))
+            groups += ' ' + masked(line, {{"^[^:]*: ", ""}, {"\r", ""}});
+        else if (line.starts_with(">"))
+            groups += ' ' + masked(line, {{"^>+([A-Z]+[0-9]+).*", "$1"}, {"\r", ""}});
+    return groups;
+}
+
+TEST_F(LargeReports, EachGroupOnceWhateverTheNumbersOfItsLds) {
+    const auto controller = [](const std::string& arrays, const std::string& lds) {
+        return R"({"controllers":[{"drives":[{"repeat":8}],"arrays":[)" + arrays + R"(],"lds":[)" + lds + "]}]}";
+    };
+    const auto ld = [](const char* number, const char* array, const char* access, const char* start = "0") {
+        return R"({"level":1,"id":)" + std::string(number) + R"(,"accessPolicy":")" + access +
+               R"(","spans":[{"blocks":1000000,"array":)" + array + R"(,"startBlock":)" + start + "}]}";
+    };
+    const std::string arrays = R"({"drives":[0,1]},{"drives":[2,3]})";
+    const std::string apart = controller(arrays, ld("0", "0", "rw") + ',' + ld("3", "0", "ro", "1000000"));
+    const std::string between =
+        controller(arrays, ld("0", "0", "rw") + ',' + ld("1", "1", "ro") + ',' + ld("2", "0", "blocked", "1000000"));
+    const std::string gap =
+        controller(R"({"drives":[0,1]},{"ref":2,"drives":[2,3]})", ld("0", "0", "rw") + ',' + ld("1", "2", "ro"));
+    const std::string spans = controller(arrays + R"(,{"drives":[4,5]})",
+                                         R"({"level":10,"spans":[{"array":0},{"array":2}]},)" + ld("1", "1", "ro"));
+    const struct {
+        const std::string& scenario;
+        const char* args;
+        const char* groups;
+    } cases[] = {
+        {apart, "", " LD0 LD3 RG0 Read Only PD0 PD1"}, // there is no LD1: the group's last
+        {apart, " -L3", " LD0 LD3 RG0 Read Only PD0 PD1"},
+        {between, "", " LD0 LD2 RG0 Read Only PD0 PD1 LD1 RG1 Read Only PD2 PD3"}, // the settings of LD1 for both
+        {between, " -L2,1", " LD1 RG1 Read Only PD2 PD3 LD0 LD2 RG0 Blocked PD0 PD1"},
+        {gap, "", " LD0 RG0 Read Write PD0 PD1 LD1 RG1 Read Only PD2 PD3"},
+        {spans, "", " LD0 RG0 Read Write PD0 PD1 PD4 PD5 LD1 RG1 Read Only PD2 PD3"},
+    };
+    for (const auto& c : cases) {
+        const auto result = box.run(optionsFor(c.scenario, std::string("-ldpdinfo") + c.args));
+        EXPECT_EQ(c.groups, groupsIn(result.out)) << result;
+    }
 }
 
 /// The lines that tell of the group, and its drives; the settings of an LD are left out.

@@ -74,7 +74,7 @@ TEST(UnitMessage, TraceAndHistoryAreCut) {
 TEST(UnitMessage, ReportLosesNoLine) {
     for (const unsigned width : {1U, 40U, 4999U, 9997U}) {
         std::string wanted;
-        std::string got = printed([&] {
+        const std::string got = printed([&] {
             Report report;
             for (unsigned i = 0; i < 60000 / width; ++i) {
                 const std::string line(width, static_cast<char>('a' + i % 26));
@@ -84,12 +84,10 @@ TEST(UnitMessage, ReportLosesNoLine) {
             report.emit();
             report.emit(); // nothing is left
         });
-        got.erase(std::unique(got.begin(), got.end(), [](char a, char b) { return a == '\n' && b == '\n'; }),
-                  got.end());
-        EXPECT_TRUE(sameText(got, wanted)) << width;
+        EXPECT_TRUE(sameText(got, wanted + "\n")) << width << ": pieces without a newline between them";
     }
     const std::string longest(20000, 'x');
-    EXPECT_EQ("1\n\n" + longest.substr(0, 9998) + "\n2\n\n", printed([&] {
+    EXPECT_EQ("1\n" + longest.substr(0, 9998) + "2\n\n", printed([&] {
                   Report report;
                   report.add("1\n");
                   report.add("%s", longest.c_str());

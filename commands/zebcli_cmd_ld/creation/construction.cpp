@@ -61,7 +61,8 @@ void listMarked(const LevelMarks& marks, _raidConstructInfoT& out) {
 
 void sortByPriority(const LevelOrder& order, _raidConstructInfoT& list) {
     const auto rank = [&](ZEB_RAID_LVL level) { return std::find(order.begin(), order.end(), level); };
-    std::sort(list.level, list.level + list.count, [&](ZEB_RAID_LVL a, ZEB_RAID_LVL b) { return rank(a) < rank(b); });
+    std::sort(list.level, list.level + std::min<std::size_t>(list.count, std::size(list.level)),
+              [&](ZEB_RAID_LVL a, ZEB_RAID_LVL b) { return rank(a) < rank(b); });
 }
 
 /// Whether any unconfigured drive differs from the first in what is asked of it.
@@ -138,8 +139,10 @@ int isRaidConstructOk(unsigned drives, ZEB_RAID_LVL level, const _AFCONT* conts,
 
 void getRaidConstructInfo(unsigned mode, unsigned drives, _raidConstructInfoT& out, const _AFCONT* conts,
                           unsigned char contNo) {
-    if (drives == 0)
+    if (drives == 0) {
+        out.count = 0;
         return;
+    }
     LevelMarks marks{};
     const unsigned beyondMode = drives + 1 > mode ? drives + 1 - mode : 0;
     const unsigned last = std::min(mode == 1 ? drives : beyondMode, kPatternRows);

@@ -1,24 +1,19 @@
 #include "commands/zebcli_cmd_ld/creation/drive_table.h"
 
+#include "commands/zebcli_cmd_ld/slot_table.h"
 #include "log/zebcli_log.h"
 #include "main/zebcli_cmd_com/base/source.h"
 #include "main/zebcli_cmd_com/base/string_shims.h"
-#include "main/zebcli_cmd_com/base/trace.h"
 #include "main/zebcli_cmd_com/model/lookup.h"
 #include "main/zebcli_cmd_com/model/raid_groups.h"
 #include "main/zebcli_cmd_com/text/raid_group_words.h"
 #include "main/zebcli_cmd_com/text/vocabulary.h"
-#include "storelib/common/StoreLib/enclosure.h"
-#include "storelib/dll_mod.h"
 
 #include <algorithm>
-#include <array>
 #include <string_view>
 
 namespace {
 
-constexpr std::size_t kLdColumnWidth = 17;
-constexpr std::size_t kCutAt = 14;
 constexpr char kNone[] = "-";
 
 using ColumnText = char[kTextSize];
@@ -30,7 +25,7 @@ bool isUnconfigured(unsigned char slotNo) {
 
 const char* levelColumn(std::string_view ldColumn, std::string_view group, Controller ctrl, unsigned char slotNo) {
     static constexpr std::string_view kSpares[] = {"GHS", "DHS", "* GHS", "* DHS"};
-    if (std::find(std::begin(kSpares), std::end(kSpares), ldColumn) != std::end(kSpares))
+    if (group == kNone || std::find(std::begin(kSpares), std::end(kSpares), ldColumn) != std::end(kSpares))
         return kNone;
     if (group.starts_with("scRG"))
         return "RAID0";
@@ -61,38 +56,21 @@ void printDrive(const char* name, Controller ctrl, unsigned char slotNo) {
     printRow(name, ld, group, levelColumn(ld, group, ctrl, slotNo), state, type, capacity);
 }
 
-int controllerCount() {
-    _SL_CTRL_LIST_T list{};
-    SLGetCtrlList(&list);
-    return static_cast<int>(std::min<unsigned>(list.count, kMaxControllers));
-}
-
 } // namespace
 
-void cutLdColumn(std::span<char> text) {
-    if (strnlen(text.data(), text.size()) > kLdColumnWidth)
-        strcpy_s(text.data() + kCutAt, text.size() - kCutAt, "...");
-}
-
 void SetSelectHDDList(const _SL_CREATE_LD_INFO_T* /*plan*/, _AFCONT* conts, unsigned char contNo, int refresh) {
-    if (refresh == 1 && UpdateDriveInfo(conts, controllerCount()) != 1)
+    if (refresh == 1 && UpdateDriveInfo(conts, static_cast<int>(conts->count)) != 1)
         return;
-    std::uint16_t slots = 0;
-    if (!succeeded(SLGetSlotNum(contNo, &slots), {kLdSource, __func__}, "SLGetSlotNum error", onController(contNo)))
-        return;
-    std::array<unsigned char, kMaxSlots> present{};
-    GetDeviceFoundList(contNo, conts, present);
-    for (unsigned slot = 0; slot < std::min<unsigned>(slots, kMaxSlots); ++slot) {
-        if (slot == 0)
+    const Controller ctrl{contNo, conts};
+    forEachSlot({kLdSource, __func__}, ctrl, [&](unsigned char slotNo, const char* name, bool present) {
+        if (slotNo == 0)
             CliLogging(kPrint, kLdSource, __LINE__,
                        "### Physical Drive(PD) ###\n"
                        "PD No. LD No.            RG No. RAID Level State              Type Capacity[GB]\n"
                        "------ ----------------- ------ ---------- ------------------ ---- ------------");
-        char name[8];
-        wsprintf(name, "PD%d", static_cast<int>(slot));
-        if (present[slot] != 0)
-            printDrive(name, {contNo, conts}, static_cast<unsigned char>(slot));
+        if (present)
+            printDrive(name, ctrl, slotNo);
         else
             printRow(name, kNone, kNone, kNone, kNone, kNone, kNone);
-    }
+    });
 }

@@ -3,12 +3,6 @@
 
 #include "commands/zebcli_cmd_ld/creation/construction.h"
 
-#include <cstddef>
-#include <span>
-
-/// Cuts the text of an LD column that is wider than the column to its first 14 characters and "...".
-void cutLdColumn(std::span<char> text);
-
 /// Prints one row per slot of the controller; the unconfigured drives carry a star. With refresh 1 the snapshot is
 /// renewed first; when that fails nothing is printed. The plan plays no part.
 void SetSelectHDDList(const _SL_CREATE_LD_INFO_T* plan, _AFCONT* conts, unsigned char contNo, int refresh);

@@ -144,6 +144,7 @@ bool refreshController(_AFCONT& cont, unsigned char contNo) {
 
 int AllocDriveInfo(_AFCONT* conts, int count) {
     for (_AFCONT& cont : std::span(conts, static_cast<std::size_t>(count))) {
+        cont.count = static_cast<std::uint32_t>(count);
         cont.pdList = static_cast<_MR_PD_LIST*>(std::calloc(1, sizeof(_MR_PD_LIST)));
         if (cont.pdList == nullptr)
             return 0;

@@ -17,6 +17,7 @@
 /// The snapshot of one controller; its index in the array is the controller number. Allocated zeroed, filled by
 /// AllocDriveInfo and UpdateDriveInfo, released by FreeDriveInfo.
 struct _AFCONT {
+    std::uint32_t count; ///< of the records in the array
     std::uint32_t configSize; ///< bytes of the configuration block
     _MR_CTRL_INFO ctrlInfo;
     _MR_ENCL_LIST enclList; ///< filled in the first record only, on purpose: the others read as having no enclosure

@@ -20,10 +20,17 @@ void Report::add(const char* format, ...) {
     va_end(args);
     if (fits)
         return;
-    emit();
+    emitPiece();
     va_start(args, format);
     append(format, args);
     va_end(args);
+}
+
+void Report::emitPiece() {
+    char printed[kMessageSize];
+    text_[length_] = '\0';
+    std::fwrite(printed, 1, expandFormat(text_.data(), printed, sizeof printed), stdout);
+    length_ = 0;
 }
 
 void Report::emit() {

@@ -7,7 +7,8 @@
 #include <cstdarg>
 #include <cstddef>
 
-/// The text of a block. A line that does not fit any more makes what is there go out first, so that none is lost.
+/// The text of a block. A line that does not fit any more makes what is there go out first, without a newline of its
+/// own, so that none is lost and no empty line comes in.
 class Report {
   public:
     /// Appends one formatted line (cut to the buffer's size).
@@ -23,6 +24,9 @@ class Report {
   private:
     /// A block, the newline that is added to it and the NUL fill a message exactly.
     static constexpr std::size_t kRoom = kMessageSize - 2;
+
+    /// Prints what is there as emit() does, but without the newline behind a block, and clears it.
+    void emitPiece();
 
     /// False, with nothing appended, when the line has to wait for room.
     [[gnu::format(printf, 2, 0)]] bool append(const char* format, va_list args);

@@ -6,7 +6,7 @@ namespace zebsim {
 
 namespace {
 
-using Patch = std::pair<std::uint32_t, std::vector<std::uint8_t>>; // offset, bytes
+using Patch = std::pair<std::size_t, std::vector<std::uint8_t>>; // offset, bytes
 using Codes = std::pair<std::optional<std::uint8_t>, std::optional<std::uint8_t>>; // type and command that are picked
 
 std::uint64_t numberUnder(Reader& reader, const char* key, std::uint64_t highest) {
@@ -18,7 +18,7 @@ std::uint64_t numberUnder(Reader& reader, const char* key, std::uint64_t highest
 void applyPatches(const std::vector<Patch>& patches, std::span<std::uint8_t> room) {
     for (const auto& [offset, bytes] : patches) {
         if (offset < room.size())
-            std::copy_n(bytes.begin(), std::min(bytes.size(), room.size() - offset), room.begin() + offset);
+            std::copy_n(bytes.begin(), std::min(bytes.size(), room.size() - offset), room.data() + offset);
     }
 }
 
@@ -141,8 +141,8 @@ Effects readFields(Reader& reader, const char* key, const Codes& codes) {
     std::vector<Patch> patches;
     for (const auto& [name, value] : fields.items()) {
         const std::string place = reader.at(key) + "." + name;
-        const RecordField* field = findField(*codes.first, *codes.second, name);
-        if (field == nullptr)
+        const std::optional<RecordField> field = findField(*codes.first, *codes.second, name);
+        if (!field)
             throw ScenarioError(place, "name one of " + known);
         patches.emplace_back(field->offset, bytesOfField(*field, value, place));
     }

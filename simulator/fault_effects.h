@@ -13,17 +13,14 @@ Effects readEffects(Reader& reader, std::optional<std::uint8_t> type, std::optio
 /// Reads the key "also": what somebody else does to drives and LDs when the picked request has been answered.
 void readAlso(Reader& reader, Effects& effects);
 
-/// A field of a record that the form can name.
+/// Where a field stands in an answer. Up to 8 bytes hold a number, more of them a text.
 struct RecordField {
-    std::uint8_t type;
-    std::uint8_t cmd;
-    const char* name;
-    std::uint32_t offset;
-    std::uint32_t width; ///< bytes; up to 8 hold a number, more a text
+    std::size_t offset;
+    std::size_t width;
 };
 
-/// The field of that name in the answer to a request, or null.
-const RecordField* findField(std::uint8_t type, std::uint8_t cmd, const std::string& name);
+/// The field of that name in the answer to a request, if it has one.
+std::optional<RecordField> findField(std::uint8_t type, std::uint8_t cmd, const std::string& name);
 
 /// The names of all fields of that answer, as a person may be told them; empty when the form names none.
 std::string fieldNames(std::uint8_t type, std::uint8_t cmd);

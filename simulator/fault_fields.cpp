@@ -1,115 +1,63 @@
-// The fields that a fault can set by name: those of the records that commands read before they change something.
+// The fields that a fault can set by name: those that the records' own declarations list.
 #include "simulator/fault_effects.h"
-#include "storelib/records/controller.h"
-#include "storelib/records/logical_drive.h"
-
-#include <algorithm>
+#include "storelib/records/all.h"
 
 namespace zebsim {
 
 namespace {
 
-#define ZEBSIM_FIELD(type, cmd, Record, member, name)                      \
-    RecordField {                                                          \
-        type, cmd, name, offsetof(Record, member), sizeof(Record{}.member) \
-    }
+/// A record in an answer: the answer itself, or a part of it whose fields have names of their own.
+struct Part {
+    std::uint8_t type;
+    std::uint8_t cmd;
+    const RecordLayout& layout;
+    std::size_t at = 0; ///< where it begins in the answer
+};
 
-#define ZEBSIM_PROPERTIES(type, cmd, Record, at)                                                                      \
-    ZEBSIM_FIELD(type, cmd, Record, at rebuildRate, "rebuildRate"),                                                   \
-        ZEBSIM_FIELD(type, cmd, Record, at patrolReadRate, "patrolReadRate"),                                         \
-        ZEBSIM_FIELD(type, cmd, Record, at bgiRate, "bgiRate"), ZEBSIM_FIELD(type, cmd, Record, at ccRate, "ccRate"), \
-        ZEBSIM_FIELD(type, cmd, Record, at reconRate, "reconRate"),                                                   \
-        ZEBSIM_FIELD(type, cmd, Record, at cacheFlushInterval, "cacheFlushInterval"),                                 \
-        ZEBSIM_FIELD(type, cmd, Record, at alarmEnable, "alarmEnable"),                                               \
-        ZEBSIM_FIELD(type, cmd, Record, at disableAutoRebuild, "disableAutoRebuild"),                                 \
-        ZEBSIM_FIELD(type, cmd, Record, at onOff, "onOff")
-
-#define ZEBSIM_CTRL(member) ZEBSIM_FIELD(0x01, 0x00, _MR_CTRL_INFO, member, #member)
-#define ZEBSIM_PATROL(member) ZEBSIM_FIELD(0x01, 0x0F, _MR_PR_PROPERTIES, member, #member)
-#define ZEBSIM_PD(member) ZEBSIM_FIELD(0x02, 0x00, _MR_PD_INFO, member, #member)
-#define ZEBSIM_LD(member) ZEBSIM_FIELD(0x03, 0x00, _MR_LD_INFO, member, #member)
-#define ZEBSIM_LD_CONFIG(member) ZEBSIM_FIELD(0x03, 0x00, _MR_LD_INFO, config.member, #member)
-#define ZEBSIM_LD_PROPERTY(member) ZEBSIM_FIELD(0x03, 0x00, _MR_LD_INFO, config.properties.member, #member)
-
-constexpr RecordField kFields[] = {
-    ZEBSIM_CTRL(productName),
-    ZEBSIM_CTRL(memorySize),
-    ZEBSIM_CTRL(hwPresent),
-    ZEBSIM_CTRL(raidLevels),
-    ZEBSIM_CTRL(adapterOperations),
-    ZEBSIM_CTRL(ldOperations),
-    ZEBSIM_CTRL(pdOperations),
-    ZEBSIM_CTRL(stripeSizeMin),
-    ZEBSIM_CTRL(stripeSizeMax),
-    ZEBSIM_CTRL(maxArms),
-    ZEBSIM_CTRL(maxSpans),
-    ZEBSIM_CTRL(maxArrays),
-    ZEBSIM_CTRL(maxLds),
-    ZEBSIM_CTRL(maxPds),
-    ZEBSIM_CTRL(cacheCadeCapacity),
-    ZEBSIM_PROPERTIES(0x01, 0x00, _MR_CTRL_INFO, properties.),
-    ZEBSIM_FIELD(0x01, 0x01, _MR_CTRL_PROP, seqNo, "seqNo"),
-    ZEBSIM_PROPERTIES(0x01, 0x01, _MR_CTRL_PROP, ),
-    ZEBSIM_PATROL(mode),
-    ZEBSIM_PATROL(maxPds),
-    ZEBSIM_PATROL(excludedLdCount),
-    ZEBSIM_PATROL(nextExecution),
-    ZEBSIM_PATROL(executionFrequency),
-    ZEBSIM_PATROL(clearFrequency),
-    ZEBSIM_FIELD(0x02, 0x00, _MR_PD_INFO, ref.deviceId, "deviceId"),
-    ZEBSIM_FIELD(0x02, 0x00, _MR_PD_INFO, ref.seqNo, "seqNo"),
-    ZEBSIM_FIELD(0x02, 0x00, _MR_PD_INFO, progress.active, "active"),
-    ZEBSIM_PD(mediaErrorCount),
-    ZEBSIM_PD(otherErrorCount),
-    ZEBSIM_PD(predFailCount),
-    ZEBSIM_PD(fwState),
-    ZEBSIM_PD(ddfType),
-    ZEBSIM_PD(rawSize),
-    ZEBSIM_PD(coercedSize),
-    ZEBSIM_PD(enclDeviceId),
-    ZEBSIM_PD(enclIndex),
-    ZEBSIM_PD(slotNo),
-    ZEBSIM_PD(powerState),
-    ZEBSIM_PD(allowedOps),
-    ZEBSIM_PD(copybackPartner),
-    ZEBSIM_PD(mediaType),
-    ZEBSIM_FIELD(0x03, 0x00, _MR_LD_INFO, config.properties.ref.targetId, "targetId"),
-    ZEBSIM_FIELD(0x03, 0x00, _MR_LD_INFO, config.properties.ref.seqNo, "seqNo"),
-    ZEBSIM_FIELD(0x03, 0x00, _MR_LD_INFO, progress.active, "active"),
-    ZEBSIM_LD_PROPERTY(name),
-    ZEBSIM_LD_PROPERTY(defaultCachePolicy),
-    ZEBSIM_LD_PROPERTY(accessPolicy),
-    ZEBSIM_LD_PROPERTY(diskCachePolicy),
-    ZEBSIM_LD_PROPERTY(currentCachePolicy),
-    ZEBSIM_LD_PROPERTY(noBgi),
-    ZEBSIM_LD_PROPERTY(snapshotFlags),
-    ZEBSIM_LD_CONFIG(primaryRaidLevel),
-    ZEBSIM_LD_CONFIG(stripeSize),
-    ZEBSIM_LD_CONFIG(numDrives),
-    ZEBSIM_LD_CONFIG(spanDepth),
-    ZEBSIM_LD_CONFIG(state),
-    ZEBSIM_LD_CONFIG(initState),
-    ZEBSIM_LD_CONFIG(isConsistent),
-    ZEBSIM_LD_CONFIG(snapshotSource),
-    ZEBSIM_LD_CONFIG(cacheCade),
-    ZEBSIM_LD(size),
-    ZEBSIM_LD(snapshotUse),
+constexpr Part kParts[] = {
+    {0x01, 0x00, Layout<_MR_CTRL_INFO>::kRecord},
+    {0x01, 0x00, Layout<_MR_CTRL_PROP>::kRecord, offsetof(_MR_CTRL_INFO, properties)},
+    {0x01, 0x01, Layout<_MR_CTRL_PROP>::kRecord},
+    {0x01, 0x04, Layout<_MR_PD_LIST>::kRecord},
+    {0x01, 0x05, Layout<_MR_ENCL_LIST>::kRecord},
+    {0x01, 0x0C, Layout<_SL_LD_OS_MAP_T>::kRecord},
+    {0x01, 0x0D, Layout<_MR_LD_LIST>::kRecord},
+    {0x01, 0x0F, Layout<_MR_PR_PROPERTIES>::kRecord},
+    {0x00, 0x08, Layout<_SL_PARTITION_INFO_T>::kRecord},
+    {0x02, 0x00, Layout<_MR_PD_INFO>::kRecord},
+    {0x02, 0x00, Layout<_MR_PD_REF>::kRecord, offsetof(_MR_PD_INFO, ref)},
+    {0x02, 0x00, Layout<_MR_PD_PROGRESS>::kRecord, offsetof(_MR_PD_INFO, progress)},
+    {0x03, 0x00, Layout<_MR_LD_INFO>::kRecord},
+    {0x03, 0x00, Layout<_MR_LD_CONFIG>::kRecord},
+    {0x03, 0x00, Layout<_MR_LD_PROPERTIES>::kRecord},
+    {0x03, 0x00, Layout<_MR_LD_REF>::kRecord},
+    {0x03, 0x00, Layout<_MR_LD_PROGRESS>::kRecord, offsetof(_MR_LD_INFO, progress)},
+    {0x03, 0x0B, Layout<_SL_PD_IN_LD_T>::kRecord},
+    {0x04, 0x00, Layout<_MR_CONFIG_DATA>::kRecord},
+    {0x04, 0x08, Layout<_SL_ARRAY_INFO_T>::kRecord},
+    {0x05, 0x00, Layout<_MR_BBU_STATUS>::kRecord},
+    {0x05, 0x04, Layout<_MR_BBU_PROPERTIES>::kRecord},
 };
 
 } // namespace
 
-const RecordField* findField(std::uint8_t type, std::uint8_t cmd, const std::string& name) {
-    const auto* found = std::find_if(std::begin(kFields), std::end(kFields), [&](const RecordField& field) {
-        return field.type == type && field.cmd == cmd && field.name == name;
-    });
-    return found == std::end(kFields) ? nullptr : found;
+std::optional<RecordField> findField(std::uint8_t type, std::uint8_t cmd, const std::string& name) {
+    for (const Part& part : kParts) {
+        for (const FieldLayout& field : part.layout.fields) {
+            if (part.type == type && part.cmd == cmd && field.name == name)
+                return RecordField{part.at + field.offset, field.size};
+        }
+    }
+    return std::nullopt;
 }
 
 std::string fieldNames(std::uint8_t type, std::uint8_t cmd) {
     std::string names;
-    for (const RecordField& field : kFields) {
-        if (field.type == type && field.cmd == cmd)
-            names += (names.empty() ? "" : ", ") + std::string(field.name);
+    for (const Part& part : kParts) {
+        for (const FieldLayout& field : part.layout.fields) {
+            if (part.type == type && part.cmd == cmd)
+                names += (names.empty() ? "" : ", ") + std::string(field.name);
+        }
     }
     return names;
 }

@@ -127,6 +127,7 @@ void describeCapabilities(Io& io, Controller& ctrl) {
     io.number("maxLds", ctrl.maxLds, 64);
     io.number("maxSpares", ctrl.maxSpares, 16);
     io.number("cacheCadeCapacity", ctrl.cacheCadeCapacity, 0);
+    io.flag("pinnedCache", ctrl.pinnedCache, false);
 }
 
 template <class Io>

@@ -240,6 +240,7 @@ struct Controller {
     std::uint16_t cacheCadeCapacity = 0;
     std::uint8_t maxLds = 64;
     std::uint8_t maxSpares = 16;
+    bool pinnedCache = false; ///< holds cached data of a lost LD: the configuration cannot be changed
     std::uint32_t time = 0; ///< seconds since 2000-01-01
     double timeRest = 0; ///< the fraction of a second that has passed beyond it
     Properties properties;
@@ -258,6 +259,7 @@ struct Controller {
 struct Model {
     std::string description;
     std::vector<Controller> controllers;
+    bool strictDelete = false; ///< an LD whose drives rebuild, or that is checked, cannot be deleted
     std::optional<double> savedAt; ///< real clock of the moment that a state file describes, s since 1970
     std::string faults; ///< the scenario's faults as JSON text
 };

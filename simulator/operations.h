@@ -30,6 +30,7 @@ std::uint32_t cancelCheck(Call& call);
 std::uint32_t startInit(Call& call);
 std::uint32_t cancelInit(Call& call);
 
+std::uint32_t addConfiguration(Call& call, const _SL_DCMD_INPUT_T& dcmd);
 std::uint32_t importForeign(Call& call);
 std::uint32_t clearForeign(Call& call);
 

@@ -94,6 +94,12 @@ std::uint32_t deleteLd(Call& call) {
         return kInitInProgress;
     if (ld->reconstruction)
         return kReconstructionInProgress;
+    if (call.ctrl.pinnedCache)
+        return kCachePinned;
+    if (call.model.strictDelete && rebuildsOn(call.ctrl, *ld))
+        return kRebuildInProgress;
+    if (call.model.strictDelete && ld->check)
+        return kWrongState;
     removeLd(call.ctrl, *ld);
     call.changed = true;
     return kSuccess;

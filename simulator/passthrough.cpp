@@ -77,6 +77,7 @@ constexpr Dcmd kDcmds[] = {
     {0x01080201, kDcmdFromController, 4, getTime},
     {0x010E0201, kDcmdFromController, 72, getMfcDefaults},
     {0x010E0202, kDcmdToController, 72, setMfcDefaults},
+    {0x04020000, kDcmdToController, sizeof(_MR_CONFIG_DATA), addConfiguration},
     {0x07030000, kDcmdFromController, 168, getConnectors},
     {0x030F0100, kDcmdToController, 16, enableSnapshot},
     {0x030F0200, kDcmdNone, 0, disableSnapshot},

@@ -45,6 +45,7 @@ void describeModel(Io& io, Model& model) {
     io.text("description", model.description, "", 400);
     io.objects("controllers", model.controllers, kMostControllers,
                [](auto& element, Controller& ctrl, std::size_t) { describeController(element, ctrl); });
+    io.flag("strictDelete", model.strictDelete, false);
     io.raw("faults", model.faults);
 }
 

@@ -8,6 +8,7 @@ extern const char* const zebcli;
 extern const char* const libraryDir; ///< of the simulated library
 extern const char* const expectedDir;
 extern const char* const scenarioDir;
+extern const char* const patternFile; ///< as it is shipped
 extern const char* const libNoEntryDir; ///< of a library without the entry point
 extern const char* const failingCalls; ///< preloaded to let calls of the C library fail
 extern const char* const releaseZebcli; ///< of a release build; empty where there is none

@@ -81,6 +81,7 @@ Sandbox::Sandbox() {
     for (const auto& folder : {logFolder(), work(), bin(), noLibrary(), root_ / "dev"})
         fs::create_directories(folder);
     chmod(work().c_str(), 0777);
+    fs::copy_file(paths::patternFile, patternFile());
     for (const char* device : kDeviceFiles)
         writeFile(root_ / "dev" / device, "");
     for (const char* folder : kDeviceFolders)

@@ -93,6 +93,7 @@ class Sandbox {
     std::filesystem::path zeb() const { return opt() / "quorvel/zeb"; } ///< seen as /opt/quorvel/zeb
     std::filesystem::path logFolder() const { return zeb() / "log"; } ///< there from the start, may be removed
     std::filesystem::path log() const { return logFolder() / "zebcli.log"; }
+    std::filesystem::path patternFile() const { return zeb() / "confpat1.csv"; } ///< the shipped one; may be changed
     std::filesystem::path work() const { return root_ / "work"; } ///< the working directory
     std::filesystem::path bin() const { return root_ / "bin"; } ///< first on PATH, empty
     std::filesystem::path noLibrary() const { return root_ / "no_library"; } ///< an empty folder for `libraryDir`

@@ -58,10 +58,11 @@ TEST_F(UnitPatternFile, EachLineIsANumberOfDrives) {
     auto table = std::make_unique<_configPat_T>();
     std::memset(static_cast<void*>(table.get()), 0x5A, sizeof *table);
     const _configPat_T old = *table;
+    std::filesystem::remove(box.patternFile());
     withOpt(box.opt(), [&] { ReadConfigPatFile(table.get()); });
     EXPECT_EQ(0, std::memcmp(&old, table.get(), sizeof old)) << "a missing file leaves the table as it was";
     EXPECT_EQ("!ERR func=ReadConfigPatFile: ConfigPatFile open error\n", log.take());
-    writeFile(box.zeb() / "confpat1.csv", rows);
+    writeFile(box.patternFile(), rows);
     withOpt(box.opt(), [&] { ReadConfigPatFile(table.get()); });
     for (std::size_t i = 0; i < std::size(wanted); ++i)
         EXPECT_EQ(wanted[i], levelsOf(table->row[i])) << i;

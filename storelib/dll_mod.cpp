@@ -1,9 +1,9 @@
 #include "storelib/dll_mod.h"
 
 #include "log/zebcli_log.h"
+#include "storelib/records/views.h"
 #include "storelib/status_text.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <dlfcn.h>
 #include <iterator>
@@ -25,7 +25,6 @@ namespace {
 constexpr char kSource[] = "dll_mod";
 constexpr char kLibraryName[] = "libstorelib.so";
 constexpr char kEntryName[] = "ProcessLibCommand";
-constexpr unsigned kListRoom = std::size(decltype(ctrlList.ctrl){});
 
 // dlopen handles of the three slots; the last two are never loaded.
 void* dllInstanceMR = nullptr;
@@ -40,10 +39,6 @@ enum LibraryKind : std::uint8_t { kKindMR = 0, kKindIR = 1, kKindIR2 = 2 };
 
 std::uint32_t controllerKey(std::uint32_t entry) {
     return entry & 0x00FFFFFFU;
-}
-
-unsigned roomFor(std::uint16_t count) {
-    return std::min<unsigned>(count, kListRoom);
 }
 
 /// Loads the MR slot. Returns 0x8002 when the library lacks its entry point, which leaves the slot present on purpose:
@@ -140,12 +135,13 @@ void mergeControllerLists() {
     // The IR list is counted but not copied; harmless, as its slot is never loaded.
     unsigned filled = 0;
     for (const _SL_CTRL_LIST_T* list : {&gCtrlListMR, &gCtrlListIR2})
-        for (unsigned i = 0; i < roomFor(list->count) && filled < kListRoom; ++i)
-            ctrlList.ctrl[filled++] = list->ctrl[i];
+        for (const std::uint32_t entry : controllersOf(*list))
+            if (filled < std::size(ctrlList.ctrl))
+                ctrlList.ctrl[filled++] = entry;
 
-    const unsigned count = roomFor(ctrlList.count);
-    for (unsigned i = 0; i + 1 < count; ++i)
-        for (unsigned j = count - 1; j > i; --j)
+    const std::size_t count = controllersOf(ctrlList).size();
+    for (std::size_t i = 0; i + 1 < count; ++i)
+        for (std::size_t j = count - 1; j > i; --j)
             if (controllerKey(ctrlList.ctrl[j - 1]) > controllerKey(ctrlList.ctrl[j])) {
                 const std::uint32_t larger = ctrlList.ctrl[j - 1];
                 ctrlList.ctrl[j - 1] = ctrlList.ctrl[j];
@@ -159,7 +155,7 @@ std::uint32_t SLGetCtrlList(_SL_CTRL_LIST_T* list) {
 }
 
 std::uint32_t ProcessLibCommandCall(_SL_LIB_CMD_PARAM_T* request, unsigned char contNo) {
-    if (contNo >= kListRoom)
+    if (contNo >= kMaxListedControllers)
         return kSlInvalidInput;
     ProcessLibCommandFn entry = nullptr;
     switch (ctrlList.ctrl[contNo] >> 24U) {

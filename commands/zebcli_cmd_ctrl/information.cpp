@@ -95,10 +95,8 @@ void addGeneral(Report& report, unsigned char contNo, const ControllerData& data
 }
 
 void addFirmware(Report& report, const _MR_CTRL_INFO& info) {
-    const std::span components(info.imageComponent,
-                               std::min<std::size_t>(info.imageComponentCount, std::size(info.imageComponent)));
     const auto forEach = [&](std::string_view name, auto line) {
-        for (const _MR_IMAGE_COMPONENT& component : components)
+        for (const _MR_IMAGE_COMPONENT& component : imagesOf(info))
             if (std::string_view(component.name, sizeof component.name).starts_with(name))
                 line(component);
     };

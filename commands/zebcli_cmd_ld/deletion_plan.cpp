@@ -19,10 +19,6 @@ namespace {
 
 using Group = ZEB_TRANS_RG_NO_LIST_T::Entry;
 
-std::span<const _MR_SPAN> spansOf(const _MR_LD_CONFIG& ld) {
-    return {ld.span, std::min<std::size_t>(ld.spanDepth, kMaxSpans)};
-}
-
 /// The group that holds the array, null where the array is not known.
 const Group* groupOf(const _AFCONT& cont, std::uint16_t arrayRef) {
     const Group* group = arrayRef < kMaxArrays ? &cont.rgNoList.entry[arrayRef] : nullptr;
@@ -85,8 +81,7 @@ class Release {
 
     /// Whether the spare serves the group and no group that stays.
     bool isFreedWith(const _MR_SPARE& spare, const Group* group) const {
-        const auto arrays =
-            std::span(spare.arrayRef).first(std::min<std::size_t>(spare.arrayCount, std::size(spare.arrayRef)));
+        const auto arrays = arrayRefsOf(spare);
         const auto serves = [&](std::uint16_t arrayRef) { return areSame(groupOf(ctrl_.cont(), arrayRef), group); };
         return (spare.type & kSpareDedicated) != 0 && std::any_of(arrays.begin(), arrays.end(), serves) &&
                std::all_of(arrays.begin(), arrays.end(), [&](std::uint16_t arrayRef) {

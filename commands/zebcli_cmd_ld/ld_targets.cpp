@@ -28,7 +28,7 @@ const char* shownLevel(ZEB_RAID_LVL level, bool cacheCade, unsigned char contNo)
 }
 
 unsigned short driveCountOf(const _MR_LD_CONFIG& ld) {
-    return static_cast<unsigned short>(ld.numDrives * std::min<std::size_t>(ld.spanDepth, kMaxSpans));
+    return static_cast<unsigned short>(ld.numDrives * spansOf(ld).size());
 }
 
 bool isSnapshotLd(const _MR_LD_INFO& ld) {

@@ -25,14 +25,6 @@ constexpr OptionTable kOptions = ldOptions();
 constexpr std::uint64_t kFreeSpaceFloor = 4; // MB per drive
 constexpr unsigned kBlocksToMbShift = 11;
 
-std::span<const std::uint8_t> ldsOf(const _SL_ARRAY_INFO_T& group) {
-    return {group.ldTargetId, std::min<std::size_t>(group.ldCount, std::size(group.ldTargetId))};
-}
-
-std::span<const _MR_ARRAY_PD> drivesOf(const _SL_ARRAY_INFO_T& group) {
-    return {group.pd, std::min<std::size_t>(group.pdCount, std::size(group.pd))};
-}
-
 /// The group record of each array of the configuration, by array reference; null where there is no such array.
 using GroupRecords = std::array<const _SL_ARRAY_INFO_T*, kMaxArrays>;
 
@@ -78,11 +70,11 @@ double ldCapacity(Controller ctrl, const _MR_LD_CONFIG& ld) {
 
 void addFreeSpace(Report& report, Controller ctrl, const _SL_ARRAY_INFO_T& group, const _MR_LD_CONFIG& ld) {
     const unsigned short drives = driveCountOf(ld);
-    const unsigned segments = std::min<unsigned>(group.freeCount, kMaxFreeSegments);
-    if (segments == 0)
+    const auto segments = freeSegmentsOf(group);
+    if (segments.empty())
         report.add("     Free Space          : 0.000GB");
-    for (unsigned i = 0; i < segments; ++i) {
-        std::uint64_t capacity = CalcLDCapa(SLTransLateRAIDLvl(&ld), drives, group.freeSegment[i].size, ctrl.contNo);
+    for (std::size_t i = 0; i < segments.size(); ++i) {
+        std::uint64_t capacity = CalcLDCapa(SLTransLateRAIDLvl(&ld), drives, segments[i].size, ctrl.contNo);
         if ((capacity >> kBlocksToMbShift) <= kFreeSpaceFloor * drives)
             capacity = 0;
         if (i == 0)
@@ -164,7 +156,7 @@ void reportDrive(Report& report, Controller ctrl, const _SL_ARRAY_INFO_T& span, 
     const _MR_PD_INFO& pd = ctrl.pd(slotNo);
     char text[kTextSize];
     report.add(">>PD%u (LD%u", slotNo, span.ldTargetId[0]);
-    for (const std::uint8_t ldNo : ldsOf(span).subspan(std::min<std::size_t>(span.ldCount, 1)))
+    for (const std::uint8_t ldNo : ldsOf(span).subspan(ldsOf(span).empty() ? 0 : 1))
         report.add(", %u", ldNo);
     report.add(")");
     report.add("\r\n");
@@ -192,7 +184,7 @@ void reportGroup(Report& report, Controller ctrl, const GroupRecords& records, c
     addSettings(report, reported.properties, softwareRaid);
     report.emit();
     report.add("%s\r\n", "### PD Information ###");
-    for (const _MR_SPAN& span : std::span(found.span).first(std::min<std::size_t>(found.spanDepth, kMaxSpans))) {
+    for (const _MR_SPAN& span : spansOf(found)) {
         const _SL_ARRAY_INFO_T* record = span.arrayRef < kMaxArrays ? records[span.arrayRef] : nullptr;
         if (record == nullptr)
             continue;

@@ -188,7 +188,7 @@ bool writeLd(Change& change, unsigned char ldNo, const Policies& policies) {
 /// Writes each LD of a group that the controller lists, once, in the group's order. Returns the LD that failed; that is
 /// the selected one where the group does not hold it.
 FailedLd writeGroup(Change& change, const _SL_ARRAY_INFO_T& group, unsigned char selected, const Policies& policies) {
-    const std::span lds(group.ldTargetId, std::min<std::size_t>(group.ldCount, std::size(group.ldTargetId)));
+    const auto lds = ldsOf(group);
     if (std::find(lds.begin(), lds.end(), selected) == lds.end())
         return selected;
     for (const unsigned char ldNo : lds)
@@ -210,7 +210,7 @@ FailedLd changeGroup(Change& change, unsigned char ldNo, GroupNotice& notice) {
     const Policies policies = makePolicies(change.options, ld.config.properties);
     if (change.options.bits == kName)
         return writeLd(change, ldNo, policies) ? FailedLd{} : ldNo;
-    if (group.ldCount > 1)
+    if (ldsOf(group).size() > 1)
         notice.say();
     return writeGroup(change, group, ldNo, policies);
 }

@@ -48,11 +48,12 @@ void addTemperature(Report& report, unsigned char contNo, unsigned char slotNo) 
 }
 
 void addSasAddresses(Report& report, const _MR_PD_INFO& pd) {
-    for (unsigned i = 0; i < std::min<std::size_t>(pd.pathCount, std::size(pd.sasAddr)); ++i) {
+    int path = 0;
+    for (const std::uint64_t sasAddr : sasAddressesOf(pd)) {
         char address[32];
-        FormatSASAddress(pd.sasAddr[i], address);
+        FormatSASAddress(sasAddr, address);
         // The address carries its own "0x"; the doubled prefix is deliberate.
-        report.add("SAS Address %d            : 0x%s\r\n", static_cast<int>(i), address);
+        report.add("SAS Address %d            : 0x%s\r\n", path++, address);
     }
 }
 

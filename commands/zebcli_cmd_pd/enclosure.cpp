@@ -32,17 +32,12 @@ const char* GetEnclEleStatusStr(int code) {
     return wordOf(kWords, static_cast<unsigned>(code), "Invalid");
 }
 
-/// Hands each element of a type to the sink with its number and status word. The elements are grouped by type in the
-/// order of the counts; those that would lie behind the table are absent.
+/// Hands each element of a type to the sink with its number and status word.
 template <class Sink>
 void forEachElement(const _SL_ENCL_STATUS_EX_T& status, EnclElementType type, Sink sink) {
-    std::size_t first = 0;
-    for (unsigned before = 0; before < type; ++before)
-        first += status.count[before];
-    for (std::size_t i = 0; i < status.count[type] && first + i < kMaxEnclElements; ++i) {
-        const _SL_ENCL_ELEMENT& element = status.element[first + i];
-        sink(static_cast<int>(i), GetEnclEleStatusStr(static_cast<int>(element.status)), element);
-    }
+    int number = 0;
+    for (const _SL_ENCL_ELEMENT& element : elementsOf(status, type))
+        sink(number++, GetEnclEleStatusStr(static_cast<int>(element.status)), element);
 }
 
 void addComponents(Report& report, const _SL_ENCL_STATUS_EX_T& status) {
@@ -84,9 +79,10 @@ void addSensors(Report& report, const _SL_ENCL_STATUS_EX_T& status) {
 
 void addConnector(Report& report, const _MR_ENCL_ENTRY& enclosure, const _MR_SAS_CONNECTORS& connectors) {
     static constexpr const char* kLocations[] = {"Unknown", "Not defined", "Internal", "External"};
-    if (enclosure.connectorIndex >= std::min<std::size_t>(connectors.count, std::size(connectors.connector)))
+    const auto listed = entriesOf(connectors);
+    if (enclosure.connectorIndex >= listed.size())
         return;
-    const _MR_SAS_CONNECTOR& connector = connectors.connector[enclosure.connectorIndex];
+    const _MR_SAS_CONNECTOR& connector = listed[enclosure.connectorIndex];
     report.add("%s       : %s\r\n", "Enclosure Location", wordOf(kLocations, connector.location, "Not defined"));
     report.add("%s                : %s\r\n", "Connector", fieldText(connector.name).c_str());
 }

@@ -18,6 +18,9 @@ struct _MR_ARRAY_PD {
 ZEB_WIRE_RECORD(_MR_ARRAY_PD, 8, published, ZEB_FIELD(ref, 0), ZEB_FIELD(fwState, 4), ZEB_FIELD(encl, 6),
                 ZEB_FIELD(slotNo, 7));
 
+/// The arrays of a controller; their references are 0 to 127.
+inline constexpr unsigned kMaxArrays = 128;
+
 inline constexpr unsigned kMaxArrayDrives = 32;
 
 struct _MR_ARRAY {
@@ -31,12 +34,14 @@ struct _MR_ARRAY {
 ZEB_WIRE_RECORD(_MR_ARRAY, 288, published, ZEB_FIELD(size, 0), ZEB_FIELD(numDrives, 8), ZEB_FIELD(arrayRef, 10),
                 ZEB_FIELD(pd, 32));
 
+inline constexpr unsigned kMaxSpareArrays = 16;
+
 struct _MR_SPARE {
     _MR_PD_REF ref;
     std::uint8_t type; ///< bit 0 dedicated, 1 revertible, 2 enclosure affinity
     std::uint8_t reserved5[2];
     std::uint8_t arrayCount;
-    std::uint16_t arrayRef[16];
+    std::uint16_t arrayRef[kMaxSpareArrays];
 };
 ZEB_WIRE_RECORD(_MR_SPARE, 40, published, ZEB_FIELD(ref, 0), ZEB_FIELD(type, 4), ZEB_FIELD(arrayCount, 7),
                 ZEB_FIELD(arrayRef, 8));
@@ -79,7 +84,7 @@ struct _SL_ARRAY_INFO_T {
     std::uint8_t freeCount;
     std::uint8_t reserved5[3];
     std::uint64_t totalSize; ///< blocks, the whole RAID group
-    std::uint8_t ldTargetId[64];
+    std::uint8_t ldTargetId[kMaxLds];
     _MR_ARRAY_PD pd[kMaxArrayDrives];
     _MR_FREE_SEGMENT freeSegment[kMaxFreeSegments];
 };
@@ -90,7 +95,7 @@ ZEB_WIRE_RECORD(_SL_ARRAY_INFO_T, 2368, chosen, ZEB_FIELD(arrayRef, 0), ZEB_FIEL
 /// Data of the dedicated-spare request: the arrays that the spare serves.
 struct _SL_DEDICATED_SPARE_T {
     std::uint8_t arrayCount;
-    std::uint16_t arrayRef[16];
+    std::uint16_t arrayRef[kMaxSpareArrays];
 };
 ZEB_WIRE_RECORD(_SL_DEDICATED_SPARE_T, 33, given, ZEB_FIELD(arrayCount, 0), ZEB_FIELD(arrayRef, 1));
 

@@ -35,6 +35,8 @@ ZEB_WIRE_RECORD(_MR_LD_PROPERTIES, 32, published, ZEB_FIELD(ref, 0, given), ZEB_
                 ZEB_FIELD(defaultCachePolicy, 20), ZEB_FIELD(accessPolicy, 21), ZEB_FIELD(diskCachePolicy, 22),
                 ZEB_FIELD(currentCachePolicy, 23), ZEB_FIELD(noBgi, 24), ZEB_FIELD(snapshotFlags, 25, given));
 
+inline constexpr unsigned kMaxSpans = 8;
+
 struct _MR_LD_CONFIG {
     _MR_LD_PROPERTIES properties;
     std::uint8_t primaryRaidLevel;
@@ -51,15 +53,13 @@ struct _MR_LD_CONFIG {
     std::uint8_t reserved46;
     std::uint8_t cacheCade;
     std::uint8_t reserved48[16];
-    _MR_SPAN span[8];
+    _MR_SPAN span[kMaxSpans];
 };
 ZEB_WIRE_RECORD(_MR_LD_CONFIG, 256, published, ZEB_FIELD(properties, 0), ZEB_FIELD(primaryRaidLevel, 32),
                 ZEB_FIELD(raidLevelQualifier, 33), ZEB_FIELD(secondaryRaidLevel, 34), ZEB_FIELD(stripeSize, 35),
                 ZEB_FIELD(numDrives, 36), ZEB_FIELD(spanDepth, 37, given), ZEB_FIELD(state, 38, given),
                 ZEB_FIELD(initState, 39), ZEB_FIELD(isConsistent, 40), ZEB_FIELD(snapshotSource, 45, given),
                 ZEB_FIELD(cacheCade, 47), ZEB_FIELD(span, 64));
-
-inline constexpr unsigned kMaxSpans = 8;
 
 /// States of an LD.
 enum : std::uint8_t { kLdOffline = 0, kLdPartiallyDegraded = 1, kLdDegraded = 2, kLdOptimal = 3 };
@@ -104,17 +104,20 @@ struct _MR_LD_LIST_ENTRY {
 ZEB_WIRE_RECORD(_MR_LD_LIST_ENTRY, 16, published, ZEB_FIELD(targetId, 0, given), ZEB_FIELD(seqNo, 2),
                 ZEB_FIELD(state, 4), ZEB_FIELD(size, 8));
 
+/// The LDs of a controller; their target ids are 0 to 63.
+inline constexpr unsigned kMaxLds = 64;
+
 struct _MR_LD_LIST {
     std::uint32_t count;
     std::uint32_t reserved;
-    _MR_LD_LIST_ENTRY ld[64];
+    _MR_LD_LIST_ENTRY ld[kMaxLds];
 };
 ZEB_WIRE_RECORD(_MR_LD_LIST, 1032, published, ZEB_FIELD(count, 0), ZEB_FIELD(ld, 8));
 
 struct _SL_PD_IN_LD_T {
     std::uint16_t count;
     std::uint16_t reserved;
-    std::uint16_t deviceId[256]; ///< kNoDevice = unused
+    std::uint16_t deviceId[kMaxSlots]; ///< kNoDevice = unused
 };
 ZEB_WIRE_RECORD(_SL_PD_IN_LD_T, 516, chosen, ZEB_FIELD(count, 0), ZEB_FIELD(deviceId, 4));
 

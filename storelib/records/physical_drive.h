@@ -21,10 +21,13 @@ ZEB_WIRE_RECORD(_MR_PD_ADDRESS, 24, published, ZEB_FIELD(deviceId, 0, given), ZE
                 ZEB_FIELD(enclIndex, 4), ZEB_FIELD(slotNo, 5, given), ZEB_FIELD(scsiDevType, 6, given),
                 ZEB_FIELD(connectedPorts, 7), ZEB_FIELD(sasAddr, 8));
 
+/// The slots of a controller: their numbers are bytes. No list of drives is longer.
+inline constexpr unsigned kMaxSlots = 256;
+
 struct _MR_PD_LIST {
     std::uint32_t size;
     std::uint32_t count;
-    _MR_PD_ADDRESS addr[256];
+    _MR_PD_ADDRESS addr[kMaxSlots];
 };
 ZEB_WIRE_RECORD(_MR_PD_LIST, 6152, given, ZEB_FIELD(size, 0), ZEB_FIELD(count, 4), ZEB_FIELD(addr, 8));
 
@@ -77,6 +80,8 @@ struct _MR_INQUIRY_DATA {
 ZEB_WIRE_RECORD(_MR_INQUIRY_DATA, 96, published, ZEB_FIELD(header, 0), ZEB_FIELD(vendor, 8), ZEB_FIELD(product, 16),
                 ZEB_FIELD(revision, 32));
 
+inline constexpr unsigned kMaxPaths = 4;
+
 struct _MR_PD_INFO {
     _MR_PD_REF ref;
     _MR_INQUIRY_DATA inquiry;
@@ -95,7 +100,7 @@ struct _MR_PD_INFO {
     std::uint8_t reserved190[2];
     std::uint8_t pathCount;
     std::uint8_t reserved193[7];
-    std::uint64_t sasAddr[4];
+    std::uint64_t sasAddr[kMaxPaths];
     std::uint64_t rawSize; ///< blocks
     std::uint8_t reserved240[8];
     std::uint64_t coercedSize; ///< blocks

@@ -49,13 +49,15 @@ ZEB_WIRE_RECORD(_SL_LIB_CMD_PARAM_T, 40, chosen, ZEB_FIELD(cmdType, 0), ZEB_FIEL
 
 inline constexpr std::uint32_t kAllForeignConfigs = 0xFFFFFFFFU;
 
+inline constexpr unsigned kMaxListedControllers = 16;
+
 /// The controllers that the library found. The low 24 bits of an entry are the controller id, the top byte the library
 /// kind.
 struct _SL_CTRL_LIST_T {
     std::uint16_t count;
     std::uint8_t flags;
     std::uint8_t reserved;
-    std::uint32_t ctrl[16];
+    std::uint32_t ctrl[kMaxListedControllers];
 };
 ZEB_WIRE_RECORD(_SL_CTRL_LIST_T, 68, chosen, ZEB_FIELD(count, 0, given), ZEB_FIELD(flags, 2), ZEB_FIELD(ctrl, 4));
 

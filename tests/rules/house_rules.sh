@@ -34,6 +34,11 @@ rule 'Terminal mode outside its owners; ask through the dialogue' '(^|[^[:alnum:
 rule 'Reading standard input outside the dialogue; use Answer' '(^|[^[:alnum:]_])stdin([^[:alnum:]_]|$)' $com/input/dialogue.cpp
 rule 'File locks belong to the command log' '(^|[^[:alnum:]_])flock\(' log/raidctl.cpp
 rule 'An offset into a record outside its declaration' 'offsetof' storelib/records/wire_record.h
+views='A raw count of a wire table; walk the table through its view'
+rule "$views" '(\.|->)(spanDepth|pathCount|(image|pendingImage)ComponentCount|freeCount|spareCount|pdCount|ldCount|arrayCount)( *[^ =a-zA-Z]| *==|$)' \
+  storelib/records/views.h storelib/common/StoreLib/configuration_write.h 'commands/zebcli_cmd_ld/creation/[^:]*'
+rule "$views" 'min[^;]*(\.|->)(count|numDrives)([^a-zA-Z]|$)|(\.|->)(count|numDrives)([^a-zA-Z][^;]*)?; *\+\+' \
+  storelib/records/views.h $com/model/lookup.cpp 'commands/zebcli_cmd_ld/creation/[^:]*'
 rule 'Memory from new; use a standard container or a block with a deleter' '(^|[^[:alnum:]_])new [A-Za-z_]'
 rule 'An exception; return a code' '(^|[^[:alnum:]_])(throw|catch|try)([^[:alnum:]_]|$)'
 

@@ -113,8 +113,8 @@ void ShowLDCapacity(char (*texts)[kCapacityTextSize], const _SL_CREATE_LD_INFO_T
 }
 
 std::uint64_t GetLDSize(const _MR_LD_CONFIG* ld, unsigned char contNo) {
-    for (unsigned k = 0; k < std::min<unsigned>(ld->spanDepth, kMaxSpans); ++k)
-        if (ld->span[k].numBlocks != 0)
-            return CalcLDCapa(SLTransLateRAIDLvl(ld), driveCountOf(*ld), ld->span[k].numBlocks, contNo);
+    for (const _MR_SPAN& span : spansOf(*ld))
+        if (span.numBlocks != 0)
+            return CalcLDCapa(SLTransLateRAIDLvl(ld), driveCountOf(*ld), span.numBlocks, contNo);
     return 0;
 }

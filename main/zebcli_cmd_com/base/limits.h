@@ -1,7 +1,7 @@
-// How many of each the tool serves.
+// How many of each the tool serves. kMaxSlots, kMaxLds and kMaxArrays are limits of the wire and stand with its
+// records.
 #pragma once
 
+#include "storelib/records/configuration.h"
+
 inline constexpr unsigned kMaxControllers = 4;
-inline constexpr unsigned kMaxSlots = 256; ///< of one controller; a slot number is one byte
-inline constexpr unsigned kMaxLds = 64; ///< of one controller
-inline constexpr unsigned kMaxArrays = 128; ///< of one controller

@@ -64,9 +64,9 @@ void GetPDInLD(unsigned char contNo, unsigned char ldNo, std::array<unsigned cha
     if (ldNo >= kMaxLds)
         return;
     const _MR_LD_CONFIG& ld = conts[contNo].ldInfo[ldNo].config;
-    for (unsigned k = 0; k < std::min<unsigned>(ld.spanDepth, kMaxSpans); ++k)
+    for (const _MR_SPAN& span : spansOf(ld))
         for (const _MR_ARRAY& array : arraysOf(conts[contNo])) {
-            if (array.arrayRef != ld.span[k].arrayRef)
+            if (array.arrayRef != span.arrayRef)
                 continue;
             for (const _MR_ARRAY_PD& drive : drivesOf(array))
                 if (drive.ref.deviceId != kNoDevice && *count < slots.size() &&

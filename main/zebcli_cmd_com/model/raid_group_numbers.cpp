@@ -1,14 +1,8 @@
 #include "main/zebcli_cmd_com/model/raid_group_numbers.h"
 
+#include "storelib/records/views.h"
+
 #include <algorithm>
-
-namespace {
-
-std::span<const _MR_SPAN> spansOf(const _MR_LD_CONFIG& ld) {
-    return {ld.span, std::min<std::size_t>(ld.spanDepth, kMaxSpans)};
-}
-
-} // namespace
 
 void MakeTransformRGNo(std::span<const _MR_ARRAY> arrays, std::span<const _MR_LD_CONFIG> lds,
                        ZEB_TRANS_RG_NO_LIST_T& list) {

@@ -192,29 +192,25 @@ void FreeDriveInfo(_AFCONT* conts, int count) {
 std::span<const _MR_PD_ADDRESS> pdAddresses(const _AFCONT& cont) {
     if (cont.pdList == nullptr)
         return {};
-    return {cont.pdList->addr, std::min<std::size_t>(cont.pdList->count, std::size(cont.pdList->addr))};
+    return entriesOf(*cont.pdList);
 }
 
 std::span<const _MR_LD_LIST_ENTRY> ldEntries(const _AFCONT& cont) {
     if (cont.ldList == nullptr)
         return {};
-    return {cont.ldList->ld, std::min<std::size_t>(cont.ldList->count, std::size(cont.ldList->ld))};
+    return entriesOf(*cont.ldList);
 }
 
 std::span<const _MR_ARRAY> arraysOf(const _AFCONT& cont) {
-    const auto arrays = configArrays(cont.config, cont.configSize);
+    const auto arrays = wire::arraysOf(cont.config, cont.configSize);
     return arrays.first(std::min<std::size_t>(arrays.size(), kMaxArrays));
 }
 
 std::span<const _MR_LD_CONFIG> ldConfigsOf(const _AFCONT& cont) {
-    const auto lds = configLds(cont.config, cont.configSize);
+    const auto lds = wire::ldsOf(cont.config, cont.configSize);
     return lds.first(std::min<std::size_t>(lds.size(), kMaxLds));
 }
 
 std::span<const _MR_SPARE> sparesOf(const _AFCONT& cont) {
-    return configSpares(cont.config, cont.configSize);
-}
-
-std::span<const _MR_ARRAY_PD> drivesOf(const _MR_ARRAY& array) {
-    return {array.pd, std::min<std::size_t>(array.numDrives, kMaxArrayDrives)};
+    return wire::sparesOf(cont.config, cont.configSize);
 }

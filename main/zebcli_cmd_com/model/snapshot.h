@@ -5,11 +5,7 @@
 
 #include "main/zebcli_cmd_com/base/limits.h"
 #include "main/zebcli_cmd_com/model/raid_group_numbers.h"
-#include "storelib/records/configuration.h"
-#include "storelib/records/controller.h"
-#include "storelib/records/enclosure.h"
-#include "storelib/records/logical_drive.h"
-#include "storelib/records/physical_drive.h"
+#include "storelib/records/views.h"
 
 #include <cstdint>
 #include <span>
@@ -64,6 +60,3 @@ std::span<const _MR_LD_LIST_ENTRY> ldEntries(const _AFCONT& cont);
 std::span<const _MR_ARRAY> arraysOf(const _AFCONT& cont);
 std::span<const _MR_LD_CONFIG> ldConfigsOf(const _AFCONT& cont);
 std::span<const _MR_SPARE> sparesOf(const _AFCONT& cont);
-
-/// The drives of an array, empty positions included.
-std::span<const _MR_ARRAY_PD> drivesOf(const _MR_ARRAY& array);

@@ -22,8 +22,7 @@ const _MR_SPARE* spareOf(const _AFCONT& cont, std::uint16_t deviceId) {
 /// The groups that a spare serves, each once, in the spare's order.
 void mkServedGroupsStr(Controller ctrl, const _MR_SPARE& spare, std::span<char> out) {
     std::array<std::array<bool, kMaxArrays>, 2> named{}; // CacheCade groups are counted apart
-    for (unsigned i = 0; i < std::min<std::size_t>(spare.arrayCount, std::size(spare.arrayRef)); ++i) {
-        const std::uint16_t arrayRef = spare.arrayRef[i];
+    for (const std::uint16_t arrayRef : arrayRefsOf(spare)) {
         if (arrayRef >= kMaxArrays || ctrl.cont().rgNoList.entry[arrayRef].known == 0)
             continue;
         const auto& group = ctrl.cont().rgNoList.entry[arrayRef];
@@ -70,13 +69,15 @@ void mkLDStrListUsedHDD(unsigned char contNo, const _AFCONT* conts, unsigned cha
     if (array == nullptr || array->arrayRef >= kMaxArrays)
         return;
     const _SL_ARRAY_INFO_T& group = conts[contNo].arrayInfo[array->arrayRef];
-    for (unsigned i = 0; i < std::min<unsigned>(group.ldCount, kMaxLds); ++i) {
+    bool first = true;
+    for (const std::uint8_t ldNo : ldsOf(group)) {
         char number[8];
-        wsprintf(number, i == 0 ? "LD%u" : ", %u", group.ldTargetId[i]);
-        if (i == 0)
+        wsprintf(number, first ? "LD%u" : ", %u", ldNo);
+        if (first)
             strcpy_s(out.data(), out.size(), number);
         else
             strcat_s(out.data(), out.size(), number);
+        first = false;
     }
 }
 

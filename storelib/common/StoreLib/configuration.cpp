@@ -1,8 +1,8 @@
 #include "storelib/common/StoreLib/configuration.h"
 
 #include "storelib/common/StoreLib/request_path.h"
+#include "storelib/records/views.h"
 
-#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
@@ -12,15 +12,6 @@ constexpr std::uint32_t kNoReference = 0;
 constexpr Command kReadConfig{0x04, 0x00};
 constexpr Command kReadForeignConfig{0x04, 0x05};
 
-/// The records of one section, as many as begin and end inside the block.
-template <class Record>
-std::span<Record> section(_MR_CONFIG_DATA* config, std::size_t blockSize, std::size_t offset, std::size_t count) {
-    if (blockSize < offset)
-        return {};
-    auto* first = reinterpret_cast<Record*>(reinterpret_cast<unsigned char*>(config) + offset);
-    return {first, std::min(count, (blockSize - offset) / sizeof(Record))};
-}
-
 std::uint32_t readConfig(Caller caller, unsigned char contNo, Command command, std::uint32_t reference,
                          _MR_CONFIG_DATA* config, std::uint32_t size) {
     SL_LIB_CMD_PARAM_T request = makeRequest(command, contNo);
@@ -28,7 +19,7 @@ std::uint32_t readConfig(Caller caller, unsigned char contNo, Command command, s
     attachData(request, config, size);
     const std::uint32_t status = sendRequest(caller, request, contNo);
     if (status == kSlSuccess) {
-        if (const auto lds = configLds(config, size); !lds.empty())
+        if (const auto lds = ldsOf(config, size); !lds.empty())
             std::qsort(lds.data(), lds.size(), sizeof(_MR_LD_CONFIG), LDSortFuncForConfig);
     }
     return status;
@@ -51,27 +42,6 @@ std::uint32_t readConfigSize(Caller caller, unsigned char contNo, Command comman
 }
 
 } // namespace
-
-std::span<_MR_ARRAY> configArrays(_MR_CONFIG_DATA* config, std::size_t blockSize) {
-    if (config == nullptr || blockSize < sizeof *config)
-        return {};
-    return section<_MR_ARRAY>(config, blockSize, sizeof *config, config->arrayCount);
-}
-
-std::span<_MR_LD_CONFIG> configLds(_MR_CONFIG_DATA* config, std::size_t blockSize) {
-    if (config == nullptr || blockSize < sizeof *config)
-        return {};
-    const std::size_t offset = sizeof *config + config->arrayCount * sizeof(_MR_ARRAY);
-    return section<_MR_LD_CONFIG>(config, blockSize, offset, config->ldCount);
-}
-
-std::span<_MR_SPARE> configSpares(_MR_CONFIG_DATA* config, std::size_t blockSize) {
-    if (config == nullptr || blockSize < sizeof *config)
-        return {};
-    const std::size_t offset =
-        sizeof *config + config->arrayCount * sizeof(_MR_ARRAY) + config->ldCount * sizeof(_MR_LD_CONFIG);
-    return section<_MR_SPARE>(config, blockSize, offset, config->spareCount);
-}
 
 int LDSortFuncForConfig(const void* a, const void* b) {
     return static_cast<const _MR_LD_CONFIG*>(a)->properties.ref.targetId -

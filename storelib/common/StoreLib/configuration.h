@@ -5,19 +5,11 @@
 #include "storelib/records/configuration.h"
 #include "storelib/records/controller.h"
 
-#include <cstddef>
 #include <cstdint>
-#include <span>
 
 /// The most that the three counts of a configuration can describe. A size above it is a lie.
 inline constexpr std::uint32_t kLargestConfigSize =
     sizeof(_MR_CONFIG_DATA) + 0xFFFFU * (sizeof(_MR_ARRAY) + sizeof(_MR_LD_CONFIG) + sizeof(_MR_SPARE));
-
-/// The arrays, the LDs and the spares of a configuration that lies in a block of that many bytes: what of them the
-/// block has room for. There are none when the block is smaller than the configuration's head.
-std::span<_MR_ARRAY> configArrays(_MR_CONFIG_DATA* config, std::size_t blockSize);
-std::span<_MR_LD_CONFIG> configLds(_MR_CONFIG_DATA* config, std::size_t blockSize);
-std::span<_MR_SPARE> configSpares(_MR_CONFIG_DATA* config, std::size_t blockSize);
 
 /// The size in bytes of the whole configuration; 0 on failure.
 std::uint32_t SLGetConfigSize(unsigned char contNo, unsigned int* size);

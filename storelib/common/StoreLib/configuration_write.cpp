@@ -7,6 +7,7 @@
 #include "storelib/common/StoreLib/passthrough.h"
 #include "storelib/common/StoreLib/physical_drive.h"
 #include "storelib/common/StoreLib/request_path.h"
+#include "storelib/records/views.h"
 
 #include <array>
 #include <limits>
@@ -29,8 +30,8 @@ struct Block {
     HeapRecord<_MR_CONFIG_DATA> head;
     std::uint32_t size;
 
-    std::span<_MR_ARRAY> arrays() const { return configArrays(head.get(), size); }
-    std::span<_MR_LD_CONFIG> lds() const { return configLds(head.get(), size); }
+    std::span<_MR_ARRAY> arrays() const { return arraysOf(head.get(), size); }
+    std::span<_MR_LD_CONFIG> lds() const { return ldsOf(head.get(), size); }
 };
 
 /// A block with room for all of the plan, its head filled; without a head when there is no memory.
@@ -92,7 +93,7 @@ std::uint32_t fillNewArrays(unsigned char contNo, const PlannedArray& group, std
 std::uint32_t renewSequenceNumbers(unsigned char contNo, const PlannedArray& group, std::span<_MR_ARRAY> arrays) {
     auto slots = slotsOf(group);
     for (_MR_ARRAY& array : arrays)
-        for (_MR_ARRAY_PD& place : std::span(array.pd).first(std::min<std::size_t>(array.numDrives, kMaxArrayDrives))) {
+        for (_MR_ARRAY_PD& place : drivesOf(array)) {
             if (place.ref.deviceId == kNoDevice)
                 continue;
             if (slots.empty())

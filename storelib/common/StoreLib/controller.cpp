@@ -3,10 +3,10 @@
 #include "log/zebcli_log.h"
 #include "storelib/common/StoreLib/passthrough.h"
 #include "storelib/common/StoreLib/request_path.h"
+#include "storelib/records/views.h"
 
 #include <algorithm>
 #include <cstring>
-#include <span>
 
 namespace {
 
@@ -20,10 +20,6 @@ std::uint32_t writeCtrlProp(Caller caller, unsigned char contNo, std::uint16_t s
     request.ref.ctrlSeqNo = seqNo;
     attachData(request, &properties, sizeof properties);
     return sendRequest(caller, request, contNo, Trace::Always);
-}
-
-std::span<const _SL_LD_OS_MAP_ENTRY> entries(const _SL_LD_OS_MAP_T& map) {
-    return {map.entry, std::min<std::size_t>(map.count, std::size(map.entry))};
 }
 
 /// Reads which LD the operating system knows under which name.
@@ -111,7 +107,7 @@ std::uint32_t SLGetOSDriveName(unsigned char contNo, int ldNo, char (&name)[kOsD
     HeapRecord<_SL_LD_OS_MAP_T> map;
     if (const std::uint32_t status = readLdOsMap(__func__, contNo, map); status != kSlSuccess)
         return status;
-    for (const _SL_LD_OS_MAP_ENTRY& entry : entries(*map)) {
+    for (const _SL_LD_OS_MAP_ENTRY& entry : entriesOf(*map)) {
         if (entry.targetId != static_cast<std::uint32_t>(ldNo))
             continue; // no early exit: the last entry of an LD that is mapped twice counts
         std::copy_n(entry.osDeviceName, sizeof name - 1, name);
@@ -125,7 +121,7 @@ std::uint32_t SLGetOSDriveNames(unsigned char contNo, unsigned char ldNo, OsDriv
     HeapRecord<_SL_LD_OS_MAP_T> map;
     if (const std::uint32_t status = readLdOsMap(__func__, contNo, map); status != kSlSuccess)
         return status;
-    for (const _SL_LD_OS_MAP_ENTRY& entry : entries(*map))
+    for (const _SL_LD_OS_MAP_ENTRY& entry : entriesOf(*map))
         if (entry.targetId == ldNo)
             std::copy(std::begin(entry.osDeviceName), std::end(entry.osDeviceName), names->name[names->count++]);
     return kSlSuccess;
@@ -135,7 +131,7 @@ std::uint32_t SLGetLDPartition(unsigned char contNo, int ldNo, _SL_PARTITION_INF
     HeapRecord<_SL_LD_OS_MAP_T> map;
     if (const std::uint32_t status = readLdOsMap(__func__, contNo, map); status != kSlSuccess)
         return status;
-    const auto known = entries(*map);
+    const auto known = entriesOf(*map);
     const auto entry = std::find_if(known.begin(), known.end(), [&](const _SL_LD_OS_MAP_ENTRY& candidate) {
         return candidate.targetId == static_cast<std::uint32_t>(ldNo);
     });

@@ -2,10 +2,9 @@
 
 #include "storelib/common/StoreLib/passthrough.h"
 #include "storelib/common/StoreLib/request_path.h"
+#include "storelib/records/views.h"
 
 #include <algorithm>
-#include <iterator>
-#include <span>
 
 std::uint32_t SLGetEnclList(unsigned char contNo, _MR_ENCL_LIST* list) {
     return query(__func__, contNo, {0x01, 0x05}, list);
@@ -28,7 +27,7 @@ std::uint32_t SLGetSlotNum(unsigned char contNo, std::uint16_t* slots) {
     _MR_ENCL_LIST list{};
     if (const std::uint32_t status = SLGetEnclList(contNo, &list); status != kSlSuccess)
         return failedBeforeSend(__func__, status);
-    const std::span enclosures(list.encl, std::min<std::size_t>(list.count, std::size(list.encl)));
+    const auto enclosures = entriesOf(list);
     if (enclosures.size() == 1) {
         *slots = enclosures.front().slotCount;
         return kSlSuccess;

@@ -2,8 +2,8 @@
 
 #include "storelib/common/StoreLib/physical_drive.h"
 #include "storelib/common/StoreLib/request_path.h"
+#include "storelib/records/views.h"
 
-#include <algorithm>
 #include <cstdlib>
 
 namespace {
@@ -55,7 +55,7 @@ int LDSortFunc(const void* a, const void* b) {
 std::uint32_t SLGetLDList(unsigned char contNo, _MR_LD_LIST* list) {
     const std::uint32_t status = queryZeroed(__func__, contNo, {0x01, 0x0D}, list);
     if (status == kSlSuccess)
-        std::qsort(list->ld, std::min<std::size_t>(list->count, std::size(list->ld)), sizeof list->ld[0], LDSortFunc);
+        std::qsort(list->ld, entriesOf(*list).size(), sizeof list->ld[0], LDSortFunc);
     return status;
 }
 
@@ -141,10 +141,12 @@ std::uint32_t SLIsDuringRebuildCopyback(unsigned char contNo, unsigned char ldNo
     if (const std::uint32_t status = SLGetPDInLD(contNo, ldNo, &drives); status != kSlSuccess)
         return failedBeforeSend(__func__, status);
     bool busy = false;
-    for (unsigned i = 0; i < std::min<unsigned>(drives.count, std::size(drives.deviceId)) && !busy; ++i) {
-        if (drives.deviceId[i] == kNoDevice)
+    for (const std::uint16_t deviceId : deviceIdsOf(drives)) {
+        if (busy)
+            break;
+        if (deviceId == kNoDevice)
             continue;
-        if (const std::uint32_t status = isDriveBusy(contNo, drives.deviceId[i], busy); status != kSlSuccess)
+        if (const std::uint32_t status = isDriveBusy(contNo, deviceId, busy); status != kSlSuccess)
             return failedBeforeSend(__func__, status);
     }
     *during = busy ? 1 : 0;

@@ -4,18 +4,14 @@
 #include "storelib/common/StoreLib/configuration.h"
 #include "storelib/common/StoreLib/logical_drive.h"
 #include "storelib/common/StoreLib/request_path.h"
+#include "storelib/records/views.h"
 
 #include <algorithm>
 #include <cstdlib>
-#include <span>
 
 namespace {
 
 constexpr Command kGetPdInfo{0x02, 0x00};
-
-std::span<_MR_PD_ADDRESS> addresses(_MR_PD_LIST& list) {
-    return {list.addr, std::min<std::size_t>(list.count, std::size(list.addr))};
-}
 
 /// Reads the PD list and hands each disk to the test until one passes. Returns 12 when none does; what was looked for
 /// is traced then.
@@ -26,7 +22,7 @@ std::uint32_t findDisk(Caller caller, unsigned char contNo, const char* key, uns
         return kSlMemoryAllocFailed;
     if (const std::uint32_t status = SLGetPDList(contNo, list.get()); status != kSlSuccess)
         return failedBeforeSend(caller, status);
-    const auto disks = addresses(*list);
+    const auto disks = entriesOf(*list);
     const bool found = std::any_of(disks.begin(), disks.end(), [&](const _MR_PD_ADDRESS& address) {
         return address.scsiDevType == kScsiDisk && test(address);
     });
@@ -62,14 +58,16 @@ std::uint32_t spareBlock(Caller caller, unsigned char contNo, std::uint16_t arra
         return kSlMemoryAllocFailed;
     if (const std::uint32_t status = SLGetArrayInfo(contNo, arrayId, array.get()); status != kSlSuccess)
         return failedBeforeSend(caller, status);
-    if (array->ldCount == 0)
+    const auto lds = ldsOf(*array);
+    if (lds.empty())
         return failedBeforeSend(caller, kSlDeviceNotFound);
     _MR_LD_INFO ld{};
-    if (const std::uint32_t status = SLGetLDInfo(contNo, array->ldTargetId[0], &ld); status != kSlSuccess)
+    if (const std::uint32_t status = SLGetLDInfo(contNo, lds.front(), &ld); status != kSlSuccess)
         return failedBeforeSend(caller, status);
-    block.arrayCount = static_cast<std::uint8_t>(std::min<unsigned>(ld.config.spanDepth, kMaxSpans));
-    for (unsigned k = 0; k < block.arrayCount; ++k)
-        block.arrayRef[k] = ld.config.span[k].arrayRef;
+    const auto spans = spansOf(ld.config);
+    block.arrayCount = static_cast<std::uint8_t>(spans.size());
+    for (std::size_t k = 0; k < spans.size(); ++k)
+        block.arrayRef[k] = spans[k].arrayRef;
     return kSlSuccess;
 }
 
@@ -82,7 +80,7 @@ int PDSortFunc(const void* a, const void* b) {
 std::uint32_t SLGetPDList(unsigned char contNo, _MR_PD_LIST* list) {
     const std::uint32_t status = query(__func__, contNo, {0x01, 0x04}, list);
     if (status == kSlSuccess) {
-        const auto all = addresses(*list);
+        const auto all = entriesOf(*list);
         // Every lookup reads the list afresh, and it mostly comes in order.
         const auto before = [](const _MR_PD_ADDRESS& a, const _MR_PD_ADDRESS& b) { return a.slotNo < b.slotNo; };
         if (!std::is_sorted(all.begin(), all.end(), before))

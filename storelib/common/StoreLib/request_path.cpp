@@ -2,13 +2,11 @@
 
 #include "storelib/common/StoreLib/physical_drive.h"
 
-#include <iterator>
-
 SL_LIB_CMD_PARAM_T makeRequest(Command command, unsigned char contNo) {
     SL_LIB_CMD_PARAM_T request{};
     request.cmdType = command.type;
     request.cmd = command.cmd;
-    if (contNo < std::size(ctrlList.ctrl))
+    if (contNo < kMaxListedControllers)
         request.ctrlId = ctrlList.ctrl[contNo];
     return request;
 }

@@ -1,7 +1,8 @@
-// The command handlers. Each gets the arguments as they were typed and the controller snapshot; what it returns is
-// ignored.
+// The command handlers and their option tables. Each handler gets the arguments as they were typed and the controller
+// snapshot; what it returns is ignored.
 #pragma once
 
+struct OptionTable;
 struct _AFCONT;
 
 // zebcli_cmd_ctrl
@@ -15,6 +16,12 @@ int CliCmdExecCacheBkupInfo(int argc, char** argv, _AFCONT* conts, int contCount
 int CliCmdExecCacheBkup(int argc, char** argv, _AFCONT* conts, int contCount);
 int CliCmdExecLog(int argc, char** argv, _AFCONT* conts, int contCount);
 int CliCmdExecTSTEVT(int argc, char** argv, _AFCONT* conts, int contCount);
+extern const OptionTable kCtrlInfoOptions;
+extern const OptionTable kCtrlSetPropOptions;
+extern const OptionTable kCtrlAutoRebuildOptions;
+extern const OptionTable kPatrolReadOptions;
+extern const OptionTable kCacheBackupOptions;
+extern const OptionTable kTestEventOptions;
 
 // zebcli_cmd_ld
 int CliCmdExecLDInfo(int argc, char** argv, _AFCONT* conts, int contCount);
@@ -27,6 +34,9 @@ int CliCmdExecCfgLDCustomMakeAdd(int argc, char** argv, _AFCONT* conts, int cont
 int CliCmdExecCfgLDDel(int argc, char** argv, _AFCONT* conts, int contCount);
 int CliCmdExecSSEnableEasy(int argc, char** argv, _AFCONT* conts, int contCount);
 int CliCmdExecSnapshot(int argc, char** argv, _AFCONT* conts, int contCount);
+extern const OptionTable kLdInfoOptions;
+extern const OptionTable kLdBackgroundOptions;
+extern const OptionTable kLdSetPropOptions;
 
 // zebcli_cmd_pd
 int CliCmdExecPDInfo(int argc, char** argv, _AFCONT* conts, int contCount);
@@ -37,3 +47,9 @@ int CliCmdExecPDOnline(int argc, char** argv, _AFCONT* conts, int contCount);
 int CliCmdExecPDRbld(int argc, char** argv, _AFCONT* conts, int contCount);
 int CliCmdExecPDLocate(int argc, char** argv, _AFCONT* conts, int contCount);
 int CliCmdExecPDHSP(int argc, char** argv, _AFCONT* conts, int contCount);
+extern const OptionTable kPdInfoOptions;
+extern const OptionTable kEnclInfoOptions;
+extern const OptionTable kPdStateOptions;
+extern const OptionTable kPdRebuildOptions;
+extern const OptionTable kPdLocateOptions;
+extern const OptionTable kHotSpareOptions;

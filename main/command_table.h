@@ -1,6 +1,7 @@
 // The commands: one row each.
 #pragma once
 
+#include "main/zebcli_cmd_com/input/options.h"
 #include "main/zebcli_cmd_com/model/snapshot.h"
 
 #include <span>
@@ -13,6 +14,10 @@ struct CommandRow {
     const char* word; ///< lower case, without the leading "-"
     CommandHandler handler;
     unsigned char needsSnapshot;
+    const char* source; ///< the unit under which its records stand
+    const OptionTable* options = nullptr; ///< null for a command without options, or with a parser of its own
+    int usagePlace = 0; ///< of its lines in the usage text, from 1
+    const char* usage = nullptr; ///< its lines there, null for one that is not shown
 };
 
 /// All rows, in the order in which they are searched.

@@ -14,7 +14,6 @@
 
 namespace {
 
-constexpr OptionTable kOptions{.source = kCtrlSource, .badToken = BadToken::Before, .takesControllers = true};
 constexpr unsigned kSecondsPerDay = 86400;
 
 struct CacheBackupData {
@@ -64,10 +63,13 @@ void reportCacheBackup(unsigned char contNo, const CacheBackupData& data) {
 
 } // namespace
 
+constexpr OptionTable kCacheBackupOptions{
+    .source = kCtrlSource, .badToken = BadToken::Before, .takesControllers = true};
+
 int CliCmdExecCacheBkupInfo(int argc, char** argv, _AFCONT* /*conts*/, int contCount) {
     dumpLog(kCtrlSource, __LINE__, __func__);
     Options options;
-    if (!readArguments(kOptions, argc, argv, contCount, options))
+    if (!readArguments(kCacheBackupOptions, argc, argv, contCount, options))
         return 1;
     for (const unsigned char contNo : selectedControllers(options.ctrls, contCount)) {
         CacheBackupData data;
@@ -81,7 +83,7 @@ int CliCmdExecCacheBkupInfo(int argc, char** argv, _AFCONT* /*conts*/, int contC
 int CliCmdExecCacheBkup(int argc, char** argv, _AFCONT* /*conts*/, int contCount) {
     dumpLog(kCtrlSource, __LINE__, __func__);
     Options options;
-    if (!readArguments(kOptions, argc, argv, contCount, options))
+    if (!readArguments(kCacheBackupOptions, argc, argv, contCount, options))
         return 1;
     for (const unsigned char contNo : selectedControllers(options.ctrls, contCount)) {
         if (succeeded(SLLearnCacheBkup(contNo), {kCtrlSource, __func__}, "SLLearnCacheBkup error",

@@ -3,6 +3,7 @@
 
 #include "log/raidctl.h"
 #include "log/zebcli_log.h"
+#include "main/command_table.h"
 #include "main/zebcli_cmd_com/base/source.h"
 #include "main/zebcli_cmd_com/base/string_shims.h"
 #include "main/zebcli_cmd_com/input/options.h"
@@ -11,58 +12,36 @@
 #include "storelib/common/StoreLib/controller.h"
 #include "storelib/records/status.h"
 
+#include <algorithm>
+#include <string>
+#include <string_view>
+#include <vector>
+
 namespace {
 
 constexpr char kProductVersion[] = "2.3";
 constexpr char kFileVersion[] = "2.2.0.6";
 constexpr int kRightsYear = 2026;
 
-// The lines of the usage text; "%s" in the one of ldc is the part about CacheCade.
-#define ZEB_CTRL "{-aN|-a0,1,2|-aAll}"
-#define ZEB_LD "{-Lx|-L0,1,2|-Lall}"
-#define ZEB_PD "-pd[{E0}:S0,{E1}:S1,...]"
+/// The part of the usage of ldc that a controller without CacheCade is spared.
+constexpr std::string_view kCacheCadePart = " | -cachecade[{E0}:S0,{E1}:S1,...]";
 
-constexpr char kUsage[] =
-    "zebcli -lde\n"
-    "zebcli -ldc -r0|-r1|-r5|-r6[{E0}:S0,{E1}:S1,...]|-r10 | -array0[{E0}:S0,{E1}:S1,...] "
-    "-array1[{E0}:S0,{E1}:S1,...] [-arrayx[0:0,1:1,...N:N]]%s {-wt|-wb|-wbcb} {-nora|-ra} {-direct|-cached} "
-    "{-szxxx [-szyyy ...]} " ZEB_CTRL "\n"
-    "zebcli -lddel\n"
-    "zebcli -pdhsp -ghs|-dhs " ZEB_PD " " ZEB_CTRL "\n"
-    "zebcli -pdhsp -rmv {-nochk} " ZEB_PD " " ZEB_CTRL "\n"
-    "zebcli -ctrlinfo " ZEB_CTRL "\n"
-    "zebcli -ldpdinfo " ZEB_LD " " ZEB_CTRL "\n"
-    "zebcli -pdinfo {" ZEB_PD "} " ZEB_CTRL "\n"
-    "zebcli -cbinfo " ZEB_CTRL "\n"
-    "zebcli -cblearn " ZEB_CTRL "\n"
-    "zebcli -enclinfo " ZEB_CTRL "\n"
-    "zebcli -v\n"
-    "zebcli -ldsetprop {-name NameString} {-nora|-ra} {-wt|-wb|-wbcb} {-direct|-cached} {-rw|-ro|-blocked} "
-    "{-endskcache|-disdskcache|-unchanged} " ZEB_LD " " ZEB_CTRL "\n"
-    "zebcli -ctrlautorbld -enbl|-dsbl " ZEB_CTRL "\n"
-    "zebcli -ctrlsetprop {-trh|-trm|-trl} {-hddcpybkenbl|-hddcpybkdsbl} {-ssdcpybkenbl|-ssdcpybkdsbl} "
-    "{-pdfailenbl|-pdfaildsbl} " ZEB_CTRL "\n"
-    "zebcli -ctrlpr {-dsbl|-enblauto|-enblman} {-hour|-day|-week|-month} {-setstarttime mmddyyyyhh} {-start|-stop} " //
-    ZEB_CTRL "\n"
-    "zebcli -ldinit -start|-stop " ZEB_LD " " ZEB_CTRL "\n"
-    "zebcli -ldcc -start|-stop " ZEB_LD " " ZEB_CTRL "\n"
-    "zebcli -pdrbld -start " ZEB_PD " " ZEB_CTRL "\n"
-    "zebcli -ldpdprog\n"
-    "zebcli -tstevt -inf|-wrn|-err\n"
-    "zebcli -pdlocate -start|-stop " ZEB_PD " " ZEB_CTRL "\n"
-    "zebcli -pdoffline " ZEB_PD " " ZEB_CTRL "\n"
-    "zebcli -pdonline " ZEB_PD " " ZEB_CTRL "\n"
-    "zebcli -pdmakegood " ZEB_PD " " ZEB_CTRL "\n"
-    "zebcli -log\n"
-    "\n"
-    "Quorvel RAID Pellucor Command Line Tool Ver %s\n"
-    "Copyright (C) %d QUORVEL, Ltd. All rights reserved.";
-
-#undef ZEB_CTRL
-#undef ZEB_LD
-#undef ZEB_PD
-
-constexpr char kCacheCadePart[] = " | -cachecade[{E0}:S0,{E1}:S1,...]";
+/// The lines of all commands in their order.
+std::string usageLines(bool withCacheCade) {
+    const auto rows = commandRows();
+    std::vector<const CommandRow*> shown;
+    for (const CommandRow& row : rows)
+        if (row.usage != nullptr)
+            shown.push_back(&row);
+    std::sort(shown.begin(), shown.end(),
+              [](const CommandRow* a, const CommandRow* b) { return a->usagePlace < b->usagePlace; });
+    std::string lines;
+    for (const CommandRow* row : shown)
+        lines.append(row->usage).append("\n");
+    if (const std::size_t part = lines.find(kCacheCadePart); !withCacheCade && part != lines.npos)
+        lines.erase(part, kCacheCadePart.size());
+    return lines;
+}
 
 /// The first controller with an advanced option decides; FastPath plays no part.
 bool offersCacheCade(const _AFCONT* conts, int contCount) {
@@ -80,8 +59,10 @@ int CliCmdExecHelp(int argc, char** argv, _AFCONT* conts, int contCount) {
     dumpLog(kCtrlSource, __LINE__, __func__);
     if (refuseArguments(kCtrlSource, argc, argv))
         return 1;
-    CliLogging(kPrint, kCtrlSource, __LINE__, kUsage, offersCacheCade(conts, contCount) ? kCacheCadePart : "",
-               kProductVersion, kRightsYear);
+    CliLogging(kPrint, kCtrlSource, __LINE__,
+               "%s\nQuorvel RAID Pellucor Command Line Tool Ver %s\n"
+               "Copyright (C) %d QUORVEL, Ltd. All rights reserved.",
+               usageLines(offersCacheCade(conts, contCount)).c_str(), kProductVersion, kRightsYear);
     return 0;
 }
 

@@ -18,7 +18,6 @@
 
 namespace {
 
-constexpr OptionTable kOptions{.source = kCtrlSource, .badToken = BadToken::Before, .takesControllers = true};
 constexpr Speaker kHandler{kCtrlSource, "CliCmdExecAdpInfo"};
 
 struct ControllerData {
@@ -170,10 +169,12 @@ bool reportController(Controller ctrl) {
 
 } // namespace
 
+constexpr OptionTable kCtrlInfoOptions{.source = kCtrlSource, .badToken = BadToken::Before, .takesControllers = true};
+
 int CliCmdExecAdpInfo(int argc, char** argv, _AFCONT* conts, int contCount) {
     dumpLog(kCtrlSource, __LINE__, __func__);
     Options options;
-    if (!readArguments(kOptions, argc, argv, contCount, options))
+    if (!readArguments(kCtrlInfoOptions, argc, argv, contCount, options))
         return 1;
     for (const unsigned char contNo : selectedControllers(options.ctrls, contCount))
         if (!reportController({contNo, conts}))

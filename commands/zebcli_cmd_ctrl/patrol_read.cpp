@@ -92,8 +92,6 @@ constexpr auto kWords = std::to_array<OptionWord>({
     {.word = "start", .bit = kStartNow, .refusedAfter = kRuns | kDisable},
     {.word = "stop", .bit = kStopNow, .refusedAfter = kRuns},
 });
-constexpr OptionTable kOptions{
-    .source = kCtrlSource, .badToken = BadToken::Before, .words = kWords, .needsWord = true, .takesControllers = true};
 
 /// The value of the given one of these words, if any was given.
 std::optional<std::uint32_t> valueGiven(const Options& options, unsigned words) {
@@ -271,10 +269,13 @@ bool change(const Wanted& wanted, const Patrol& patrol) {
 
 } // namespace
 
+constexpr OptionTable kPatrolReadOptions{
+    .source = kCtrlSource, .badToken = BadToken::Before, .words = kWords, .needsWord = true, .takesControllers = true};
+
 int CliCmdExecAdpPR(int argc, char** argv, _AFCONT* conts, int contCount) {
     dumpLog(kCtrlSource, __LINE__, __func__);
     Options options;
-    if (!readArguments(kOptions, argc, argv, contCount, options))
+    if (!readArguments(kPatrolReadOptions, argc, argv, contCount, options))
         return 1;
     const Wanted wanted(options);
     const auto controllers = selectedControllers(options.ctrls, contCount);

@@ -45,11 +45,6 @@ constexpr auto kSettingWords = std::to_array<OptionWord>({
     {.word = "pdfailenbl", .bit = kPdFailEnable, .refusedAfter = kPdFail},
     {.word = "pdfaildsbl", .bit = kPdFailDisable, .refusedAfter = kPdFail},
 });
-constexpr OptionTable kSettingOptions{.source = kCtrlSource,
-                                      .badToken = BadToken::Before,
-                                      .words = kSettingWords,
-                                      .needsWord = true,
-                                      .takesControllers = true};
 
 enum RebuildBit : unsigned { kRebuildEnable = 1, kRebuildDisable = 2 };
 constexpr unsigned kRebuildModes = kRebuildEnable | kRebuildDisable;
@@ -57,11 +52,6 @@ constexpr auto kRebuildWords = std::to_array<OptionWord>({
     {.word = "enbl", .bit = kRebuildEnable, .refusedAfter = kRebuildModes},
     {.word = "dsbl", .bit = kRebuildDisable, .refusedAfter = kRebuildModes},
 });
-constexpr OptionTable kRebuildOptions{.source = kCtrlSource,
-                                      .badToken = BadToken::Before,
-                                      .words = kRebuildWords,
-                                      .needsWord = true,
-                                      .takesControllers = true};
 
 /// Failing a drive on SMART errors and copying it back on SMART errors exclude each other.
 void refuseBoth(unsigned char contNo) {
@@ -137,10 +127,22 @@ bool changeSettings(unsigned char contNo, const Options& options, const _AFCONT&
 
 } // namespace
 
+constexpr OptionTable kCtrlSetPropOptions{.source = kCtrlSource,
+                                          .badToken = BadToken::Before,
+                                          .words = kSettingWords,
+                                          .needsWord = true,
+                                          .takesControllers = true};
+
+constexpr OptionTable kCtrlAutoRebuildOptions{.source = kCtrlSource,
+                                              .badToken = BadToken::Before,
+                                              .words = kRebuildWords,
+                                              .needsWord = true,
+                                              .takesControllers = true};
+
 int CliCmdExecAdpSetProp(int argc, char** argv, _AFCONT* conts, int contCount) {
     dumpLog(kCtrlSource, __LINE__, __func__);
     Options options;
-    if (!readArguments(kSettingOptions, argc, argv, contCount, options))
+    if (!readArguments(kCtrlSetPropOptions, argc, argv, contCount, options))
         return 1;
     if (options.has(kPdFailEnable) && options.has(kCopybackEnable)) {
         refuseBoth(options.ctrls[0]);
@@ -155,7 +157,7 @@ int CliCmdExecAdpSetProp(int argc, char** argv, _AFCONT* conts, int contCount) {
 int CliCmdExecAdpRbldMode(int argc, char** argv, _AFCONT* /*conts*/, int contCount) {
     dumpLog(kCtrlSource, __LINE__, __func__);
     Options options;
-    if (!readArguments(kRebuildOptions, argc, argv, contCount, options))
+    if (!readArguments(kCtrlAutoRebuildOptions, argc, argv, contCount, options))
         return 1;
     const bool disable = options.has(kRebuildDisable);
     for (const unsigned char contNo : selectedControllers(options.ctrls, contCount)) {

@@ -20,8 +20,6 @@ constexpr auto kSeverityWords = std::to_array<OptionWord>({
     {.word = "wrn", .bit = kWarning, .refusedAfter = kSeverities},
     {.word = "err", .bit = kError, .refusedAfter = kSeverities},
 });
-constexpr OptionTable kOptions{
-    .source = kCtrlSource, .badToken = BadToken::Before, .words = kSeverityWords, .needsWord = true};
 
 constexpr char kDetailedCode[] = "FFFFFFFF";
 
@@ -44,10 +42,13 @@ void writeTestEvent(std::uint16_t eventCode, std::uint32_t messageId, const ZEBS
 
 } // namespace
 
+constexpr OptionTable kTestEventOptions{
+    .source = kCtrlSource, .badToken = BadToken::Before, .words = kSeverityWords, .needsWord = true};
+
 int CliCmdExecTSTEVT(int argc, char** argv, _AFCONT* /*conts*/, int contCount) {
     dumpLog(kCtrlSource, __LINE__, __func__);
     Options options;
-    if (!readArguments(kOptions, argc, argv, contCount, options))
+    if (!readArguments(kTestEventOptions, argc, argv, contCount, options))
         return 1;
     const std::uint16_t eventCode = testEventCode(options);
     std::uint32_t messageId = 0;

@@ -16,7 +16,6 @@
 
 namespace {
 
-constexpr OptionTable kOptions = ldOptions(kStartStopWords);
 constexpr Speaker kCheck{kLdSource, "CliCmdExecLDCC"};
 constexpr Speaker kInit{kLdSource, "CliCmdExecLDINIT"};
 
@@ -124,7 +123,7 @@ void performOnController(const Operation& operation, Controller ctrl, std::span<
 int runOperation(const Operation& start, const Operation& stop, int argc, char** argv, const _AFCONT* conts,
                  int contCount) {
     Options options;
-    if (!readArguments(kOptions, argc, argv, contCount, options))
+    if (!readArguments(kLdBackgroundOptions, argc, argv, contCount, options))
         return 1;
     for (const unsigned char contNo : selectedControllers(options.ctrls, contCount)) {
         const SelectedLds lds = selectedLds(options.lds, {contNo, conts});
@@ -136,6 +135,8 @@ int runOperation(const Operation& start, const Operation& stop, int argc, char**
 }
 
 } // namespace
+
+constexpr OptionTable kLdBackgroundOptions = ldOptions(kStartStopWords);
 
 int CliCmdExecLDINIT(int argc, char** argv, _AFCONT* conts, int contCount) {
     dumpLog(kLdSource, __LINE__, __func__);

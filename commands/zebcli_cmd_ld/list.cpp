@@ -21,7 +21,6 @@
 
 namespace {
 
-constexpr OptionTable kOptions = ldOptions();
 constexpr std::uint64_t kFreeSpaceFloor = 4; // MB per drive
 constexpr unsigned kBlocksToMbShift = 11;
 
@@ -233,10 +232,12 @@ void reportController(Controller ctrl, bool withSummary, const LdList& listed, S
 
 } // namespace
 
+constexpr OptionTable kLdInfoOptions = ldOptions();
+
 int CliCmdExecLDInfo(int argc, char** argv, _AFCONT* conts, int contCount) {
     dumpLog(kLdSource, __LINE__, __func__);
     Options options;
-    if (!readArguments(kOptions, argc, argv, contCount, options))
+    if (!readArguments(kLdInfoOptions, argc, argv, contCount, options))
         return 1;
     SoftwareRaidAnswer software;
     for (const unsigned char contNo : selectedControllers(options.ctrls, contCount))

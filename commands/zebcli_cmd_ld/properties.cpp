@@ -72,7 +72,6 @@ constexpr std::array<OptionWord, kPolicyWords.size() + 1> makeWords() {
     return words;
 }
 constexpr auto kWords = makeWords();
-constexpr OptionTable kOptions = ldOptions(kWords);
 
 /// The value of the group's option when one was given, else what is kept of the current value.
 std::uint8_t policyOr(const Options& options, unsigned group, std::uint8_t kept) {
@@ -234,10 +233,12 @@ void sayDone(unsigned char contNo, const NumberList& lds) {
 
 } // namespace
 
+constexpr OptionTable kLdSetPropOptions = ldOptions(kWords);
+
 int CliCmdExecLDSetProp(int argc, char** argv, _AFCONT* conts, int contCount) {
     dumpLog(kLdSource, __LINE__, __func__);
     Options options;
-    if (!readArguments(kOptions, argc, argv, contCount, options))
+    if (!readArguments(kLdSetPropOptions, argc, argv, contCount, options))
         return 1;
     const auto controllers = selectedControllers(options.ctrls, contCount);
     if (const char* text = obstacle(options, controllers, conts); text != nullptr) {

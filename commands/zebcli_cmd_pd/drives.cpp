@@ -20,7 +20,6 @@
 
 namespace {
 
-constexpr OptionTable kOptions = pdOptions();
 constexpr Speaker kHandler{kPdSource, "CliCmdExecPDInfo"};
 
 void mkRoleStr(Controller ctrl, unsigned char slotNo, std::span<char> out) {
@@ -122,10 +121,12 @@ void reportController(int position, Controller ctrl, std::span<const unsigned ch
 
 } // namespace
 
+constexpr OptionTable kPdInfoOptions = pdOptions();
+
 int CliCmdExecPDInfo(int argc, char** argv, _AFCONT* conts, int contCount) {
     dumpLog(kPdSource, __LINE__, __func__);
     Options options;
-    if (!readArguments(kOptions, argc, argv, contCount, options))
+    if (!readArguments(kPdInfoOptions, argc, argv, contCount, options))
         return 1;
     if (!options.pdGiven)
         GetPhysicalDriveNo("", options.pds, 0);

@@ -17,7 +17,6 @@
 
 namespace {
 
-constexpr OptionTable kOptions{.source = kPdSource, .badToken = BadToken::Before, .takesControllers = true};
 constexpr Speaker kHandler{kPdSource, "CliCmdExecEnclInfo"};
 
 /// What is asked of one enclosure.
@@ -123,10 +122,12 @@ bool gather(Report& report, int position, unsigned char contNo, _SL_ENCL_STATUS_
 
 } // namespace
 
+constexpr OptionTable kEnclInfoOptions{.source = kPdSource, .badToken = BadToken::Before, .takesControllers = true};
+
 int CliCmdExecEnclInfo(int argc, char** argv, _AFCONT* /*conts*/, int contCount) {
     dumpLog(kPdSource, __LINE__, __func__);
     Options options;
-    if (!readArguments(kOptions, argc, argv, contCount, options))
+    if (!readArguments(kEnclInfoOptions, argc, argv, contCount, options))
         return 1;
     const auto status = allocateRecord<_SL_ENCL_STATUS_EX_T>();
     if (!status)

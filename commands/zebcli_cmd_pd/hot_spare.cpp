@@ -32,7 +32,6 @@ constexpr auto kWords = std::to_array<OptionWord>({
     {.word = "rmv", .bit = kRemove, .refusedAfter = kModes},
     {.word = "nochk", .bit = kNoCheck, .refusedAfter = kNoCheck},
 });
-constexpr OptionTable kOptions = pdOptions(kWords);
 
 bool isComplete(const Options& options) {
     return options.pdGiven && options.has(kModes);
@@ -235,10 +234,12 @@ bool changeOnController(Controller ctrl, const Options& options) {
 
 } // namespace
 
+constexpr OptionTable kHotSpareOptions = pdOptions(kWords);
+
 int CliCmdExecPDHSP(int argc, char** argv, _AFCONT* conts, int contCount) {
     dumpLog(kPdSource, __LINE__, __func__);
     Options options;
-    if (!parsePdCommand(kOptions, isComplete, argc, argv, contCount, conts, options))
+    if (!parsePdCommand(kHotSpareOptions, isComplete, argc, argv, contCount, conts, options))
         return 1;
     for (const unsigned char contNo : selectedControllers(options.ctrls, contCount))
         if (!changeOnController({contNo, conts}, options))

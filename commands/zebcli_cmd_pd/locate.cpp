@@ -12,7 +12,6 @@
 
 namespace {
 
-constexpr OptionTable kOptions = pdOptions(kStartStopWords);
 constexpr Speaker kHandler{kPdSource, "CliCmdExecPDLocate"};
 constexpr unsigned char ucLocateLEDsts = 0;
 
@@ -58,10 +57,12 @@ void stopOnController(unsigned char contNo, const PdList& pds) {
 
 } // namespace
 
+constexpr OptionTable kPdLocateOptions = pdOptions(kStartStopWords);
+
 int CliCmdExecPDLocate(int argc, char** argv, _AFCONT* conts, int contCount) {
     dumpLog(kPdSource, __LINE__, __func__);
     Options options;
-    if (!parsePdCommand(kOptions, isComplete, argc, argv, contCount, conts, options))
+    if (!parsePdCommand(kPdLocateOptions, isComplete, argc, argv, contCount, conts, options))
         return 1;
     for (const unsigned char contNo : selectedControllers(options.ctrls, contCount)) {
         if (options.has(kStart))

@@ -14,13 +14,17 @@
 namespace {
 
 constexpr Speaker kHandler{kPdSource, "CliCmdExecPDRbld"};
-constexpr OptionTable kOptions = pdOptions(kStartStopWords);
 
 /// Stands in the failure list for a drive whose allowed operations could not be read.
 constexpr unsigned kNoDriveNumber = 255;
 
-/// Deliberate: a PD list together with a controller option needs "start" or "stop", one without does not. Both words
-/// start a rebuild; there is none that stops it.
+/// Deliberate: both words start a rebuild; there is none that stops it.
+constexpr auto kWords = std::to_array<OptionWord>({
+    {.word = "start", .bit = kStart, .refusedAfter = kStart | kStop},
+    {.word = "stop", .bit = kStop, .refusedAfter = kStart | kStop, .offered = false},
+});
+
+/// Deliberate: a PD list together with a controller option needs a word, one without does not.
 bool isComplete(const Options& options) {
     return (options.pdGiven && !options.ctrlGiven) || options.bits != 0;
 }
@@ -77,10 +81,12 @@ void rebuildOnController(Controller ctrl, const PdList& pds) {
 
 } // namespace
 
+constexpr OptionTable kPdRebuildOptions = pdOptions(kWords);
+
 int CliCmdExecPDRbld(int argc, char** argv, _AFCONT* conts, int contCount) {
     dumpLog(kPdSource, __LINE__, __func__);
     Options options;
-    if (!parsePdCommand(kOptions, isComplete, argc, argv, contCount, conts, options))
+    if (!parsePdCommand(kPdRebuildOptions, isComplete, argc, argv, contCount, conts, options))
         return 1;
     for (const unsigned char contNo : selectedControllers(options.ctrls, contCount))
         rebuildOnController({contNo, conts}, options.pds);

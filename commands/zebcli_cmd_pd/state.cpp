@@ -11,8 +11,6 @@
 
 namespace {
 
-constexpr OptionTable kOptions = pdOptions();
-
 using StateChange = std::uint32_t (*)(unsigned char contNo, unsigned char slotNo);
 
 void changeOnController(const char* handler, StateChange change, unsigned char contNo, const PdList& pds) {
@@ -38,7 +36,7 @@ void changeOnController(const char* handler, StateChange change, unsigned char c
 int changeState(const char* handler, StateChange change, int argc, char** argv, const _AFCONT* conts, int contCount) {
     Options options;
     if (!parsePdCommand(
-            kOptions, [](const Options& given) { return given.pdGiven; }, argc, argv, contCount, conts, options))
+            kPdStateOptions, [](const Options& given) { return given.pdGiven; }, argc, argv, contCount, conts, options))
         return 1;
     for (const unsigned char contNo : selectedControllers(options.ctrls, contCount))
         changeOnController(handler, change, contNo, options.pds);
@@ -46,6 +44,8 @@ int changeState(const char* handler, StateChange change, int argc, char** argv, 
 }
 
 } // namespace
+
+constexpr OptionTable kPdStateOptions = pdOptions();
 
 int CliCmdExecPDMakeGood(int argc, char** argv, _AFCONT* conts, int contCount) {
     dumpLog(kPdSource, __LINE__, __func__);

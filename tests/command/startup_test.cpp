@@ -154,7 +154,7 @@ std::string sourceOf(const std::string& handler) {
 /// The lines of a unit's files that stand at that number, each with the two before it.
 std::string codeAt(const std::string& unit, unsigned line) {
     std::string code;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(ZEB_SOURCE_DIR "/commands/" + unit)) {
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(paths::sourceDir + ("/commands/" + unit))) {
         std::ifstream file(entry.path());
         std::string text;
         for (unsigned number = 1; std::getline(file, text) && number <= line; ++number)

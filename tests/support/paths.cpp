@@ -5,6 +5,7 @@ namespace paths {
 const char* const zebcli = ZEB_ZEBCLI;
 const char* const libraryDir = ZEB_LIBRARY_DIR;
 const char* const expectedDir = ZEB_EXPECTED_DIR;
+const char* const sourceDir = ZEB_SOURCE_DIR;
 const char* const scenarioDir = ZEB_SCENARIO_DIR;
 const char* const patternFile = ZEB_SOURCE_DIR "/share/confpat1.csv";
 const char* const libNoEntryDir = ZEB_LIB_NO_ENTRY;

@@ -6,6 +6,7 @@ namespace paths {
 
 extern const char* const zebcli;
 extern const char* const libraryDir; ///< of the simulated library
+extern const char* const sourceDir; ///< of the whole project
 extern const char* const expectedDir;
 extern const char* const scenarioDir;
 extern const char* const patternFile; ///< as it is shipped

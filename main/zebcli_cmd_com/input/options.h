@@ -13,6 +13,7 @@ struct OptionWord {
     unsigned bit;
     unsigned refusedAfter; ///< the bits of the words before which this one is refused, its own among them
     bool (*acceptsValue)(const char* value) = nullptr; ///< null where no value follows; one not accepted is refused
+    bool offered = true; ///< false: taken, but named in no usage, since it does not do what it says
 };
 
 /// Which argument a refusal names.

@@ -13,6 +13,7 @@
 #include "main/zebcli_cmd_com/text/number_list.h"
 #include "main/zebcli_cmd_com/text/raid_group_words.h"
 #include "main/zebcli_cmd_com/text/vocabulary.h"
+#include "storelib/common/StoreLib/hot_spare.h"
 #include "storelib/common/StoreLib/logical_drive.h"
 #include "storelib/common/StoreLib/physical_drive.h"
 

@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 
 #include "tests/support/expected.h"
+#include "tests/support/log_file.h"
 #include "tests/support/operation_case.h"
 
 namespace zebtest {
@@ -137,7 +138,17 @@ TEST_F(HostileSizes, SnapshotOf4GigabytesIsReadUpToOneMegabyte) {
         if (request.type == 6 && request.cmd == 3 && request.out.at(6) == 0x0F)
             sizes.push_back(toHex({reinterpret_cast<const char*>(request.out.data()), 4}));
     EXPECT_THAT(sizes, testing::ElementsAre("04000000", "00001000", "04000000", testing::_));
+    EXPECT_THAT(LogFile(box.log()).messages(),
+                testing::Contains("!ERR func=UpdateDriveInfo: size 4294967295 is not believed, contNo=0, ldNo=0"));
     EXPECT_EQ(box.run(optionsFor(kScenario, "-ldpdprog")).out, result.out);
+}
+
+TEST_F(HostileSizes, ConfigurationOf4GigabytesIsNotRead) {
+    auto options = optionsFor(kScenario, "-ldpdprog");
+    options.env["ZEBSIM_FAULTS"] = R"([{"type":4,"cmd":0,"nth":1,"patch":[{"offset":0,"hex":"ffffffff"}]}])";
+    EXPECT_EQ(255, box.run(options).exitStatus);
+    EXPECT_THAT(LogFile(box.log()).messages(),
+                testing::Contains("!ERR func=UpdateDriveInfo: size 4294967295 is not believed, contNo=0"));
 }
 
 /// The lines of a report with the values taken off, where a line has one.

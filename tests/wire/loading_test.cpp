@@ -2,8 +2,14 @@
 #include <algorithm>
 
 #include "storelib/common/StoreLib/controller.h"
+#include "storelib/common/StoreLib/request_path.h"
 #include "storelib/status_text.h"
 #include "tests/support/wire.h"
+
+/// Read by the sanitizers' allocator, where there is one: a block that is too large is no fault of the program.
+extern "C" __attribute__((visibility("default"))) const char* __asan_default_options() {
+    return "allocator_may_return_null=1";
+}
 
 namespace zebtest {
 namespace {
@@ -75,6 +81,27 @@ TEST_F(WireLoading, RequestsGoToTheLibraryOfTheirKind) {
     EXPECT_EQ("", log.take()) << "a request that no library takes leaves no trace here";
     _MR_CTRL_PROP properties{};
     EXPECT_EQ(0x01000002U, SLGetCtrlProp(1, &properties)) << "the controller id is the whole entry";
+}
+
+TEST_F(WireLoading, StatusIsCutTo32Bits) {
+    const auto wide = +[](_SL_LIB_CMD_PARAM_T*) -> std::uint64_t { return 0x0000'0001'0000'0004; };
+    pfnProcessLibCommandMR = reinterpret_cast<ProcessLibCommandFn>(reinterpret_cast<void*>(wide));
+    _SL_LIB_CMD_PARAM_T header{};
+    EXPECT_EQ(4U, ProcessLibCommandCall(&header, 0));
+}
+
+unsigned timesOutOfMemory = 0;
+
+TEST_F(WireLoading, BlockThatCannotBeHadIsTold) {
+    const auto saved = std::exchange(pfnMemAllocFailed, [] { ++timesOutOfMemory; });
+    const volatile std::size_t tooMuch = SIZE_MAX / 2;
+    EXPECT_EQ(nullptr, allocateRecord<_MR_PD_LIST>(tooMuch));
+    EXPECT_EQ(1U, timesOutOfMemory);
+    EXPECT_NE(nullptr, allocateRecord<_MR_PD_LIST>());
+    EXPECT_EQ(1U, timesOutOfMemory);
+    pfnMemAllocFailed = nullptr;
+    EXPECT_EQ(nullptr, allocateRecord<_MR_PD_LIST>(tooMuch));
+    pfnMemAllocFailed = saved;
 }
 
 TEST_F(WireLoading, LibraryItselfIsCalledDirectly) {

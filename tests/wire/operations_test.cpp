@@ -4,6 +4,7 @@
 #include "storelib/common/StoreLib/cache_backup.h"
 #include "storelib/common/StoreLib/configuration.h"
 #include "storelib/common/StoreLib/controller.h"
+#include "storelib/common/StoreLib/hot_spare.h"
 #include "storelib/common/StoreLib/logical_drive.h"
 #include "storelib/common/StoreLib/physical_drive.h"
 #include "tests/support/wire.h"
@@ -150,10 +151,32 @@ TEST_F(WireOperations, DedicatedSpareServesEverySpanOfTheLd) {
         const std::string name = "SLMakeDedicatedHotspare";
         auto [steps, ref] = resolve(name, kPdSeq);
         steps.insert(steps.begin(), {request(0x03, 0x00, kLd, 384, bytesOf(ld)), {"SLGetLDInfo", name}});
-        steps.insert(steps.begin(), {request(0x04, 0x08, 0x1122, 2368, bytesOf(array)), {"SLGetArrayInfo", name}});
-        const std::string heading = "func=" + name + ": contNo=1 ,slotNo=200, arrayRef=4386\n";
+        steps.insert(steps.begin(), {request(0x04, 0x08, 0x5100, 2368, bytesOf(array)), {"SLGetArrayInfo", name}});
+        const std::string heading = "func=" + name + ": contNo=1 ,slotNo=200, arrayRef=20736\n";
         steps.push_back({request(0x02, 0x0B, ref, 33, {}, block), {name}, heading + dumpText(block), true});
-        check(name, steps, [] { return SLMakeDedicatedHotspare(kCont, kSlot, 0x1122); });
+        check(name, steps, [] { return SLMakeDedicatedHotspare(kCont, kSlot, 0x5100); });
+    }
+}
+
+TEST_F(WireOperations, DedicatedSpareIsRefusedWhereTheLdLiesOnOtherArrays) {
+    const struct {
+        std::uint8_t lds, spans;
+        std::uint16_t asked;
+    } cases[] = {{0, 2, 0x5100}, {1, 2, 0x1122}, {1, 2, 0x5102}, {1, 0, 0x5100}};
+    for (const auto& c : cases) {
+        _SL_ARRAY_INFO_T array{};
+        array.ldCount = c.lds;
+        array.ldTargetId[0] = kLd;
+        _MR_LD_INFO ld{};
+        ld.config.spanDepth = c.spans;
+        for (std::uint16_t k = 0; k < 8; ++k)
+            ld.config.span[k].arrayRef = static_cast<std::uint16_t>(0x5100 + k);
+        library.expect(request(0x04, 0x08, c.asked, 2368, bytesOf(array)));
+        if (c.lds > 0)
+            library.expect(request(0x03, 0x00, kLd, 384, bytesOf(ld)));
+        EXPECT_EQ(0x0CU, SLMakeDedicatedHotspare(kCont, kSlot, c.asked)) << c.asked;
+        library.finish();
+        EXPECT_EQ(statusLine("SLMakeDedicatedHotspare", 0x0C), log.take()) << c.asked;
     }
 }
 

@@ -190,8 +190,8 @@ TEST_F(WireQueries, ConfigurationSizeIsTheFirstWordOfAShortRead) {
 }
 
 TEST_F(WireQueries, LookUpsTakeTheFirstDiskOfTheSortedList) {
-    const ExpectedRequest list =
-        pdList({device(20, 9), device(10, 5), device(30, 4, 0x0D), device(10, 3), device(11, 7)});
+    const ExpectedRequest list = pdList({device(20, 9), device(10, 5), device(30, 4, 0x0D), device(10, 3),
+                                         device(11, 7), device(31, 4, 0x05), device(32, 5, 0x11), device(33, 4, 0xFF)});
     const std::pair<std::uint8_t, std::uint16_t> found[] = {{5, 10}, {9, 20}, {7, 11}};
     for (const auto& [slot, id] : found) {
         std::uint16_t deviceId = 0;
@@ -202,9 +202,15 @@ TEST_F(WireQueries, LookUpsTakeTheFirstDiskOfTheSortedList) {
         EXPECT_EQ(id == 10 ? 3 : slot, slotNo) << id;
     }
     unsigned char slotNo = 77;
+    for (std::uint16_t other = 30; other <= 33; ++other) {
+        library.expect(list);
+        EXPECT_EQ(0x0CU, SLGetSlotNo(kCont, other, &slotNo)) << other << " is no disk";
+        EXPECT_EQ("!ERR func=SLGetSlotNo: contNo=1, deviceId=" + std::to_string(other) + "\n", log.take());
+    }
+    std::uint16_t deviceId = 0;
     library.expect(list);
-    EXPECT_EQ(0x0CU, SLGetSlotNo(kCont, 30, &slotNo)) << "an enclosure is no disk";
-    EXPECT_EQ("!ERR func=SLGetSlotNo: contNo=1, deviceId=30\n", log.take());
+    EXPECT_EQ(0x0CU, SLGetDeviceId(kCont, 4, &deviceId)) << "no disk is in that slot";
+    EXPECT_EQ("!ERR func=SLGetDeviceId: contNo=1, slotNo=4\n", log.take());
 }
 
 TEST_F(WireQueries, SlotCountAddsOneOnlyAmongSeveralEnclosures) {
@@ -263,8 +269,9 @@ TEST_F(WireQueries, PartitionIsAskedInTwoStepsAndAlwaysTraced) {
         answer[nonZero] = 1;
         ExpectedRequest second = request(0x00, 0x08, 0, 14344, answer, Bytes{});
         second.param = {0x34, kLd};
-        const std::vector<Step> steps = {{osMap(2, {{kLd, 0x1234, ""}, {kLd, 0x56, ""}}), {"SLGetLDPartition"}},
-                                         {second, {"SLGetLDPartition"}, {}, true}};
+        const std::vector<Step> steps = {
+            {osMap(3, {{0x100U + kLd, 0x77, ""}, {kLd, 0x1234, ""}, {kLd, 0x56, ""}}), {"SLGetLDPartition"}},
+            {second, {"SLGetLDPartition"}, {}, true}};
         check(
             "SLGetLDPartition", steps,
             [&] {

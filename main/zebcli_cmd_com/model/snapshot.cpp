@@ -1,6 +1,7 @@
 #include "main/zebcli_cmd_com/model/snapshot.h"
 
 #include "main/zebcli_cmd_com/base/source.h"
+#include "main/zebcli_cmd_com/base/string_shims.h"
 #include "main/zebcli_cmd_com/base/trace.h"
 #include "main/zebcli_cmd_com/model/raid_group_numbers.h"
 #include "storelib/common/StoreLib/configuration.h"
@@ -52,16 +53,26 @@ bool refreshSlotCount(_AFCONT& cont, unsigned char contNo) {
     return true;
 }
 
+/// Leaves the record of a size that cannot be true.
+void traceDisbelievedSize(std::uint32_t size, const Subject& subject) {
+    char text[40];
+    wsprintf(text, "size %u is not believed", size);
+    traceFailure(kRefresh, text, subject);
+}
+
 /// Reads the configuration into a new block of the size that the controller names.
 bool refreshConfig(_AFCONT& cont, unsigned char contNo) {
     unsigned int size = 0;
     if (cont.config == nullptr || SLGetConfigSize(contNo, &size) != kSlSuccess)
         return false;
     std::free(cont.config);
+    cont.config = nullptr;
     cont.configSize = 0;
-    cont.config = size <= kLargestConfigSize
-                      ? static_cast<_MR_CONFIG_DATA*>(std::calloc(1, std::max(size, kSmallestConfigSize)))
-                      : nullptr;
+    if (size > kLargestConfigSize) {
+        traceDisbelievedSize(size, onController(contNo));
+        return false;
+    }
+    cont.config = static_cast<_MR_CONFIG_DATA*>(std::calloc(1, std::max(size, kSmallestConfigSize)));
     if (cont.config == nullptr || SLReadConfig(contNo, cont.config, size) != kSlSuccess)
         return false;
     cont.configSize = size;
@@ -102,7 +113,10 @@ bool refreshLdFeature(const LdFeature& feature, unsigned char contNo, unsigned c
     std::uint32_t size = 0;
     if (feature.getSize(contNo, ldNo, &size) != kSlSuccess)
         traceFailure(kRefresh, feature.sizeError, onLd(contNo, ldNo));
-    size = std::min(size, kLargestSnapshotSize);
+    if (size > kLargestSnapshotSize) {
+        traceDisbelievedSize(size, onLd(contNo, ldNo));
+        size = kLargestSnapshotSize;
+    }
     releaseBlock(block);
     block = std::calloc(1, std::max<std::size_t>(size, 1));
     if (block == nullptr)

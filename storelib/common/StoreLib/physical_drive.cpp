@@ -1,9 +1,6 @@
 #include "storelib/common/StoreLib/physical_drive.h"
 
 #include "log/zebcli_log.h"
-#include "storelib/common/StoreLib/configuration.h"
-#include "storelib/common/StoreLib/logical_drive.h"
-#include "storelib/common/StoreLib/request_path.h"
 #include "storelib/records/views.h"
 
 #include <algorithm>
@@ -33,13 +30,14 @@ std::uint32_t findDisk(Caller caller, unsigned char contNo, const char* key, uns
     return kSlDeviceNotFound;
 }
 
-/// A change of a drive's state: the drive's device id and current sequence number, no data.
-std::uint32_t changePd(Caller caller, unsigned char contNo, Command command, unsigned char slotNo,
-                       Trace trace = Trace::OnFailure) {
+/// A request about the PD in a slot whose answer is one record.
+template <class Record>
+std::uint32_t queryPd(Caller caller, unsigned char contNo, Command command, unsigned char slotNo, Record* record) {
     SL_LIB_CMD_PARAM_T request = makeRequest(command, contNo);
-    if (const std::uint32_t status = setPdReferenceWithSequence(caller, request, contNo, slotNo); status != kSlSuccess)
+    if (const std::uint32_t status = setPdReference(caller, request, contNo, slotNo); status != kSlSuccess)
         return status;
-    return sendRequest(caller, request, contNo, trace);
+    attachData(request, record, sizeof *record);
+    return sendRequest(caller, request, contNo);
 }
 
 /// A locate request: the drive's device id without a sequence number, and a mode.
@@ -51,27 +49,34 @@ std::uint32_t locatePd(Caller caller, unsigned char contNo, Command command, uns
     return sendRequest(caller, request, contNo);
 }
 
-/// The arrays of the LD that lives on the given array.
-std::uint32_t spareBlock(Caller caller, unsigned char contNo, std::uint16_t arrayId, _SL_DEDICATED_SPARE_T& block) {
-    const auto array = allocateRecord<_SL_ARRAY_INFO_T>();
-    if (!array)
-        return kSlMemoryAllocFailed;
-    if (const std::uint32_t status = SLGetArrayInfo(contNo, arrayId, array.get()); status != kSlSuccess)
+} // namespace
+
+std::uint32_t setPdReference(Caller caller, SL_LIB_CMD_PARAM_T& request, unsigned char contNo, unsigned char slotNo) {
+    std::uint16_t deviceId = 0;
+    if (const std::uint32_t status = SLGetDeviceId(contNo, slotNo, &deviceId); status != kSlSuccess)
         return failedBeforeSend(caller, status);
-    const auto lds = ldsOf(*array);
-    if (lds.empty())
-        return failedBeforeSend(caller, kSlDeviceNotFound);
-    _MR_LD_INFO ld{};
-    if (const std::uint32_t status = SLGetLDInfo(contNo, lds.front(), &ld); status != kSlSuccess)
-        return failedBeforeSend(caller, status);
-    const auto spans = spansOf(ld.config);
-    block.arrayCount = static_cast<std::uint8_t>(spans.size());
-    for (std::size_t k = 0; k < spans.size(); ++k)
-        block.arrayRef[k] = spans[k].arrayRef;
+    request.ref.pdRef.deviceId = deviceId;
     return kSlSuccess;
 }
 
-} // namespace
+std::uint32_t setPdReferenceWithSequence(Caller caller, SL_LIB_CMD_PARAM_T& request, unsigned char contNo,
+                                         unsigned char slotNo) {
+    if (const std::uint32_t status = setPdReference(caller, request, contNo, slotNo); status != kSlSuccess)
+        return status;
+    std::uint16_t seqNo = 0;
+    if (const std::uint32_t status = SLGetPDSequenceNumber(contNo, request.ref.pdRef.deviceId, &seqNo);
+        status != kSlSuccess)
+        return failedBeforeSend(caller, status);
+    request.ref.pdRef.seqNo = seqNo;
+    return kSlSuccess;
+}
+
+std::uint32_t changePd(Caller caller, unsigned char contNo, Command command, unsigned char slotNo, Trace trace) {
+    SL_LIB_CMD_PARAM_T request = makeRequest(command, contNo);
+    if (const std::uint32_t status = setPdReferenceWithSequence(caller, request, contNo, slotNo); status != kSlSuccess)
+        return status;
+    return sendRequest(caller, request, contNo, trace);
+}
 
 int PDSortFunc(const void* a, const void* b) {
     return static_cast<const _MR_PD_ADDRESS*>(a)->slotNo - static_cast<const _MR_PD_ADDRESS*>(b)->slotNo;
@@ -161,28 +166,6 @@ std::uint32_t SLStartLocatePD(unsigned char contNo, unsigned char slotNo, unsign
 
 std::uint32_t SLStopLocatePD(unsigned char contNo, unsigned char slotNo) {
     return locatePd(__func__, contNo, {0x02, 0x09}, slotNo, 0);
-}
-
-std::uint32_t SLMakeGlobalHotspare(unsigned char contNo, unsigned char slotNo) {
-    return changePd(__func__, contNo, {0x02, 0x0A}, slotNo);
-}
-
-std::uint32_t SLMakeDedicatedHotspare(unsigned char contNo, unsigned char slotNo, std::uint16_t arrayId) {
-    _SL_DEDICATED_SPARE_T block{};
-    if (const std::uint32_t status = spareBlock(__func__, contNo, arrayId, block); status != kSlSuccess)
-        return status;
-    SL_LIB_CMD_PARAM_T request = makeRequest({0x02, 0x0B}, contNo);
-    if (const std::uint32_t status = setPdReferenceWithSequence(__func__, request, contNo, slotNo);
-        status != kSlSuccess)
-        return status;
-    attachData(request, &block, sizeof block);
-    Utillogging_dmp(kStoreLibSource, __LINE__, kTracePlain, &block, sizeof block,
-                    "func=%s: contNo=%u ,slotNo=%u, arrayRef=%u", __func__, contNo, slotNo, arrayId);
-    return sendRequest(__func__, request, contNo, Trace::Always);
-}
-
-std::uint32_t SLRemoveHotspare(unsigned char contNo, unsigned char slotNo) {
-    return changePd(__func__, contNo, {0x02, 0x0D}, slotNo);
 }
 
 std::uint32_t SLMakeDriveUnconfGood(unsigned char contNo, unsigned char slotNo) {

@@ -2,6 +2,7 @@
 // assumed on purpose, and the enclosure is never compared. Statuses as in storelib/records/status.h; 0 is success.
 #pragma once
 
+#include "storelib/common/StoreLib/request_path.h"
 #include "storelib/records/physical_drive.h"
 
 #include <cstdint>
@@ -34,12 +35,17 @@ std::uint32_t SLMakeDriveOffline(unsigned char contNo, unsigned char slotNo);
 std::uint32_t SLMakeDriveUnconfGood(unsigned char contNo, unsigned char slotNo);
 std::uint32_t SLStartRebuild(unsigned char contNo, unsigned char slotNo);
 std::uint32_t SLCancelRebuild(unsigned char contNo, unsigned char slotNo);
-std::uint32_t SLMakeGlobalHotspare(unsigned char contNo, unsigned char slotNo);
-
-/// Makes the drive a spare of every array of the LD that the given array belongs to.
-std::uint32_t SLMakeDedicatedHotspare(unsigned char contNo, unsigned char slotNo, std::uint16_t arrayId);
-std::uint32_t SLRemoveHotspare(unsigned char contNo, unsigned char slotNo);
-
 /// The mode byte goes to the library as it is.
 std::uint32_t SLStartLocatePD(unsigned char contNo, unsigned char slotNo, unsigned char mode);
 std::uint32_t SLStopLocatePD(unsigned char contNo, unsigned char slotNo);
+
+/// Names the PD in that slot by its device id. Returns 12 when the slot holds no disk; the failure is traced.
+std::uint32_t setPdReference(Caller caller, SL_LIB_CMD_PARAM_T& request, unsigned char contNo, unsigned char slotNo);
+
+/// Names the PD in that slot by its device id and its current sequence number.
+std::uint32_t setPdReferenceWithSequence(Caller caller, SL_LIB_CMD_PARAM_T& request, unsigned char contNo,
+                                         unsigned char slotNo);
+
+/// A change of the drive in that slot: its device id and current sequence number, no data.
+std::uint32_t changePd(Caller caller, unsigned char contNo, Command command, unsigned char slotNo,
+                       Trace trace = Trace::OnFailure);

@@ -42,13 +42,6 @@ std::uint32_t sendRequest(Caller caller, SL_LIB_CMD_PARAM_T& request, unsigned c
 /// Leaves the trace of a step that failed before the request was sent. Returns the status.
 std::uint32_t failedBeforeSend(Caller caller, std::uint32_t status);
 
-/// Names the PD in that slot by its device id. Returns 12 when the slot holds no disk; the failure is traced.
-std::uint32_t setPdReference(Caller caller, SL_LIB_CMD_PARAM_T& request, unsigned char contNo, unsigned char slotNo);
-
-/// Names the PD in that slot by its device id and its current sequence number.
-std::uint32_t setPdReferenceWithSequence(Caller caller, SL_LIB_CMD_PARAM_T& request, unsigned char contNo,
-                                         unsigned char slotNo);
-
 /// A request without a reference whose answer is one record.
 template <class Record>
 std::uint32_t query(Caller caller, unsigned char contNo, Command command, Record* record) {
@@ -62,16 +55,6 @@ template <class Record>
 std::uint32_t queryZeroed(Caller caller, unsigned char contNo, Command command, Record* record) {
     *record = Record{};
     return query(caller, contNo, command, record);
-}
-
-/// A request about the PD in a slot whose answer is one record.
-template <class Record>
-std::uint32_t queryPd(Caller caller, unsigned char contNo, Command command, unsigned char slotNo, Record* record) {
-    SL_LIB_CMD_PARAM_T request = makeRequest(command, contNo);
-    if (const std::uint32_t status = setPdReference(caller, request, contNo, slotNo); status != kSlSuccess)
-        return status;
-    attachData(request, record, sizeof *record);
-    return sendRequest(caller, request, contNo);
 }
 
 /// A request about an LD whose answer is one record.

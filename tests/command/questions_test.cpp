@@ -122,6 +122,13 @@ TEST_F(Questions, ASignalThatEndsTheRunPutsTheTerminalBack) {
     }
 }
 
+TEST_F(Questions, WhoTookTheTerminalOverKeepsItsMode) {
+    const auto result = box.run(shellOnTerminal(std::string("exec 3<&0; ") + paths::zebcli +
+                                                " -v <&3 & sleep 0.3; stty -icanon; wait $!; echo ended $?"));
+    EXPECT_NE(result.out.npos, result.out.find("ended 0")) << result;
+    EXPECT_EQ(tcflag_t{0}, result.terminalAfter.c_lflag & (ICANON | ECHO | ISIG));
+}
+
 TEST_F(Questions, AJobInTheBackgroundIsNotStopped) {
     auto options = shellOnTerminal(std::string("set -m; ") + paths::zebcli + " -v > report & wait; cat report");
     const auto result = box.run(options);

@@ -43,21 +43,19 @@ void reportCacheBackup(unsigned char contNo, const CacheBackupData& data) {
     const CalendarTime next = SecondToDate(data.properties.nextLearnTime);
     const int remaining = data.status.remainingCapacityLow + 256 * data.status.remainingCapacityHigh;
     Report report;
-    report.add("%s: %d\r\n\r\n", "RAID Controller", contNo);
-    report.add("%s\r\n", "### General Information ###");
-    report.add("%s        : %s\r\n", "Cache Backup Type", wordOf(kTypes, data.status.type, "Not defined"));
-    report.add("%s            : %d\r\n", "Serial Number", data.design.serialNo);
-    report.add("%s            : %d Joules\r\n", "Full Capacity", data.design.designCapacity);
-    report.add("%s       : %d Joules\r\n", "Remaining Capacity", remaining);
-    report.add("%s              : %d C\r\n", "Temperature", data.status.temperature);
-    report.add("%s                  : %d mV\r\n", "Voltage", data.status.voltage);
-    report.add("%s                  : %d mA\r\n", "Current", data.status.current);
-    report.add("%s    : %s\r\n", "Automatic Learn Cycle",
-               wordOf(kLearnModes, data.properties.autoLearnMode, "Not defined"));
-    report.add("%s        : %d Days\r\n", "Auto Learn Period",
-               static_cast<int>(data.properties.learnPeriod / kSecondsPerDay));
-    report.add("%s         : %d/%d/%d ; %d:%d:%d\r\n", "Next Learn Cycle", next.year, next.month, next.day, next.hour,
-               next.minute, next.second);
+    report.controller(contNo);
+    report.heading("General Information");
+    report.field("Cache Backup Type", "%s", wordOf(kTypes, data.status.type, "Not defined"));
+    report.field("Serial Number", "%d", data.design.serialNo);
+    report.field("Full Capacity", "%d Joules", data.design.designCapacity);
+    report.field("Remaining Capacity", "%d Joules", remaining);
+    report.field("Temperature", "%d C", data.status.temperature);
+    report.field("Voltage", "%d mV", data.status.voltage);
+    report.field("Current", "%d mA", data.status.current);
+    report.field("Automatic Learn Cycle", "%s", wordOf(kLearnModes, data.properties.autoLearnMode, "Not defined"));
+    report.field("Auto Learn Period", "%d Days", static_cast<int>(data.properties.learnPeriod / kSecondsPerDay));
+    report.field("Next Learn Cycle", "%d/%d/%d ; %d:%d:%d", next.year, next.month, next.day, next.hour, next.minute,
+                 next.second);
     report.emit();
 }
 

@@ -3,6 +3,7 @@
 
 #include "log/raidctl.h"
 #include "main/zebcli_cmd_com/base/source.h"
+#include "main/zebcli_cmd_com/base/string_shims.h"
 #include "main/zebcli_cmd_com/base/trace.h"
 #include "main/zebcli_cmd_com/input/options.h"
 #include "main/zebcli_cmd_com/model/lookup.h"
@@ -66,31 +67,33 @@ void addGeneral(Report& report, unsigned char contNo, const ControllerData& data
     static constexpr const char* kAlarm[] = {"No", "Yes"};
     const _MR_CTRL_INFO& info = data.info;
     const _MR_CTRL_PROP& properties = data.properties;
-    report.add("%s: %d\r\n\r\n", "RAID Controller", contNo);
-    report.add("%s\r\n", "### General Information ###");
-    report.add("%s             : %s\r\n", "Product Name", fieldText(info.productName).c_str());
-    report.add("%s         : %d/%d/%d\r\n", "PCI Bus/Dev/Func", static_cast<int>(data.pci.bus), data.pci.device,
-               data.pci.function);
-    report.add("%s                : %s\r\n", "Serial No", fieldText(info.serialNo).c_str());
-    report.add("%s                : 0x%X\r\n", "Vendor ID", static_cast<unsigned>(info.vendorId));
-    report.add("%s                : 0x%X\r\n", "Device ID", static_cast<unsigned>(info.deviceId));
-    report.add("%s             : 0x%X\r\n", "SubVendor ID", static_cast<unsigned>(info.subVendorId));
-    report.add("%s             : 0x%X\r\n", "SubDevice ID", static_cast<unsigned>(info.subDeviceId));
-    report.add("%s        : %d\r\n", "Device Port Count", info.devicePortCount);
-    report.add("%s            : %s\r\n", "Alarm Present", yesNo((info.hwPresent & kHwAlarm) != 0));
-    report.add("%s            : %s\r\n", "Alarm Enabled", wordOf(kAlarm, properties.alarmEnable, "Unknown"));
-    report.add("%s     : %d sec\r\n", "Cache Flush Interval", properties.cacheFlushInterval);
-    report.add("%s     : %s\r\n", "Cache Backup Present", yesNo((info.hwPresent & kHwCacheBackup) != 0));
-    report.add("%s   : %s\r\n", "Native Command Queuing", enabledWhen((properties.onOff & kPropNcqDisabled) == 0));
-    report.add("%s              : %d MB\r\n", "Memory Size", info.memorySize);
+    report.controller(contNo);
+    report.heading("General Information");
+    report.field("Product Name", "%s", fieldText(info.productName).c_str());
+    report.field("PCI Bus/Dev/Func", "%d/%d/%d", static_cast<int>(data.pci.bus), data.pci.device, data.pci.function);
+    report.field("Serial No", "%s", fieldText(info.serialNo).c_str());
+    report.field("Vendor ID", "0x%X", static_cast<unsigned>(info.vendorId));
+    report.field("Device ID", "0x%X", static_cast<unsigned>(info.deviceId));
+    report.field("SubVendor ID", "0x%X", static_cast<unsigned>(info.subVendorId));
+    report.field("SubDevice ID", "0x%X", static_cast<unsigned>(info.subDeviceId));
+    report.field("Device Port Count", "%d", info.devicePortCount);
+    report.field("Alarm Present", "%s", yesNo((info.hwPresent & kHwAlarm) != 0));
+    report.field("Alarm Enabled", "%s", wordOf(kAlarm, properties.alarmEnable, "Unknown"));
+    report.field("Cache Flush Interval", "%d sec", properties.cacheFlushInterval);
+    report.field("Cache Backup Present", "%s", yesNo((info.hwPresent & kHwCacheBackup) != 0));
+    report.field("Native Command Queuing", "%s", enabledWhen((properties.onOff & kPropNcqDisabled) == 0));
+    report.field("Memory Size", "%d MB", info.memorySize);
     for (unsigned i = 0; i < std::size(info.devicePortAddr); ++i) {
         char address[32];
         FormatSASAddress(info.devicePortAddr[i], address);
-        report.add("%s%d%s     : %s\r\n", "Backend SAS Address", static_cast<int>(i), "", address);
+        char label[24];
+        wsprintf(label, "Backend SAS Address%u", i);
+        report.field(label, "%s", address);
     }
-    report.add("\r\n%s\r\n", "### Error Information ###");
-    report.add("%s     : %d\r\n", "Memory Correctable Error Count", info.memCorrectableErrorCount);
-    report.add("%s   : %d\r\n", "Memory Uncorrectable Error Count", info.memUncorrectableErrorCount);
+    report.gap();
+    report.heading("Error Information");
+    report.fieldAt(Report::kWidestColumn, "Memory Correctable Error Count", "%d", info.memCorrectableErrorCount);
+    report.fieldAt(Report::kWidestColumn, "Memory Uncorrectable Error Count", "%d", info.memUncorrectableErrorCount);
 }
 
 void addFirmware(Report& report, const _MR_CTRL_INFO& info) {
@@ -99,18 +102,19 @@ void addFirmware(Report& report, const _MR_CTRL_INFO& info) {
             if (std::string_view(component.name, sizeof component.name).starts_with(name))
                 line(component);
     };
-    report.add("\r\n%s\r\n", "### Firmware/BIOS/Driver Information ###");
+    report.gap();
+    report.heading("Firmware/BIOS/Driver Information");
     if (info.packageVersion[0] != '\0')
-        report.add("%s : %s\r\n", "Firmware Package Version", fieldText(info.packageVersion).c_str());
+        report.field("Firmware Package Version", "%s", fieldText(info.packageVersion).c_str());
     forEach("APP", [&](const _MR_IMAGE_COMPONENT& image) {
-        report.add("%s         : %s\r\n", "Firmware Version", fieldText(image.version).c_str());
+        report.field("Firmware Version", "%s", fieldText(image.version).c_str());
     });
     forEach("APP", [&](const _MR_IMAGE_COMPONENT& image) {
-        report.add("%s      : %s %s\r\n", "Firmware Build Time", fieldText(image.buildDate).c_str(),
-                   fieldText(image.buildTime).c_str());
+        report.field("Firmware Build Time", "%s %s", fieldText(image.buildDate).c_str(),
+                     fieldText(image.buildTime).c_str());
     });
     forEach("BIOS", [&](const _MR_IMAGE_COMPONENT& image) {
-        report.add("%s             : %s\r\n", "BIOS Version", fieldText(image.version).c_str());
+        report.field("BIOS Version", "%s", fieldText(image.version).c_str());
     });
 }
 
@@ -118,33 +122,33 @@ void addSettings(Report& report, unsigned char contNo, const ControllerData& dat
     static constexpr const char* kRebuildMode[] = {"Automatic", "Manual"};
     static constexpr const char* kPatrolReadMode[] = {"Automatic", "Manual", "Disable"};
     const CalendarTime next = SecondToDate(data.patrolRead.nextExecution);
-    report.add("%s           : %s\r\n", "Driver Version", fieldText(data.driver.driverVersion).c_str());
-    report.add("\r\n%s\r\n", "### Controller Settings Information ###");
-    report.add("%s             : %s\r\n", "Rebuild Mode",
-               wordOf(kRebuildMode, data.properties.disableAutoRebuild, "Unknown"));
-    report.add("%s         : %s\r\n", "Patrol Read Mode", wordOf(kPatrolReadMode, data.patrolRead.mode, "Unknown"));
-    report.add("%s     : %s\r\n", "Patrol Read Interval",
-               patrolReadInterval(data.patrolRead.executionFrequency, contNo));
-    report.add("%s     : %d/%d/%d ; %02d:%02d:%02d", "Patrol Read Schedule", next.year, next.month, next.day, next.hour,
-               next.minute, next.second);
+    report.field("Driver Version", "%s", fieldText(data.driver.driverVersion).c_str());
+    report.gap();
+    report.heading("Controller Settings Information");
+    report.field("Rebuild Mode", "%s", wordOf(kRebuildMode, data.properties.disableAutoRebuild, "Unknown"));
+    report.field("Patrol Read Mode", "%s", wordOf(kPatrolReadMode, data.patrolRead.mode, "Unknown"));
+    report.field("Patrol Read Interval", "%s", patrolReadInterval(data.patrolRead.executionFrequency, contNo));
+    report.label("Patrol Read Schedule"); // the last line of its block has no end of its own
+    report.add("%d/%d/%d ; %02d:%02d:%02d", next.year, next.month, next.day, next.hour, next.minute, next.second);
 }
 
 void addRates(Report& report, const _MR_CTRL_PROP& properties) {
-    report.add("%s             : %u%%\r\n", "Rebuild Rate", properties.rebuildRate);
-    report.add("%s         : %u%%\r\n", "Patrol Read Rate", properties.patrolReadRate);
-    report.add("%s   : %u%%\r\n", "Consistency Check Rate", properties.ccRate);
+    report.field("Rebuild Rate", "%u%%", properties.rebuildRate);
+    report.field("Patrol Read Rate", "%u%%", properties.patrolReadRate);
+    report.field("Consistency Check Rate", "%u%%", properties.ccRate);
 }
 
 void addOptions(Report& report, const ControllerData& data, unsigned advanced) {
     const std::uint32_t onOff = data.properties.onOff;
-    report.add("%s                 : %s\r\n", "Copyback", enabledWhen((onOff & kPropCopybackDisabled) == 0));
-    report.add("%s   : %s\r\n", "SMART Copyback for HDD", enabledWhen((onOff & kPropSmartCopybackHdd) != 0));
-    report.add("%s   : %s\r\n", "SMART Copyback for SSD", enabledWhen((onOff & kPropSmartCopybackSsd) != 0));
-    report.add("%s   : %s\r\n", "PD Fail On SMART Error", enabledWhen(data.defaults.failPdOnSmartError != 0));
-    report.add("\r\n%s\r\n", "### MegaRAID Advanced Options ###");
-    report.add("%s: %s\r\n", "Snapshot                 ", enabledWhen((advanced & kOptionSnapshot) != 0));
-    report.add("%s: %s\r\n", "CacheCade                ", enabledWhen((advanced & kOptionCacheCade) != 0));
-    report.add("%s: %s\r\n", "FastPath                 ", enabledWhen((advanced & kOptionFastPath) != 0));
+    report.field("Copyback", "%s", enabledWhen((onOff & kPropCopybackDisabled) == 0));
+    report.field("SMART Copyback for HDD", "%s", enabledWhen((onOff & kPropSmartCopybackHdd) != 0));
+    report.field("SMART Copyback for SSD", "%s", enabledWhen((onOff & kPropSmartCopybackSsd) != 0));
+    report.field("PD Fail On SMART Error", "%s", enabledWhen(data.defaults.failPdOnSmartError != 0));
+    report.gap();
+    report.heading("MegaRAID Advanced Options");
+    report.field("Snapshot                 ", "%s", enabledWhen((advanced & kOptionSnapshot) != 0));
+    report.field("CacheCade                ", "%s", enabledWhen((advanced & kOptionCacheCade) != 0));
+    report.field("FastPath                 ", "%s", enabledWhen((advanced & kOptionFastPath) != 0));
 }
 
 /// Prints the report of one controller, in three blocks of which the second goes past CliLogging on purpose. Returns

@@ -63,32 +63,26 @@ const _MR_LD_CONFIG& settingsOf(Controller ctrl, const _SL_ARRAY_INFO_T& group, 
     return ctrl.ld(last != lds.rend() ? *last : foundLd).config;
 }
 
-double ldCapacity(Controller ctrl, const _MR_LD_CONFIG& ld) {
-    return blocksToGb(GetLDSize(&ld, ctrl.contNo));
-}
-
 void addFreeSpace(Report& report, Controller ctrl, const _SL_ARRAY_INFO_T& group, const _MR_LD_CONFIG& ld) {
     const unsigned short drives = driveCountOf(ld);
     const auto segments = freeSegmentsOf(group);
+    report.label("     Free Space");
     if (segments.empty())
-        report.add("     Free Space          : 0.000GB");
+        report.add("%sGB", gbText(0).c_str());
     for (std::size_t i = 0; i < segments.size(); ++i) {
         std::uint64_t capacity = CalcLDCapa(SLTransLateRAIDLvl(&ld), drives, segments[i].size, ctrl.contNo);
         if ((capacity >> kBlocksToMbShift) <= kFreeSpaceFloor * drives)
             capacity = 0;
-        if (i == 0)
-            report.add("     Free Space          : %0.3fGB", blocksToGb(capacity));
-        else
-            report.add(", %0.3fGB", blocksToGb(capacity));
+        report.add("%s%sGB", i == 0 ? "" : ", ", gbText(capacity).c_str());
     }
 }
 
 void reportSummary(Report& report, Controller ctrl, const _SL_ARRAY_INFO_T& group, const _MR_LD_CONFIG& ld) {
     char name[kTextSize];
     mkRaidGroupArrayStr(ctrl.contNo, ctrl.conts, ld.span[0].arrayRef, name);
-    report.add("%s", name);
-    report.add("\n     # of LD             : %d\r\n", static_cast<int>(ldsOf(group).size()));
-    report.add("     Total Capacity      : %0.3fGB\r\n", blocksToGb(group.totalSize));
+    report.add("%s\n", name);
+    report.field("     # of LD", "%d", static_cast<int>(ldsOf(group).size()));
+    report.field("     Total Capacity", "%sGB", gbText(group.totalSize).c_str());
     addFreeSpace(report, ctrl, group, ld);
     report.emit();
 }
@@ -98,9 +92,8 @@ void addLdLine(Report& report, Controller ctrl, const char* lead, unsigned ldNo)
     const _MR_LD_CONFIG& ld = ctrl.ld(ldNo).config;
     char state[kTextSize];
     mkLDStateStr(ctrl.contNo, ctrl.conts, &ld, state);
-    char capacity[32];
-    wsprintf(capacity, "%0.3fGB", ldCapacity(ctrl, ld));
-    report.add("%sLD%u (%s, %s, %s)\r\n", lead, ldNo, fieldText(ld.properties.name).c_str(), capacity, state);
+    report.add("%sLD%u (%s, %sGB, %s)\r\n", lead, ldNo, fieldText(ld.properties.name).c_str(),
+               gbText(GetLDSize(&ld, ctrl.contNo)).c_str(), state);
 }
 
 /// The facts of the group are those of its LD `found`, the rest are settings of the LD `reported`.
@@ -108,21 +101,20 @@ void addGeneral(Report& report, Controller ctrl, const _MR_LD_CONFIG& found, con
     char name[kTextSize];
     mkRaidGroupArrayStr(ctrl.contNo, ctrl.conts, found.span[0].arrayRef, name);
     // The tab in the heading and the bare "\n" behind the group's name are deliberate: scripts read them so.
-    report.add("%s\r\n", "### General Information\t###");
-    report.add("%s                   : %s\n", "RG No.", name);
-    report.add("%s               : %s\r\n", "RAID Level", raidLevelText(SLTransLateRAIDLvl(&found), ctrl.contNo));
+    report.add("### General Information\t###\r\n");
+    report.label("RG No.");
+    report.add("%s\n", name);
+    report.field("RAID Level", "%s", raidLevelText(SLTransLateRAIDLvl(&found), ctrl.contNo));
     if (reported.cacheCade == 0)
-        report.add("%s              : %s\r\n", "Stripe Size",
-                   settingLabel(supportedStripeSizes(), reported.stripeSize));
-    report.add("%s                  : %d\r\n", "# of PD", driveCountOf(found));
+        report.field("Stripe Size", "%s", settingLabel(supportedStripeSizes(), reported.stripeSize));
+    report.field("# of PD", "%d", driveCountOf(found));
     if (reported.cacheCade == 0)
-        report.add("%s            : %s\r\n", "Access Policy",
-                   settingLabel(setitemAccessPolicy, reported.properties.accessPolicy));
+        report.field("Access Policy", "%s", settingLabel(setitemAccessPolicy, reported.properties.accessPolicy));
 }
 
 /// The LDs that a CacheCade LD serves: those with cached IO.
 void addAssociatedLds(Report& report, Controller ctrl) {
-    report.add("%s  :\r\n", "Associated CacheCade LD");
+    report.add("Associated CacheCade LD  :\r\n"); // no value, and no blank where one would stand
     for (const _MR_LD_LIST_ENTRY& entry : ldEntries(ctrl.cont())) {
         if (entry.targetId >= kMaxLds)
             continue;
@@ -135,20 +127,19 @@ void addAssociatedLds(Report& report, Controller ctrl) {
 /// Read and IO policy are those of the default cache policy on purpose.
 void addSettings(Report& report, const _MR_LD_PROPERTIES& properties, bool softwareRaid) {
     const unsigned defaultPolicy = properties.defaultCachePolicy;
-    report.add("\r\n%s\r\n", "### LD Settings Information ###");
-    report.add("%s        : %s\r\n", "Disk Cache Policy",
-               settingLabel(setitemDiskCachePolicy, properties.diskCachePolicy));
-    report.add("%s              : %s\r\n", "Read Policy",
-               settingLabel(setitemReadPolicy, defaultPolicy & kReadPolicyMask));
-    report.add("%s                : %s\r\n", "IO Policy", settingLabel(setitemIOPolicy, defaultPolicy & kIoPolicyMask));
+    report.gap();
+    report.heading("LD Settings Information");
+    report.field("Disk Cache Policy", "%s", settingLabel(setitemDiskCachePolicy, properties.diskCachePolicy));
+    report.field("Read Policy", "%s", settingLabel(setitemReadPolicy, defaultPolicy & kReadPolicyMask));
+    report.field("IO Policy", "%s", settingLabel(setitemIOPolicy, defaultPolicy & kIoPolicyMask));
     if (softwareRaid)
         return;
     const unsigned current = properties.currentCachePolicy & kWritePolicyMask;
     const bool writesBack = current == kWriteBack || current == kAlwaysWriteBack;
-    report.add("%s     : %s\r\n", "Current Write Policy",
-               writesBack ? "Write Back" : settingLabel(supportedWritePolicies(), current));
-    report.add("%s     : %s\r\n", "Default Write Policy",
-               settingLabel(supportedWritePolicies(), defaultPolicy & kWritePolicyMask));
+    report.field("Current Write Policy", "%s",
+                 writesBack ? "Write Back" : settingLabel(supportedWritePolicies(), current));
+    report.field("Default Write Policy", "%s",
+                 settingLabel(supportedWritePolicies(), defaultPolicy & kWritePolicyMask));
 }
 
 void reportDrive(Report& report, Controller ctrl, const _SL_ARRAY_INFO_T& span, unsigned char slotNo) {
@@ -157,16 +148,14 @@ void reportDrive(Report& report, Controller ctrl, const _SL_ARRAY_INFO_T& span, 
     report.add(">>PD%u (LD%u", slotNo, span.ldTargetId[0]);
     for (const std::uint8_t ldNo : ldsOf(span).subspan(ldsOf(span).empty() ? 0 : 1))
         report.add(", %u", ldNo);
-    report.add(")");
-    report.add("\r\n");
+    report.add(")\r\n");
     mkPDStateStr(pd.fwState, text);
-    report.add("%s                   : %s\r\n", "Status", text);
-    wsprintf(text, "%0.3f", blocksToGb(pd.coercedSize));
-    report.add("%s                 : %s GB\r\n", "Capacity", text);
+    report.field("Status", "%s", text);
+    report.field("Capacity", "%s GB", gbText(pd.coercedSize).c_str());
     mkMediaTypeStr(&pd, text);
-    report.add("%s               : %s\r\n", "Media Type", text);
-    report.add("%s        : %d\r\n", "Media Error Count", static_cast<int>(pd.mediaErrorCount));
-    report.add("%s          : %d\r\n", "Pred Fail Count", static_cast<int>(pd.predFailCount));
+    report.field("Media Type", "%s", text);
+    report.field("Media Error Count", "%d", static_cast<int>(pd.mediaErrorCount));
+    report.field("Pred Fail Count", "%d", static_cast<int>(pd.predFailCount));
     report.emit();
 }
 
@@ -182,7 +171,7 @@ void reportGroup(Report& report, Controller ctrl, const GroupRecords& records, c
         addAssociatedLds(report, ctrl);
     addSettings(report, reported.properties, softwareRaid);
     report.emit();
-    report.add("%s\r\n", "### PD Information ###");
+    report.heading("PD Information");
     for (const _MR_SPAN& span : spansOf(found)) {
         const _SL_ARRAY_INFO_T* record = span.arrayRef < kMaxArrays ? records[span.arrayRef] : nullptr;
         if (record == nullptr)

@@ -43,7 +43,7 @@ void addTemperature(Report& report, unsigned char contNo, unsigned char slotNo) 
                   subject) &&
         supported != 0 &&
         succeeded(SLGetPDTemperature(contNo, slotNo, &temperature), kHandler, "SLGetPDTemperature error", subject))
-        report.add("%s              : %d C\r\n", "Temperature", temperature);
+        report.field("Temperature", "%d C", temperature);
 }
 
 void addSasAddresses(Report& report, const _MR_PD_INFO& pd) {
@@ -52,7 +52,9 @@ void addSasAddresses(Report& report, const _MR_PD_INFO& pd) {
         char address[32];
         FormatSASAddress(sasAddr, address);
         // The address carries its own "0x"; the doubled prefix is deliberate.
-        report.add("SAS Address %d            : 0x%s\r\n", path++, address);
+        char label[24];
+        wsprintf(label, "SAS Address %d", path++);
+        report.field(label, "0x%s", address);
     }
 }
 
@@ -60,46 +62,44 @@ void addGeneral(Report& report, Controller ctrl, unsigned char slotNo) {
     const _MR_PD_INFO& pd = ctrl.pd(slotNo);
     char text[kTextSize];
     mkRoleStr(ctrl, slotNo, text);
-    report.add("%s%d(%s)\r\n", "PD", slotNo, text);
-    report.add("%s\r\n", "### General Information ###");
-    wsprintf(text, "%0.3f", blocksToGb(pd.coercedSize));
-    report.add("%s          : %s GB\r\n", "Usable Capacity", text);
-    wsprintf(text, "%0.3f", blocksToGb(pd.rawSize));
-    report.add("%s             : %s GB\r\n", "Raw Capacity", text);
+    report.add("PD%d(%s)\r\n", slotNo, text);
+    report.heading("General Information");
+    report.field("Usable Capacity", "%s GB", gbText(pd.coercedSize).c_str());
+    report.field("Raw Capacity", "%s GB", gbText(pd.rawSize).c_str());
     mkInterfaceTypeStr(&pd, text);
-    report.add("%s           : %s\r\n", "Interface Type", text);
+    report.field("Interface Type", "%s", text);
     mkMediaTypeStr(&pd, text);
-    report.add("%s               : %s\r\n", "Media Type", text);
-    report.add("%s               : %s\r\n", "Product ID", fieldText(pd.inquiry.product).c_str());
-    report.add("%s                : %s\r\n", "Vendor ID", fieldText(pd.inquiry.vendor).c_str());
-    report.add("%s                : %d\r\n", "Device ID", pd.ref.deviceId);
+    report.field("Media Type", "%s", text);
+    report.field("Product ID", "%s", fieldText(pd.inquiry.product).c_str());
+    report.field("Vendor ID", "%s", fieldText(pd.inquiry.vendor).c_str());
+    report.field("Device ID", "%d", pd.ref.deviceId);
     mkPDStateStr(pd.fwState, text);
-    report.add("%s                : %s\r\n", "PD Status", text);
+    report.field("PD Status", "%s", text);
     mkPDSpeedStr(pd.deviceSpeed, text);
-    report.add("%s              : %s\r\n", "Drive Speed", text);
+    report.field("Drive Speed", "%s", text);
     mkPDSpeedStr(pd.linkSpeed, text);
-    report.add("%s    : %s\r\n", "Negotiated Link Speed", text);
+    report.field("Negotiated Link Speed", "%s", text);
     addSasAddresses(report, pd);
     addTemperature(report, ctrl.contNo, slotNo);
     mkPDPowerStateStr(pd.powerState, text);
-    report.add("%s             : %s\r\n", "Power Status", text);
-    report.add("%s           : %s\r\n", "Revision Level", fieldText(pd.inquiry.revision).c_str());
-    report.add("\r\n");
+    report.field("Power Status", "%s", text);
+    report.field("Revision Level", "%s", fieldText(pd.inquiry.revision).c_str());
+    report.gap();
 }
 
 void addErrors(Report& report, const _MR_PD_INFO& pd) {
-    report.add("%s\r\n", "### Error Information ###");
-    report.add("%s        : %d\r\n", "Media Error Count", static_cast<int>(pd.mediaErrorCount));
-    report.add("%s          : %d\r\n", "Pred Fail Count", static_cast<int>(pd.predFailCount));
-    report.add("\r\n");
+    report.heading("Error Information");
+    report.field("Media Error Count", "%d", static_cast<int>(pd.mediaErrorCount));
+    report.field("Pred Fail Count", "%d", static_cast<int>(pd.predFailCount));
+    report.gap();
 }
 
 void addPlace(Report& report, const _MR_PD_INFO& pd) {
     const bool inEnclosure = pd.enclDeviceId != 0xFF && pd.enclDeviceId != kNoDevice;
-    report.add("%s\r\n", inEnclosure ? "### Enclosure Properties Information ###" : "### Slot Information ###");
+    report.heading(inEnclosure ? "Enclosure Properties Information" : "Slot Information");
     if (inEnclosure)
-        report.add("%s             : %d\r\n", "Enclosure ID", pd.enclDeviceId);
-    report.add("%s              : %d\r\n", "Slot Number", pd.slotNo);
+        report.field("Enclosure ID", "%d", pd.enclDeviceId);
+    report.field("Slot Number", "%d", pd.slotNo);
 }
 
 /// One block per drive. The heading of a controller carries its position in the list, not its number; deliberate.
@@ -110,7 +110,7 @@ void reportController(int position, Controller ctrl, std::span<const unsigned ch
         if (IsExistPD(ctrl.contNo, slotNo, ctrl.conts) == 0)
             continue;
         if (first)
-            report.add("%s: %d\r\n\r\n", "RAID Controller", position);
+            report.controller(position);
         first = false;
         addGeneral(report, ctrl, slotNo);
         addErrors(report, ctrl.pd(slotNo));

@@ -40,11 +40,11 @@ void forEachElement(const _SL_ENCL_STATUS_EX_T& status, EnclElementType type, Si
 }
 
 void addComponents(Report& report, const _SL_ENCL_STATUS_EX_T& status) {
-    report.add("%s\r\n", "### Component Information ###");
-    report.add("%s : %d\r\n", "Number of Temperature Sensors", status.count[kElemTemperature]);
-    report.add("%s                : %d\r\n", "Number of Fans", status.count[kElemFan]);
-    report.add("%s      : %d\r\n", "Number of Power Supplies", status.count[kElemPowerSupply]);
-    report.add("%s     : %d\r\n", "Number of Voltage Sensors", status.count[kElemVoltage]);
+    report.heading("Component Information");
+    report.fieldAt(Report::kWideColumn, "Number of Temperature Sensors", "%d", status.count[kElemTemperature]);
+    report.fieldAt(Report::kWideColumn, "Number of Fans", "%d", status.count[kElemFan]);
+    report.fieldAt(Report::kWideColumn, "Number of Power Supplies", "%d", status.count[kElemPowerSupply]);
+    report.fieldAt(Report::kWideColumn, "Number of Voltage Sensors", "%d", status.count[kElemVoltage]);
 }
 
 /// Hundredths of a volt, signed.
@@ -55,7 +55,7 @@ int voltageOf(const _SL_ENCL_ELEMENT& element) {
 }
 
 void addSensors(Report& report, const _SL_ENCL_STATUS_EX_T& status) {
-    report.add("%s\r\n", "### Sensor Information ###");
+    report.heading("Sensor Information");
     report.add("%s              %-14s                  %s\r\n", "Sensor", "Status", "Value");
     forEachElement(status, kElemTemperature, [&](int i, const char* word, const _SL_ENCL_ELEMENT& element) {
         report.add("Temperature%d        %-14s                  %d (C)\r\n", i, word, element.value[0]);
@@ -82,8 +82,8 @@ void addConnector(Report& report, const _MR_ENCL_ENTRY& enclosure, const _MR_SAS
     if (enclosure.connectorIndex >= listed.size())
         return;
     const _MR_SAS_CONNECTOR& connector = listed[enclosure.connectorIndex];
-    report.add("%s       : %s\r\n", "Enclosure Location", wordOf(kLocations, connector.location, "Not defined"));
-    report.add("%s                : %s\r\n", "Connector", fieldText(connector.name).c_str());
+    report.field("Enclosure Location", "%s", wordOf(kLocations, connector.location, "Not defined"));
+    report.field("Connector", "%s", fieldText(connector.name).c_str());
 }
 
 /// Gathers the report of one controller. Its heading carries the controller's position in the list, not its number;
@@ -95,13 +95,13 @@ bool gather(Report& report, int position, unsigned char contNo, _SL_ENCL_STATUS_
         return false;
     // The first entry is what is reported, whatever the count says.
     const _MR_ENCL_ENTRY& enclosure = list.encl[0];
-    report.add("%s: %d\r\n\r\n", "RAID Controller", position);
-    report.add("%s\r\n", "### General Information ###");
-    report.add("%s                : %s\r\n", "Vendor ID", "LSI");
-    report.add("%s             : %d\r\n", "Enclosure ID", enclosure.deviceId);
-    report.add("%s          : %s\r\n", "Enclosure Model", wordOf(kModels, enclosure.type, "Not defined"));
+    report.controller(position);
+    report.heading("General Information");
+    report.field("Vendor ID", "%s", "LSI");
+    report.field("Enclosure ID", "%d", enclosure.deviceId);
+    report.field("Enclosure Model", "%s", wordOf(kModels, enclosure.type, "Not defined"));
     if (enclosure.type == kEnclBackplane) {
-        report.add("%s       : %s\r\n", "Enclosure Location", "Internal");
+        report.field("Enclosure Location", "%s", "Internal");
         return true;
     }
     EnclosureData data;
@@ -113,8 +113,8 @@ bool gather(Report& report, int position, unsigned char contNo, _SL_ENCL_STATUS_
                    onController(contNo)))
         return false;
     addConnector(report, enclosure, data.connectors);
-    report.add("%s          : %d\r\n", "Number of Slots", enclosure.slotCount);
-    report.add("%s   : %s\r\n", "Product Revision Level", fieldText(data.config.revision).c_str());
+    report.field("Number of Slots", "%d", enclosure.slotCount);
+    report.field("Product Revision Level", "%s", fieldText(data.config.revision).c_str());
     addComponents(report, status);
     addSensors(report, status);
     return true;

@@ -39,6 +39,8 @@ rule "$views" '(\.|->)(spanDepth|pathCount|(image|pendingImage)ComponentCount|fr
   storelib/records/views.h storelib/common/StoreLib/configuration_write.h 'commands/zebcli_cmd_ld/creation/[^:]*'
 rule "$views" 'min[^;]*(\.|->)(count|numDrives)([^a-zA-Z]|$)|(\.|->)(count|numDrives)([^a-zA-Z][^;]*)?; *\+\+' \
   storelib/records/views.h $com/model/lookup.cpp 'commands/zebcli_cmd_ld/creation/[^:]*'
+rule 'A label with blanks counted by hand; use report.field("Label", ...), which knows the column' \
+  'report\.[a-z]+\("([^"]*  +|%s *): '
 rule 'Memory from new; use a standard container or a block with a deleter' '(^|[^[:alnum:]_])new [A-Za-z_]'
 rule 'An exception; return a code' '(^|[^[:alnum:]_])(throw|catch|try)([^[:alnum:]_]|$)'
 

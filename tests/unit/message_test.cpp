@@ -71,6 +71,33 @@ TEST(UnitMessage, TraceAndHistoryAreCut) {
     EXPECT_TRUE(log.take().starts_with("zebcli  " + std::string(100, 'w')));
 }
 
+TEST(UnitMessage, ReportWritesFieldsAndPairsOfPercents) {
+    const auto written = printed([] {
+        Report report;
+        report.controller(3);
+        report.heading("General");
+        report.field("Serial No", "%s", "x");
+        report.fieldAt(Report::kWideColumn, "Number of Fans", "%d of %u%%, %04X", -7, 4000000000U, 0x1AU);
+        report.label("Last");
+        report.add("%s%s", "100%", "%");
+        report.emit();
+    });
+    EXPECT_EQ("RAID Controller: 3\r\n\r\n### General ###\r\nSerial No                : x\r\n"
+              "Number of Fans                : -7 of 4000000000%, 001A\r\nLast                     : 100%\n",
+              written);
+    // A pair that the end of the buffer parts is still printed as one.
+    for (const unsigned before : {9996U, 9997U, 9998U}) {
+        const std::string text(before, 'x');
+        EXPECT_EQ(text + "%y\n", printed([&] {
+                      Report report;
+                      for (const char* part : {text.c_str(), "%", "%", "y"})
+                          report.add("%s", part);
+                      report.emit();
+                  }))
+            << before;
+    }
+}
+
 TEST(UnitMessage, ReportLosesNoLine) {
     for (const unsigned width : {1U, 40U, 4999U, 9997U}) {
         std::string wanted;

@@ -51,9 +51,7 @@ void printDrive(const char* name, Controller ctrl, unsigned char slotNo) {
     mkPDStateStr(pd.fwState, state);
     ColumnText type;
     mkMediaTypeStr(&pd, type);
-    char capacity[32];
-    wsprintf(capacity, "%0.3f", blocksToGb(pd.coercedSize));
-    printRow(name, ld, group, levelColumn(ld, group, ctrl, slotNo), state, type, capacity);
+    printRow(name, ld, group, levelColumn(ld, group, ctrl, slotNo), state, type, gbText(pd.coercedSize).c_str());
 }
 
 } // namespace

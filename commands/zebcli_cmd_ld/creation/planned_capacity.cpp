@@ -102,14 +102,14 @@ void SetLDCapacityText(char (&text)[32], ZEB_RAID_LVL level, bool keepSpare, uns
         smallest = std::min<std::uint64_t>(smallest, conts[contNo].pdInfo[unconfiguredPdList[i]].coercedSize);
         ++counted;
     }
-    wsprintf(text, "%0.3f",
-             blocksToGb(CalcLDCapa(level, static_cast<unsigned short>(wanted), smallestOr0(smallest), contNo)));
+    wsprintf(text, "%s",
+             gbText(CalcLDCapa(level, static_cast<unsigned short>(wanted), smallestOr0(smallest), contNo)).c_str());
 }
 
 void ShowLDCapacity(char (*texts)[kCapacityTextSize], const _SL_CREATE_LD_INFO_T& plan, const _AFCONT* conts,
                     unsigned char contNo) {
     for (const PlannedArray& array : groupsOf(plan))
-        wsprintf(*texts++, "%0.3f", blocksToGb(CalcRAIDCapa(array, conts, contNo)));
+        wsprintf(*texts++, "%s", gbText(CalcRAIDCapa(array, conts, contNo)).c_str());
 }
 
 std::uint64_t GetLDSize(const _MR_LD_CONFIG* ld, unsigned char contNo) {

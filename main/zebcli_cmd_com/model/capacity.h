@@ -13,6 +13,13 @@ inline constexpr unsigned kCapacityTextSize = 160;
 /// large capacities.
 double blocksToGb(std::uint64_t blocks);
 
+/// A size in GB as every report shows it, with three decimals.
+struct GbText {
+    char text[24];
+    const char* c_str() const { return text; }
+};
+GbText gbText(std::uint64_t blocks);
+
 /// The usable capacity of an LD of that many drives, each of the given size, in the unit of the size. 0 and a trace
 /// record for a level that is not known.
 std::uint64_t CalcLDCapa(ZEB_RAID_LVL level, unsigned short drives, std::uint64_t size, unsigned char contNo);

@@ -26,7 +26,7 @@ namespace fs = std::filesystem;
 namespace zebtest {
 namespace {
 
-constexpr const char* kDeviceFiles[] = {"null", "zero", "full", "random", "urandom", "tty", "ptmx"};
+constexpr const char* kDeviceFiles[] = {"null", "zero", "full", "random", "urandom", "tty", "ptmx", "loop0"};
 constexpr const char* kDeviceFolders[] = {"pts", "shm"};
 
 std::string systemError(const std::string& step) {

@@ -1,4 +1,5 @@
-// The questions over arbitrary standard input: every kind, and the one for a RAID group.
+// The questions over arbitrary standard input: every kind, the one for a RAID group, and the whole dialogue of a
+// deletion.
 //
 // Input: kind, largest menu number, the LDs that are allowed (none when the first is 0), then what the operator types.
 #include "commands/handlers.h"
@@ -38,6 +39,15 @@ void askForGroup() {
     CliCmdExecPDHSP(static_cast<int>(std::size(words)), argv, snapshot.conts(), snapshot.count());
 }
 
+void deleteLds() {
+    static char words[][16] = {"zebcli", "-lddel"};
+    static char* argv[] = {words[0], words[1], nullptr};
+    constexpr unsigned kControllers = 2;
+    fuzz::useLibrary(kControllers);
+    static fuzz::Snapshot snapshot(kControllers);
+    CliCmdExecCfgLDDel(static_cast<int>(std::size(words)), argv, snapshot.conts(), snapshot.count());
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -52,11 +62,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::copy(given.begin(), given.end(), allowed.begin());
     LdList* const among = given.empty() ? nullptr : &allowed;
 
-    fuzz::typeAnswers(input.rest());
+    const fuzz::Bytes typed = input.rest();
+    fuzz::typeAnswers(typed);
     unsigned char text[] = "0, 1";
     errno = 0;
     const int answer = ComChk(chosen.data(), among != nullptr ? among->data() : nullptr, text, kind, most);
     requireAnswer(answer, kind, most, chosen, among);
     askForGroup();
+    fuzz::typeAnswers(typed);
+    deleteLds();
     return 0;
 }

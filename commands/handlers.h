@@ -2,8 +2,15 @@
 // snapshot; what it returns is ignored.
 #pragma once
 
+#include <span>
+
+struct CommandRow;
 struct OptionTable;
 struct _AFCONT;
+
+/// Gives help the rows whose usage it prints, before any handler runs: the rows name the handlers, so help cannot ask
+/// for them itself.
+void setHelpRows(std::span<const CommandRow> rows);
 
 // zebcli_cmd_ctrl
 int CliCmdExecHelp(int argc, char** argv, _AFCONT* conts, int contCount);

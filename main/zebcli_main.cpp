@@ -1,6 +1,7 @@
 // Start-up, in a fixed order: log, caller, arguments, terminal, command word, library, snapshot, handler; then
 // everything is taken down again.
 
+#include "commands/handlers.h"
 #include "log/raidctl.h"
 #include "log/zebcli_log.h"
 #include "main/command_table.h"
@@ -132,6 +133,7 @@ int runCommand(int argc, char** argv) {
     Snapshot snapshot(count);
     if (row->needsSnapshot != 0 && !snapshot.take())
         return kFailure;
+    setHelpRows(commandRows());
     row->handler(argc, argv, snapshot.conts(), count);
     return 0;
 }

@@ -26,11 +26,12 @@ constexpr int kRightsYear = 2026;
 /// The part of the usage of ldc that a controller without CacheCade is spared.
 constexpr std::string_view kCacheCadePart = " | -cachecade[{E0}:S0,{E1}:S1,...]";
 
+std::span<const CommandRow> helpRows;
+
 /// The lines of all commands in their order.
 std::string usageLines(bool withCacheCade) {
-    const auto rows = commandRows();
     std::vector<const CommandRow*> shown;
-    for (const CommandRow& row : rows)
+    for (const CommandRow& row : helpRows)
         if (row.usage != nullptr)
             shown.push_back(&row);
     std::sort(shown.begin(), shown.end(),
@@ -54,6 +55,10 @@ bool offersCacheCade(const _AFCONT* conts, int contCount) {
 }
 
 } // namespace
+
+void setHelpRows(std::span<const CommandRow> rows) {
+    helpRows = rows;
+}
 
 int CliCmdExecHelp(int argc, char** argv, _AFCONT* conts, int contCount) {
     dumpLog(kCtrlSource, __LINE__, __func__);

@@ -21,12 +21,17 @@ constexpr auto kSeverityWords = std::to_array<OptionWord>({
     {.word = "err", .bit = kError, .refusedAfter = kSeverities},
 });
 
+// The rows of the event table that test events stand in.
+constexpr std::uint16_t kErrorEvent = 60009;
+constexpr std::uint16_t kWarningEvent = 60010;
+constexpr std::uint16_t kInformationEvent = 60011;
+
 constexpr char kDetailedCode[] = "FFFFFFFF";
 
 std::uint16_t testEventCode(const Options& options) {
     if (options.has(kError))
-        return 60009;
-    return options.has(kWarning) ? 60010 : 60011;
+        return kErrorEvent;
+    return options.has(kWarning) ? kWarningEvent : kInformationEvent;
 }
 
 void writeTestEvent(std::uint16_t eventCode, std::uint32_t messageId, const ZEBSRV_EVT_INFO& event) {

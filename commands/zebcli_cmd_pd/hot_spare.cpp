@@ -190,7 +190,7 @@ Outcome makeDedicated(const Target& target) {
     return Outcome::Changed;
 }
 
-Outcome release(const Target& target, bool check) {
+Outcome releaseSpare(const Target& target, bool check) {
     _MR_PD_INFO pd{};
     if (!readPd(target, pd))
         return refuseAssignment();
@@ -213,7 +213,7 @@ Outcome release(const Target& target, bool check) {
 Outcome change(const Target& target, const Options& options) {
     if (options.has(kGlobal))
         return makeGlobal(target);
-    return options.has(kDedicated) ? makeDedicated(target) : release(target, !options.has(kNoCheck));
+    return options.has(kDedicated) ? makeDedicated(target) : releaseSpare(target, !options.has(kNoCheck));
 }
 
 /// Returns false when the whole command is over. What was changed stays changed then, without a line about it.

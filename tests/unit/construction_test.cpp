@@ -5,6 +5,7 @@
 
 #include "commands/zebcli_cmd_ld/creation/construction.h"
 #include "commands/zebcli_cmd_ld/setting_tables.h"
+#include "main/zebcli_cmd_com/model/lookup.h"
 #include "tests/support/library.h"
 #include "tests/support/private_opt.h"
 #include "tests/support/sandbox.h"
@@ -48,13 +49,17 @@ struct UnitPatternFile : SandboxTest {
 };
 
 TEST_F(UnitPatternFile, EachLineIsANumberOfDrives) {
-    std::string rows = "RAID0\nRAID1,RAID10,RAID5,RAID6,RAID0\n\nraid0,RAID1 , RAID5,RAID6\nRAID10x,RAID0\n,,RAID5\n" +
+    std::string rows = "RAID0\nRAID1,RAID10,RAID5,RAID6,RAID0\n\nraid0,RAID1 , "
+                       "RAID5,RAID6\nRAID10x,RAID0\nJBOD,RAID0,RAID1,RAID5,RAID6\n,,RAID5\n" +
                        std::string(511, 'x') + "RAID0\nRAID6\r\nRAID5";
     for (int i = 0; i < 300; ++i)
         rows += i == 0 ? "\n" : "RAID1\n";
-    const Levels wanted[] = {
-        {kRaid0}, {kRaid1, kRaid10, kRaid5, kRaid6}, {}, {kRaid6}, {kRaid0}, {kRaid5}, {}, {kRaid0}, {}, {kRaid5},
-        {kRaid1}};
+    const Levels wanted[] = {{kRaid0}, {kRaid1, kRaid10, kRaid5, kRaid6},
+                             {},       {kRaid6},
+                             {kRaid0}, {kRaid0, kRaid1, kRaid5},
+                             {kRaid5}, {},
+                             {kRaid0}, {},
+                             {kRaid5}, {kRaid1}};
     auto table = std::make_unique<_configPat_T>();
     std::memset(static_cast<void*>(table.get()), 0x5A, sizeof *table);
     const _configPat_T old = *table;
@@ -168,6 +173,34 @@ TEST_F(UnitConstruction, SettingsThatTheControllerOffers) {
         EXPECT_EQ(std::string("Write Through=0 Always Write Back=17 ") + (backup ? "Write Back=1 " : ""),
                   rows(supportedWritePolicies()));
     }
+}
+
+TEST_F(UnitConstruction, NothingIsOfferedForNoDrives) {
+    for (const unsigned mode : {0U, 1U, 2U}) {
+        _raidConstructInfoT out{};
+        out.count = 3;
+        getRaidConstructInfo(mode, 0, out, model.conts(), kCont);
+        EXPECT_EQ(0, out.count) << "mode " << mode;
+    }
+    auto list =
+        std::make_unique<_raidConstructInfoT>(_raidConstructInfoT{255, {kRaid0, kRaid1, kRaid5, kRaid6, kRaid10}});
+    RaidLvlSort(*list); // no further than the array
+    EXPECT_EQ(kRaid5, list->level[0]);
+    EXPECT_EQ(kRaid0, list->level[4]);
+}
+
+TEST_F(UnitConstruction, SizesOfCandidatesInTheirOrder) {
+    model.pd(7).coercedSize = 300;
+    model.pd(255).coercedSize = 100;
+    _PD_CANDIDATES_T candidates{3, {7, 255, 7}};
+    std::array<std::uint64_t, 4> sizes{1, 1, 1, 1};
+    EXPECT_EQ(3U, GePdSizeList(sizes, model.conts(), kCont, candidates));
+    EXPECT_EQ((std::array<std::uint64_t, 4>{300, 100, 300, 1}), sizes);
+    EXPECT_EQ(200U, GetLDCapaciity(std::span(sizes).first(3), kRaid5, kCont)) << "the smallest counts";
+    EXPECT_EQ(0U, GetLDCapaciity({}, kRaid0, kCont));
+    candidates.count = 0xFFFF;
+    EXPECT_EQ(2U, GePdSizeList(std::span(sizes).first(2), model.conts(), kCont, candidates))
+        << "no further than the room";
 }
 
 TEST_F(UnitConstruction, MixedDrivesDifferFromTheFirst) {

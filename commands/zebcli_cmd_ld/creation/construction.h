@@ -86,7 +86,8 @@ std::uint64_t CalcRAIDCapa(const PlannedArray& array, const _AFCONT* conts, unsi
 /// The usable capacity of an LD on drives of the given sizes; the smallest counts.
 std::uint64_t GetLDCapaciity(std::span<const std::uint64_t> sizes, ZEB_RAID_LVL level, unsigned char contNo);
 
-/// The capacity in GB of an LD on the unconfigured drives, where keepSpare leaves out the one at position spareIndex.
+/// Not SetLDCapaciityText, which is given its sizes: the capacity in GB of an LD on the unconfigured drives, where
+/// keepSpare leaves out the one at position spareIndex.
 void SetLDCapacityText(char (&text)[32], ZEB_RAID_LVL level, bool keepSpare, unsigned spareIndex, const _AFCONT* conts,
                        unsigned char contNo);
 

@@ -25,5 +25,6 @@ GbText gbText(std::uint64_t blocks);
 std::uint64_t CalcLDCapa(ZEB_RAID_LVL level, unsigned short drives, std::uint64_t size, unsigned char contNo);
 
 /// The usable capacity in GB, as text with three decimals, of an LD on drives of the given sizes; the smallest counts.
+/// SetLDCapacityText, with one "i", is the creation commands': it takes the sizes of the unconfigured drives itself.
 void SetLDCapaciityText(char (&out)[kCapacityTextSize], std::span<const std::uint64_t> sizes, ZEB_RAID_LVL level,
                         unsigned char contNo);

@@ -36,7 +36,7 @@ constexpr auto LdStsMsg = std::to_array<StateWord>({
     {kLdOffline, "OFFLINE"},
 });
 
-const char* wordFor(std::span<const StateWord> words, unsigned code) {
+const char* stateWord(std::span<const StateWord> words, unsigned code) {
     const auto row = std::find_if(words.begin(), words.end(), [&](const StateWord& word) { return word.code == code; });
     return row != words.end() ? row->text : kUnknown;
 }
@@ -56,18 +56,18 @@ const char* wordOf(std::span<const char* const> words, unsigned code, const char
 }
 
 void mkPDStateStr(unsigned short state, std::span<char> out) {
-    setText(out, wordFor(HddStsMsg, state));
+    setText(out, stateWord(HddStsMsg, state));
 }
 
 void mkLDStateStr(unsigned char contNo, const _AFCONT* conts, const _MR_LD_CONFIG* ld, std::span<char> out) {
-    setText(out, wordFor(LdStsMsg, ld->state));
+    setText(out, stateWord(LdStsMsg, ld->state));
     const PdsInLd pds = pdsInLd({contNo, conts}, ld->properties.ref.targetId);
     for (const unsigned char slotNo : pds.list()) {
         const bool copiesBack = HddIsDuringCopyBack(contNo, slotNo, conts) != 0;
         if (!copiesBack && conts[contNo].pdInfo[slotNo].fwState != kPdRebuild)
             continue;
         char suffix[32];
-        wsprintf(suffix, "(%s)", wordFor(HddStsMsg, copiesBack ? kPdCopyback : kPdRebuild));
+        wsprintf(suffix, "(%s)", stateWord(HddStsMsg, copiesBack ? kPdCopyback : kPdRebuild));
         strcat_s(out.data(), out.size(), suffix);
         return;
     }

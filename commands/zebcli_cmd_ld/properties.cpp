@@ -1,8 +1,8 @@
 // LD settings: name and policies.
 #include "commands/handlers.h"
 
+#include "commands/zebcli_cmd_ld/cache_policy.h"
 #include "commands/zebcli_cmd_ld/ld_targets.h"
-#include "commands/zebcli_cmd_ld/setting_tables.h"
 #include "log/raidctl.h"
 #include "log/zebcli_log.h"
 #include "main/zebcli_cmd_com/base/trace.h"
@@ -24,32 +24,15 @@ namespace {
 
 constexpr Speaker kHandler{kLdSource, "CliCmdExecLDSetProp"};
 constexpr unsigned kName = 0x0001;
-constexpr unsigned kWb = 0x0004;
-constexpr unsigned kWbcb = 0x0008;
-constexpr unsigned kRa = 0x0020;
-constexpr unsigned kCached = 0x0080;
-constexpr unsigned kWriteGroup = 0x0002 | kWb | kWbcb;
-constexpr unsigned kReadGroup = 0x0010 | kRa;
-constexpr unsigned kIoGroup = 0x0040 | kCached;
 constexpr unsigned kAccessGroup = 0x0100 | 0x0200 | 0x0400;
 constexpr unsigned kDiskCacheGroup = 0x0800 | 0x1000 | 0x2000;
 
-/// What of a current write policy is kept when no write option is given; the bit between is not.
-constexpr std::uint8_t kKeptWritePolicy = 0x11;
-
-/// A policy option: "-wb" is always write back, "-wbcb" the plain one.
+/// An option for another policy than that of the cache.
 struct PolicyWord {
     OptionWord option;
     std::uint8_t value;
 };
 constexpr auto kPolicyWords = std::to_array<PolicyWord>({
-    {{.word = "wt", .bit = 0x0002, .refusedAfter = kWriteGroup}, kWriteThrough},
-    {{.word = "wb", .bit = kWb, .refusedAfter = kWriteGroup}, kAlwaysWriteBack},
-    {{.word = "wbcb", .bit = kWbcb, .refusedAfter = kWriteGroup}, kWriteBack},
-    {{.word = "nora", .bit = 0x0010, .refusedAfter = kReadGroup}, kNoReadAhead},
-    {{.word = "ra", .bit = kRa, .refusedAfter = kReadGroup}, kReadAhead},
-    {{.word = "direct", .bit = 0x0040, .refusedAfter = kIoGroup}, kDirectIo},
-    {{.word = "cached", .bit = kCached, .refusedAfter = kIoGroup}, kCachedIo},
     {{.word = "rw", .bit = 0x0100, .refusedAfter = kAccessGroup}, kReadWrite},
     {{.word = "ro", .bit = 0x0200, .refusedAfter = kAccessGroup}, kReadOnly},
     {{.word = "blocked", .bit = 0x0400, .refusedAfter = kAccessGroup}, kBlocked},
@@ -64,11 +47,14 @@ bool isName(const char* value) {
 }
 
 /// The option words: the name, then the policies.
-constexpr std::array<OptionWord, kPolicyWords.size() + 1> makeWords() {
-    std::array<OptionWord, kPolicyWords.size() + 1> words{};
-    words[0] = {.word = "name", .bit = kName, .refusedAfter = kName, .acceptsValue = isName};
-    for (std::size_t i = 0; i < kPolicyWords.size(); ++i)
-        words[i + 1] = kPolicyWords[i].option;
+constexpr auto makeWords() {
+    std::array<OptionWord, 1 + kCachePolicyWords.size() + kPolicyWords.size()> words{};
+    auto* next = words.begin();
+    *next++ = {.word = "name", .bit = kName, .refusedAfter = kName, .acceptsValue = isName};
+    for (const CachePolicyWord& word : kCachePolicyWords)
+        *next++ = word.option;
+    for (const PolicyWord& word : kPolicyWords)
+        *next++ = word.option;
     return words;
 }
 constexpr auto kWords = makeWords();
@@ -88,29 +74,17 @@ struct Policies {
 };
 
 Policies makePolicies(const Options& options, const _MR_LD_PROPERTIES& current) {
-    const std::uint8_t cache = current.defaultCachePolicy;
-    const unsigned read = policyOr(options, kReadGroup, cache & kReadPolicyMask);
-    const unsigned write = policyOr(options, kWriteGroup, cache & kKeptWritePolicy);
-    const unsigned io = policyOr(options, kIoGroup, cache & kIoPolicyMask);
-    return {static_cast<std::uint8_t>(io | write | read), policyOr(options, kAccessGroup, current.accessPolicy),
+    return {withCachePolicyWords(options, current.defaultCachePolicy & kKeptCachePolicy),
+            policyOr(options, kAccessGroup, current.accessPolicy),
             policyOr(options, kDiskCacheGroup, current.diskCachePolicy)};
-}
-
-bool controllerSupports(const Options& options, Controller ctrl) {
-    const std::uint32_t operations = ctrl.cont().ctrlInfo.ldOperations;
-    const auto lacks = [&](unsigned bits, std::uint32_t operation) {
-        return options.has(bits) && (operations & operation) == 0;
-    };
-    return !lacks(kWb | kWbcb, kLdOpWritePolicy) && !lacks(kRa, kLdOpReadPolicy) && !lacks(kCached, kLdOpIoPolicy) &&
-           !(options.has(kWbcb) && IsCacheBkupPresent(ctrl.conts, ctrl.contNo) == 0);
 }
 
 /// Why the settings cannot be changed, null when they can.
 const char* obstacle(const Options& options, std::span<const unsigned char> controllers, const _AFCONT* conts) {
-    if (options.has(kWriteGroup) && IsSoftwareRAID() != 0)
+    if (options.has(kWriteWords) && IsSoftwareRAID() != 0)
         return "Error - This command is not supported at the current configuration.";
     const bool supported = std::all_of(controllers.begin(), controllers.end(), [&](unsigned char contNo) {
-        return controllerSupports(options, {contNo, conts});
+        return supportsCachePolicyWords(options, {contNo, conts});
     });
     return supported ? nullptr : "Error - The specified parameter is not supported at the current configuration.";
 }

@@ -203,12 +203,6 @@ TEST_F(StartUp, EachWordRunsItsHandler) {
     }
 }
 
-TEST_F(StartUp, CommandsWithoutBehaviourSaySo) {
-    const auto refusal = error("Error - This command is not supported at the current configuration.");
-    for (const char* typed : {"-lde", "-ldc -r0"})
-        check(kOneController, {.args = typed, .lines = {refusal}});
-}
-
 TEST_F(StartUp, SnapshotCommandsSendNothingWhateverTheirArguments) {
     for (const std::string typed : {"-sse", "-SSE -a0", "sse", "-snapshot", "-Snapshot -list -L0 -a7", "x-snapshot"})
         check(kOneController, {.args = typed,

@@ -12,8 +12,9 @@ namespace {
 /// Walks the arguments of one command.
 class OptionParser {
   public:
-    OptionParser(const OptionTable& table, int argc, char** argv, int contCount, Options& options, int line)
-        : table_(table), argc_(argc), argv_(argv), contCount_(contCount), options_(options), line_(line) {}
+    OptionParser(const OptionTable& table, OwnArguments* own, int argc, char** argv, int contCount, Options& options,
+                 int line)
+        : table_(table), own_(own), argc_(argc), argv_(argv), contCount_(contCount), options_(options), line_(line) {}
 
     bool parse() {
         for (index_ = 2; index_ < argc_; ++index_)
@@ -30,6 +31,9 @@ class OptionParser {
                                        [&](const OptionWord& row) { return text == row.word; });
         if (word != table_.words.end())
             return takeWord(*word);
+        if (own_ != nullptr)
+            if (const auto verdict = own_->take(option, argv_[index_]); verdict != OwnArguments::Verdict::NotMine)
+                return verdict == OwnArguments::Verdict::Taken || refuse();
         if (table_.takesPds && text.starts_with("pd["))
             return takePds(option);
         if (table_.takesControllers && text.starts_with('a'))
@@ -87,6 +91,7 @@ class OptionParser {
     }
 
     const OptionTable& table_;
+    OwnArguments* own_;
     int argc_;
     char** argv_;
     int contCount_;
@@ -107,7 +112,12 @@ OptionText optionText(const char* argument) {
 }
 
 bool parseOptions(const OptionTable& table, int argc, char** argv, int contCount, Options& options, int line) {
-    return OptionParser(table, argc, argv, contCount, options, line).parse();
+    return OptionParser(table, nullptr, argc, argv, contCount, options, line).parse();
+}
+
+bool parseOptions(const OptionTable& table, OwnArguments& own, int argc, char** argv, int contCount, Options& options,
+                  int line) {
+    return OptionParser(table, &own, argc, argv, contCount, options, line).parse();
 }
 
 bool selectDefaultTargets(const OptionTable& table, int contCount, Options& options) {

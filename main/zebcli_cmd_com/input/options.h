@@ -60,9 +60,24 @@ struct OptionText {
 };
 OptionText optionText(const char* argument);
 
+/// Arguments of a command that carry more than a word, such as "sz100". The object keeps what it reads.
+class OwnArguments {
+  public:
+    enum class Verdict { NotMine, Taken, Refused };
+    /// Judges one argument that is no word of the table: its text, and as it was typed. They come from left to right.
+    virtual Verdict take(const OptionText& option, const char* argument) = 0;
+
+  protected:
+    ~OwnArguments() = default;
+};
+
 /// Reads the arguments behind the command word. Returns true, or false after the refusal has been said, under the line
 /// of the handler.
 bool parseOptions(const OptionTable& table, int argc, char** argv, int contCount, Options& options,
+                  int line = __builtin_LINE());
+
+/// The same for a command that has arguments of its own. They are looked at before any target.
+bool parseOptions(const OptionTable& table, OwnArguments& own, int argc, char** argv, int contCount, Options& options,
                   int line = __builtin_LINE());
 
 /// Selects the default of the targets that the command takes and that were not given: all LDs, the only controller.

@@ -57,9 +57,12 @@ inline std::span<const PlannedLd> ldsOf(const PlannedArray& group) {
     return {group.ld, std::min<std::size_t>(group.ldCount, std::size(group.ld))};
 }
 
-/// The spans of a group: a RAID10 has one for every two drives, any other level one.
+/// The spans of that many drives: a RAID10 has one for every two of them, any other level one.
+inline unsigned spanCountOf(ZEB_RAID_LVL level, unsigned drives) {
+    return level == kRaid10 ? std::min(drives / 2, kMaxSpans) : 1;
+}
 inline unsigned spanCountOf(const PlannedArray& group) {
-    return group.level == kRaid10 ? static_cast<unsigned>(std::min<std::size_t>(group.pdCount / 2U, kMaxSpans)) : 1;
+    return spanCountOf(group.level, group.pdCount);
 }
 
 /// Makes the groups of the plan, each of new arrays. The sequence numbers of the drives are read just before the send.

@@ -68,7 +68,7 @@ done < <(sed -nE 's/^struct (_[A-Z0-9_]+) \{$/\1/p' storelib/records/*.h)
 
 long=$(find "${tool[@]}" -name '*.cpp' -exec awk '
   FNR == 1 { start = 0 }
-  !start && /^( {4})?[A-Za-z~].*\)( const)?( noexcept)?( override)? \{$/ && !/^ *(namespace|class|struct|enum|union|extern|if|for|while|switch|do|else)/ {
+  !start && /^( {4})?[A-Za-z~].*\(/ && !/[;}]$| = / && !/^ *(namespace|class|struct|enum|union|extern|if|for|while|switch|do|else)/ {
     start = FNR; match($0, /^ */); close_at = sprintf("%" RLENGTH "s}", "") }
   start && index($0, close_at) == 1 { if (FNR - start >= 60) print FILENAME ":" start ": " FNR - start + 1 " lines"; start = 0 }' {} +)
 if [ -n "$long" ]; then

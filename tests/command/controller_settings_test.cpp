@@ -1,5 +1,10 @@
 // Controller settings, automatic rebuild and the learn cycle: couplings, refusals, and every byte that is written.
+#include "storelib/records/controller.h"
 #include "tests/support/operation_case.h"
+
+#include <array>
+#include <bit>
+#include <numeric>
 
 #include <gmock/gmock.h>
 
@@ -11,12 +16,12 @@ constexpr Wire kSecond{9};
 constexpr std::uint32_t kOtherBits = 0x80000010;
 enum : std::uint32_t { kNoCopyback = 0x01, kHdd = 0x02, kSsd = 0x20 };
 
-/// Bytes that differ all, from a start value on.
-std::string pattern(std::size_t count, unsigned from) {
-    std::string bytes;
-    for (std::size_t i = 0; i < count; ++i)
-        bytes.push_back(static_cast<char>(from + i));
-    return bytes;
+/// A record whose bytes differ all, from a start value on.
+template <class Record>
+Record recordOf(unsigned from) {
+    std::array<std::uint8_t, sizeof(Record)> bytes;
+    std::iota(bytes.begin(), bytes.end(), static_cast<std::uint8_t>(from));
+    return std::bit_cast<Record>(bytes);
 }
 
 /// A controller whose settings are all its own; `more` are further keys.
@@ -25,8 +30,8 @@ std::string controller(unsigned id, std::uint32_t onOff, unsigned failPd, const 
            number(onOff | kOtherBits) +
            R"(, "rebuildRate": 41, "patrolReadRate": 42, "bgiRate": 43, "ccRate": 44, "reconRate": 45,
                "cacheFlushInterval": 5, "disableAutoRebuild": 7, "otherBytes": ")" +
-           toHex(pattern(64, 0x80)) + R"("}, "mfcDefaults": {"failPdOnSmartError": )" + number(failPd) +
-           R"(, "otherBytes": ")" + toHex(pattern(72, 0x20)) + R"("})" + more + "}";
+           hexOf(recordOf<_MR_CTRL_PROP>(0x80)) + R"("}, "mfcDefaults": {"failPdOnSmartError": )" + number(failPd) +
+           R"(, "otherBytes": ")" + hexOf(recordOf<_MR_MFC_DEFAULTS>(0x20)) + R"("})" + more + "}";
 }
 std::string scenario(const std::string& first, const std::string& second = "") {
     return R"({"controllers": [)" + first + (second.empty() ? "" : ", " + second) + "]}";
@@ -35,16 +40,18 @@ std::string scenario(const std::string& first, const std::string& second = "") {
 /// The write of the properties: a rate of 0 keeps the five as they are.
 std::string writeProperties(const Wire& wire, unsigned rate, std::uint32_t onOff, unsigned disableAutoRebuild,
                             const std::string& rest = "") {
-    std::string bytes = pattern(64, 0x80);
-    bytes.replace(0, 2, "\x09\x03");
-    for (unsigned i = 0; i < 5; ++i)
-        bytes[8 + i] = static_cast<char>(rate != 0 ? rate : 41 + i);
-    bytes[13] = 5;
-    bytes[18] = 0;
-    bytes[19] = static_cast<char>(disableAutoRebuild);
-    for (unsigned i = 0; i < 4; ++i)
-        bytes[32 + i] = static_cast<char>((onOff | kOtherBits) >> 8 * i & 0xFFU);
-    return wire.request("01/01", 0, " size=64") + wire.request("01/02", 777, " size=64 out=" + toHex(bytes) + rest);
+    auto record = recordOf<_MR_CTRL_PROP>(0x80);
+    record.seqNo = 777;
+    record.rebuildRate = static_cast<std::uint8_t>(rate != 0 ? rate : 41);
+    record.patrolReadRate = static_cast<std::uint8_t>(rate != 0 ? rate : 42);
+    record.bgiRate = static_cast<std::uint8_t>(rate != 0 ? rate : 43);
+    record.ccRate = static_cast<std::uint8_t>(rate != 0 ? rate : 44);
+    record.reconRate = static_cast<std::uint8_t>(rate != 0 ? rate : 45);
+    record.cacheFlushInterval = 5;
+    record.alarmEnable = 0;
+    record.disableAutoRebuild = static_cast<std::uint8_t>(disableAutoRebuild);
+    record.onOff = onOff | kOtherBits;
+    return wire.request("01/01", 0, " size=64") + wire.request("01/02", 777, " size=64 out=" + hexOf(record) + rest);
 }
 std::string readDefaults(const Wire& wire) {
     return wire.dcmd(0x010E0201, 2, 72);
@@ -55,10 +62,10 @@ std::string query(const Wire& wire) {
 /// Everything that one controller gets.
 std::string change(const Wire& wire, unsigned rate, std::uint32_t onOff, unsigned failPd,
                    const std::string& rest = "") {
-    std::string defaults = pattern(72, 0x20);
-    defaults[52] = static_cast<char>(failPd);
+    auto defaults = recordOf<_MR_MFC_DEFAULTS>(0x20);
+    defaults.failPdOnSmartError = static_cast<std::uint8_t>(failPd);
     return query(wire) + writeProperties(wire, rate, onOff, 7) + readDefaults(wire) +
-           wire.dcmd(0x010E0202, 1, 72, toHex(defaults), rest);
+           wire.dcmd(0x010E0202, 1, 72, hexOf(defaults), rest);
 }
 
 Line changed(unsigned contNo) {

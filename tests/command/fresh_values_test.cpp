@@ -67,6 +67,7 @@ const FreshValues kCases[] = {
      .fields = {R"("fwState": 0)", R"("ddfType": 8)", R"("seqNo": 1)"}},
     {.args = "-pdhsp -rmv -nochk -pd[:10] -a0", .record = kPd, .fields = {R"("ddfType": 12)"}},
     {.args = "-ctrlsetprop -hddcpybkenbl -a0", .record = kCtrl, .fields = {R"("rebuildRate": 77)", R"("onOff": 35)"}},
+    {.args = "-ctrlsetprop -pdfailenbl -a0", .record = kCtrl, .fields = {R"("onOff": 1)"}},
     {.args = "-ctrlsetprop -trh -a0",
      .record = kCtrl,
      .fields = {R"("cacheFlushInterval": 77)", R"("alarmEnable": 7)", R"("disableAutoRebuild": 7)"},

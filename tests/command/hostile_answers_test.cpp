@@ -5,6 +5,10 @@
 
 #include <gmock/gmock.h>
 
+#include "storelib/records/configuration.h"
+#include "storelib/records/controller.h"
+#include "storelib/records/enclosure.h"
+#include "tests/support/answers.h"
 #include "tests/support/expected.h"
 #include "tests/support/log_file.h"
 #include "tests/support/operation_case.h"
@@ -17,71 +21,99 @@ constexpr const char* kReports[] = {"-ctrlinfo -aAll", "-ldpdinfo -aAll", "-pdin
 
 struct Lie {
     const char* name;
-    const char* request; ///< the keys that pick it
-    const char* change; ///< what becomes of the answer
+    std::string request; ///< the keys that pick it
+    std::string change; ///< what becomes of the answer
     std::set<std::string> unchanged{}; ///< the reports that must be as they are without the lie
 
-    std::string fault() const { return std::string("[{") + request + "," + change + "}]"; }
+    std::string fault() const { return "[{" + request + "," + change + "}]"; }
 };
 
-constexpr char kPdList[] = R"("type":1,"cmd":4)";
-constexpr char kLdList[] = R"("type":1,"cmd":13)";
-constexpr char kConfig[] = R"("type":4,"cmd":0)";
-constexpr char kArray[] = R"("type":4,"cmd":8)";
-constexpr char kPd[] = R"("type":2,"cmd":0)";
-constexpr char kLd[] = R"("type":3,"cmd":0)";
-constexpr char kInfo[] = R"("type":1,"cmd":0)";
-constexpr char kEnclosures[] = R"("type":1,"cmd":5)";
-constexpr char kElements[] = R"("type":8,"cmd":5)";
-constexpr char kConnectors[] = R"("type":6,"cmd":3,"opcode":"0x07030000")";
+const std::string kPdList = R"("type":1,"cmd":4)";
+const std::string kLdList = R"("type":1,"cmd":13)";
+const std::string kConfig = R"("type":4,"cmd":0)";
+const std::string kArray = R"("type":4,"cmd":8)";
+const std::string kPd = R"("type":2,"cmd":0)";
+const std::string kLd = R"("type":3,"cmd":0)";
+const std::string kInfo = R"("type":1,"cmd":0)";
+const std::string kEnclosures = R"("type":1,"cmd":5)";
+const std::string kElements = R"("type":8,"cmd":5)";
+const std::string kConnectors = R"("type":6,"cmd":3,"opcode":"0x07030000")";
+
+constexpr std::uint64_t kOnes = ~std::uint64_t{0};
+
+/// A field of the n-th array of a configuration.
+constexpr Place inArray(std::size_t n, Place field) {
+    return field.behind(sizeof(_MR_CONFIG_DATA) + n * sizeof(_MR_ARRAY));
+}
 
 const Lie kLies[] = {
-    {"65535 drives", kPdList, R"("patch":[{"offset":4,"hex":"ffff0000"}])"},
-    {"no drive", kPdList, R"("patch":[{"offset":4,"hex":"00000000"}])", {"-ctrlinfo -aAll", "-cbinfo -aAll"}},
+    {"65535 drives", kPdList, patch({{ZEB_AT(_MR_PD_LIST, count), 0xFFFF}})},
+    {"no drive", kPdList, patch({{ZEB_AT(_MR_PD_LIST, count), 0}}), {"-ctrlinfo -aAll", "-cbinfo -aAll"}},
     {"PD list of ones", kPdList, R"("fill":255)"},
-    {"4 billion LDs", kLdList, R"("patch":[{"offset":0,"hex":"ffffffff"}])"},
-    {"LD 255", kLdList, R"("patch":[{"offset":8,"hex":"ff"}])"},
-    {"configuration of 0 bytes", kConfig, R"("patch":[{"offset":0,"hex":"00000000"}])"},
-    {"configuration of 8 bytes", kConfig, R"("patch":[{"offset":0,"hex":"08000000"}])"},
-    {"configuration of 31 bytes", kConfig, R"("patch":[{"offset":0,"hex":"1f000000"}])"},
-    {"configuration of 33 bytes", kConfig, R"("patch":[{"offset":0,"hex":"21000000"}])"},
-    {"configuration of 4 GB", kConfig, R"("patch":[{"offset":0,"hex":"ffffffff"}])"},
-    {"65535 arrays, LDs and spares", kConfig, R"("patch":[{"offset":4,"hex":"ffff2001ffff0001ffff2800"}])"},
-    {"255 drives in an array", kConfig, R"("patch":[{"offset":40,"hex":"ff"}])"},
-    {"array 65535", kConfig, R"("patch":[{"offset":42,"hex":"ffff"}])"},
-    {"array 128", kConfig, R"("patch":[{"offset":42,"hex":"8000"}])"},
+    {"4 billion LDs", kLdList, patch({{ZEB_AT(_MR_LD_LIST, count), kOnes}})},
+    {"LD 255", kLdList, patch({{ZEB_AT(_MR_LD_LIST, ld[0].targetId), 255}})},
+    {"configuration of 0 bytes", kConfig, patch({{ZEB_AT(_MR_CONFIG_DATA, size), 0}})},
+    {"configuration of 8 bytes", kConfig, patch({{ZEB_AT(_MR_CONFIG_DATA, size), 8}})},
+    {"configuration of 31 bytes", kConfig, patch({{ZEB_AT(_MR_CONFIG_DATA, size), 31}})},
+    {"configuration of 33 bytes", kConfig, patch({{ZEB_AT(_MR_CONFIG_DATA, size), 33}})},
+    {"configuration of 4 GB", kConfig, patch({{ZEB_AT(_MR_CONFIG_DATA, size), kOnes}})},
+    {"65535 arrays, LDs and spares", kConfig,
+     patch({{ZEB_AT(_MR_CONFIG_DATA, arrayCount), kOnes},
+            {ZEB_AT(_MR_CONFIG_DATA, ldCount), kOnes},
+            {ZEB_AT(_MR_CONFIG_DATA, spareCount), kOnes}})},
+    {"255 drives in an array", kConfig, patch({{inArray(0, ZEB_AT(_MR_ARRAY, numDrives)), 255}})},
+    {"array 65535", kConfig, patch({{inArray(0, ZEB_AT(_MR_ARRAY, arrayRef)), kOnes}})},
+    {"array 128", kConfig, patch({{inArray(0, ZEB_AT(_MR_ARRAY, arrayRef)), 128}})},
     {"configuration of ones", kConfig, R"("nth":2,"fill":255)"},
-    {"group of 255 LDs, drives and free segments", kArray, R"("patch":[{"offset":2,"hex":"ffffff"}])"},
-    {"group of LD 255", kArray, R"("patch":[{"offset":16,"hex":"ffff"}])"},
+    {"group of 255 LDs, drives and free segments", kArray,
+     patch({{ZEB_AT(_SL_ARRAY_INFO_T, ldCount), 255},
+            {ZEB_AT(_SL_ARRAY_INFO_T, pdCount), 255},
+            {ZEB_AT(_SL_ARRAY_INFO_T, freeCount), 255}})},
+    {"group of LD 255", kArray, patch({{ZEB_AT(_SL_ARRAY_INFO_T, ldTargetId), 255}})},
     {"group of ones", kArray, R"("fill":255)"},
-    {"255 paths", kPd, R"("patch":[{"offset":192,"hex":"ff"}])", {"-ldpdprog", "-ldpdinfo -aAll"}},
+    {"255 paths", kPd, patch({{ZEB_AT(_MR_PD_INFO, pathCount), 255}}), {"-ldpdprog", "-ldpdinfo -aAll"}},
     {"PD of ones", kPd, R"("fill":255)"},
-    {"copyback partner unknown", kPd, R"("patch":[{"offset":364,"hex":"1234"}])", {"-ldpdprog", "-ldpdinfo -aAll"}},
-    {"255 spans", kLd, R"("patch":[{"offset":37,"hex":"ff"}])"},
-    {"spans on arrays 128 and 65535", kLd, R"("patch":[{"offset":80,"hex":"8000"},{"offset":104,"hex":"ffff"}])"},
+    {"copyback partner unknown",
+     kPd,
+     patch({{ZEB_AT(_MR_PD_INFO, copybackPartner), 0x3412}}),
+     {"-ldpdprog", "-ldpdinfo -aAll"}},
+    {"255 spans", kLd, patch({{ZEB_AT(_MR_LD_INFO, config.spanDepth), 255}})},
+    {"spans on arrays 128 and 65535", kLd,
+     patch(
+         {{ZEB_AT(_MR_LD_INFO, config.span[0].arrayRef), 128}, {ZEB_AT(_MR_LD_INFO, config.span[1].arrayRef), kOnes}})},
     {"LD of ones", kLd, R"("fill":255)"},
-    {"LD of another number", kLd, R"("patch":[{"offset":0,"hex":"ff"}])"},
-    {"4 billion image components", kInfo, R"("patch":[{"offset":180,"hex":"ffffffff"}])", {"-ctrlinfo -aAll"}},
+    {"LD of another number", kLd, patch({{ZEB_AT(_MR_LD_INFO, config.properties.ref.targetId), 255}})},
+    {"4 billion image components",
+     kInfo,
+     patch({{ZEB_AT(_MR_CTRL_INFO, imageComponentCount), kOnes}}),
+     {"-ctrlinfo -aAll"}},
     {"controller of ones", kInfo, R"("fill":255)"},
-    {"4 billion enclosures", kEnclosures, R"("patch":[{"offset":0,"hex":"ffffffff"}])", {"-enclinfo -aAll"}},
-    {"no enclosure", kEnclosures, R"("patch":[{"offset":0,"hex":"00000000"}])", {"-enclinfo -aAll"}},
-    {"connector 255", kEnclosures, R"("patch":[{"offset":19,"hex":"ff"}])"},
-    {"4 billion connectors", kConnectors, R"("patch":[{"offset":0,"hex":"ffffffff"}])", {"-enclinfo -aAll"}},
+    {"4 billion enclosures", kEnclosures, patch({{ZEB_AT(_MR_ENCL_LIST, count), kOnes}}), {"-enclinfo -aAll"}},
+    {"no enclosure", kEnclosures, patch({{ZEB_AT(_MR_ENCL_LIST, count), 0}}), {"-enclinfo -aAll"}},
+    {"connector 255", kEnclosures, patch({{ZEB_AT(_MR_ENCL_LIST, encl[0].connectorIndex), 255}})},
+    {"4 billion connectors", kConnectors, patch({{ZEB_AT(_MR_SAS_CONNECTORS, count), kOnes}}), {"-enclinfo -aAll"}},
     {"4 billion connectors and the enclosure on the 9th",
-     R"("type":6,"cmd":3,"opcode":"0x07030000","patch":[{"offset":0,"hex":"ffffffff"}]},{"type":1,"cmd":5)",
-     R"("patch":[{"offset":19,"hex":"08"}])"},
-    {"65535 elements of each type", kElements, R"("patch":[{"offset":0,"hex":"ffffffffffffffffffffffffffffffff"}])"},
+     kConnectors + ("," + patch({{ZEB_AT(_MR_SAS_CONNECTORS, count), kOnes}})) + "},{" + kEnclosures,
+     patch({{ZEB_AT(_MR_ENCL_LIST, encl[0].connectorIndex), 8}})},
+    {"65535 elements of each type", kElements, patch({{ZEB_AT(_SL_ENCL_STATUS_EX_T, count), 255}})},
     {"elements of ones", kElements, R"("fill":255)"},
     // Records that lead to themselves or to each other.
-    {"every slot with the same drive", kPdList, R"("patch":[{"offset":32,"hex":"0800"},{"offset":56,"hex":"0800"}])"},
-    {"every drive in the same slot", kPdList, R"("patch":[{"offset":37,"hex":"00"},{"offset":61,"hex":"00"}])"},
-    {"the same LD twice", kLdList, R"("patch":[{"offset":24,"hex":"00"}])"},
-    {"two arrays of the same number", kConfig, R"("patch":[{"offset":330,"hex":"0000"}])"},
-    {"an array of one drive twice", kConfig, R"("patch":[{"offset":72,"hex":"0800"}])"},
-    {"eight spans on one array", kLd, R"("patch":[{"offset":37,"hex":"08"},{"offset":104,"hex":"0000"}])"},
+    {"every slot with the same drive", kPdList,
+     patch({{ZEB_AT(_MR_PD_LIST, addr[1].deviceId), 8}, {ZEB_AT(_MR_PD_LIST, addr[2].deviceId), 8}})},
+    {"every drive in the same slot", kPdList,
+     patch({{ZEB_AT(_MR_PD_LIST, addr[1].slotNo), 0}, {ZEB_AT(_MR_PD_LIST, addr[2].slotNo), 0}})},
+    {"the same LD twice", kLdList, patch({{ZEB_AT(_MR_LD_LIST, ld[1].targetId), 0}})},
+    {"two arrays of the same number", kConfig, patch({{inArray(1, ZEB_AT(_MR_ARRAY, arrayRef)), 0}})},
+    {"an array of one drive twice", kConfig, patch({{inArray(0, ZEB_AT(_MR_ARRAY, pd[1].ref.deviceId)), 8}})},
+    {"eight spans on one array", kLd,
+     patch({{ZEB_AT(_MR_LD_INFO, config.spanDepth), 8}, {ZEB_AT(_MR_LD_INFO, config.span[1].arrayRef), 0}})},
     {"groups that hold each other's LDs", kArray,
-     R"("nth":1,"patch":[{"offset":2,"hex":"03"},{"offset":16,"hex":"010001"}])"},
-    {"a copyback partner of itself", kPd, R"("patch":[{"offset":184,"hex":"2000"},{"offset":364,"hex":"0800"}])"},
+     R"("nth":1,)" + patch({{ZEB_AT(_SL_ARRAY_INFO_T, ldCount), 3},
+                            {ZEB_AT(_SL_ARRAY_INFO_T, ldTargetId[0]), 1},
+                            {ZEB_AT(_SL_ARRAY_INFO_T, ldTargetId[1]), 0},
+                            {ZEB_AT(_SL_ARRAY_INFO_T, ldTargetId[2]), 1}})},
+    {"a copyback partner of itself", kPd,
+     patch({{ZEB_AT(_MR_PD_INFO, fwState), kPdCopyback}, {ZEB_AT(_MR_PD_INFO, copybackPartner), 8}})},
     {"everything of ones", R"("from":2)", R"("fill":255)"},
     {"everything of nothing", R"("from":2)", R"("fill":0)"},
     {"everything cut", R"("from":2)", R"("truncate":7)"},
@@ -131,13 +163,13 @@ using HostileSizes = OperationTest;
 TEST_F(HostileSizes, SnapshotOf4GigabytesIsReadUpToOneMegabyte) {
     auto options = optionsFor(kScenario, "-ldpdprog");
     options.env["ZEBSIM_FAULTS"] =
-        R"([{"type":6,"cmd":3,"opcode":"0x030F0800","nth":1,"patch":[{"offset":0,"hex":"ffffffff"}]}])";
+        R"([{"type":6,"cmd":3,"opcode":"0x030F0800","nth":1,"patch":[{"offset":0,"hex":"ffffffff"}]}])"; // the size
     const auto result = box.run(options);
-    std::vector<std::string> sizes; // the first four bytes of a controller command's record
+    std::vector<std::uint32_t> sizes;
     for (const auto& request : parseTrace(result.trace))
-        if (request.type == 6 && request.cmd == 3 && request.out.at(6) == 0x0F)
-            sizes.push_back(toHex({reinterpret_cast<const char*>(request.out.data()), 4}));
-    EXPECT_THAT(sizes, testing::ElementsAre("04000000", "00001000", "04000000", testing::_));
+        if (const auto dcmd = request.dcmd(); dcmd && (dcmd->opcode & 0xFF0000U) == 0x0F0000U)
+            sizes.push_back(dcmd->dataSize);
+    EXPECT_THAT(sizes, testing::ElementsAre(4, 0x100000, 4, testing::_));
     EXPECT_THAT(LogFile(box.log()).messages(),
                 testing::Contains("!ERR func=UpdateDriveInfo: size 4294967295 is not believed, contNo=0, ldNo=0"));
     EXPECT_EQ(box.run(optionsFor(kScenario, "-ldpdprog")).out, result.out);

@@ -1,5 +1,8 @@
 // Global and dedicated hot spares and their release: warnings, the group dialogue, what is sent.
+#include "storelib/records/configuration.h"
 #include "tests/support/operation_case.h"
+
+#include <algorithm>
 
 namespace zebtest {
 namespace {
@@ -125,11 +128,13 @@ Line invalid(const std::string& answer) {
 std::string software() {
     return kFirst.request("01/00", 0, " size=2048");
 }
-/// The block of 33 bytes: a count and that many array references.
-std::string makeDedicated(unsigned slot, std::uint16_t array, std::uint8_t ld, std::string block,
+std::string makeDedicated(unsigned slot, std::uint8_t ld, std::initializer_list<std::uint16_t> arrays,
                           const std::string& rest = "") {
-    block.resize(66, '0');
-    return kFirst.arrayInfo(array) + kFirst.ldInfo(ld) + kFirst.pdChange("02/0b", slot, " size=33 out=" + block + rest);
+    _SL_DEDICATED_SPARE_T served{};
+    served.arrayCount = static_cast<std::uint8_t>(arrays.size());
+    std::ranges::copy(arrays, served.arrayRef);
+    return kFirst.arrayInfo(*arrays.begin()) + kFirst.ldInfo(ld) +
+           kFirst.pdChange("02/0b", slot, " size=33 out=" + hexOf(served) + rest);
 }
 Lines dedicated(unsigned slot, unsigned array, std::uint32_t status = 0) {
     return traced("func=SLMakeDedicatedHotspare: contNo=0 ,slotNo=" + number(slot) + ", arrayRef=" + number(array)) +
@@ -138,15 +143,15 @@ Lines dedicated(unsigned slot, unsigned array, std::uint32_t status = 0) {
 TEST_F(HotSpare, DedicatedToEveryArrayOfTheGroup) {
     checkAll({{.args = "-pdhsp -dhs -pd[:7] -a0",
                .lines = kGroups + kAskGroup + dedicated(7, 2) + changed(0, "7"),
-               .requests = software() + kFirst.pdInfo(7) + makeDedicated(7, 2, 4, "0202000700"),
+               .requests = software() + kFirst.pdInfo(7) + makeDedicated(7, 4, {2, 7}),
                .input = "2\n"},
               {.args = "-pdhsp -dhs -pd[:7] -a0",
                .lines = kGroups + kAskGroup + dedicated(7, 5) + changed(0, "7"),
-               .requests = software() + kFirst.pdInfo(7) + makeDedicated(7, 5, 9, "010500"),
+               .requests = software() + kFirst.pdInfo(7) + makeDedicated(7, 9, {5}),
                .input = "0\n"},
               {.args = "-pdhsp -dhs -pd[:7] -a0",
                .lines = kGroups + kAskGroup + dedicated(7, 5, 4) + kNotAssigned,
-               .requests = software() + kFirst.pdInfo(7) + makeDedicated(7, 5, 9, "010500", " -> 0x04"),
+               .requests = software() + kFirst.pdInfo(7) + makeDedicated(7, 9, {5}, " -> 0x04"),
                .faults = kFirst.outdates("02/00", 3, 15),
                .input = "0\n"}});
 }
@@ -160,7 +165,7 @@ TEST_F(HotSpare, GroupIsAskedUntilItIsListed) {
     }
     checkAll({{.args = "-pdhsp -dhs -pd[:7] -a0",
                .lines = asked + kAskGroup + dedicated(7, 5) + changed(0, "7"),
-               .requests = software() + kFirst.pdInfo(7) + makeDedicated(7, 5, 9, "010500"),
+               .requests = software() + kFirst.pdInfo(7) + makeDedicated(7, 9, {5}),
                .input = input + "0\n"},
               {.args = "-pdhsp -dhs -pd[:7,:12] -aAll",
                .lines = kGroups + kAskGroup,

@@ -1,4 +1,6 @@
 // LD settings: the bytes that each option writes, the LDs of a group, the checks and questions before the first change.
+#include "storelib/records/configuration.h"
+#include "tests/support/answers.h"
 #include "tests/support/operation_case.h"
 
 #include <gmock/gmock.h>
@@ -47,24 +49,24 @@ Line notChanged(unsigned contNo, unsigned ld) {
                  " Settings.");
 }
 
-std::string chars(std::initializer_list<unsigned> bytes) {
-    std::string text;
-    for (const unsigned byte : bytes)
-        text.push_back(static_cast<char>(byte));
-    return text;
-}
-/// What one LD gets: its name, and bytes 20 to 25 of its properties.
+/// What one LD gets: its name and its policies.
 struct Written {
     std::string name;
-    unsigned cache, access, diskCache, current;
-    unsigned noBgi = 0, snapshot = 0;
+    std::uint8_t cache, access, diskCache, current;
+    std::uint8_t noBgi = 0, snapshot = 0;
 };
-std::string write(const Wire& wire, unsigned ld, Written set, const std::string& rest = "") {
-    set.name.resize(16, '\0');
-    const std::string record =
-        chars({ld, 0, ld + 32, 0}) + set.name +
-        chars({set.cache, set.access, set.diskCache, set.current, set.noBgi, set.snapshot, 0, 0, 0, 0, 0, 0});
-    return wire.ldChange("03/02", ld, " size=32 out=" + toHex(record) + rest);
+std::string write(const Wire& wire, unsigned ld, const Written& set, const std::string& rest = "") {
+    _MR_LD_PROPERTIES record{};
+    record.ref.targetId = static_cast<std::uint8_t>(ld);
+    record.ref.seqNo = static_cast<std::uint16_t>(ld + 32);
+    record.defaultCachePolicy = set.cache;
+    record.accessPolicy = set.access;
+    record.diskCachePolicy = set.diskCache;
+    record.currentCachePolicy = set.current;
+    record.noBgi = set.noBgi;
+    record.snapshotFlags = set.snapshot;
+    set.name.copy(record.name, sizeof record.name);
+    return wire.ldChange("03/02", ld, " size=32 out=" + hexOf(record) + rest);
 }
 std::string select(const Wire& wire, unsigned ld, unsigned array) {
     return wire.ldInfo(ld) + wire.arrayInfo(array);
@@ -82,8 +84,8 @@ class LdProperties : public OperationTest {
 TEST_F(LdProperties, EachOptionHasItsByte) {
     const struct {
         const char* option;
-        unsigned fromAll, fromNone; // default cache policy that comes of 0x7F and of 0x00
-        unsigned accessAll, diskAll, accessNone, diskNone;
+        std::uint8_t fromAll, fromNone; // default cache policy that comes of 0x7F and of 0x00
+        std::uint8_t accessAll, diskAll, accessNone, diskNone;
         bool writes = false;
     } cases[] = {
         {"-wt", 0x6C, 0x00, 2, 1, 0, 2, true},   {"-wb", 0x7D, 0x11, 2, 1, 0, 2, true},
@@ -178,23 +180,30 @@ TEST_F(LdProperties, FirstFailedWriteEndsTheCommand) {
 }
 
 TEST_F(LdProperties, OnlyLdsOfTheControllerAreMembersOfAGroup) {
-    const auto patch = [](const char* offset, const char* hex) {
-        return std::string(R"([{"type":4,"cmd":8,"from":2,"patch":[{"offset":)") + offset + R"(,"hex":")" + hex +
-               R"("}]}])";
+    const auto group = [](std::initializer_list<std::pair<Place, std::uint64_t>> changes) {
+        return R"([{"type":4,"cmd":8,"from":2,)" + patch(changes) + "}]";
     };
+    const Place count = ZEB_AT(_SL_ARRAY_INFO_T, ldCount);
     const std::string read = select(kFirst, 0, 0);
     const std::string both =
         read + write(kFirst, 0, {"ZERO", 0x15, 0, 2, 0x35, 1, 3}) + write(kFirst, 1, {"ONE", 0x15, 0, 2, 0x01});
-    checkAll(
-        {{.args = "-ldsetprop -ra -L0 -a0",
-          .lines = kGroup + changed(0, "0,1"),
-          .requests = both,
-          .faults = patch("2", "ff\"},{\"offset\":18,\"hex\":\"c83f40ff")},
-         {.args = "-ldsetprop -ra -L0 -a0", .lines = {notChanged(0, 0)}, .requests = read, .faults = patch("2", "00")},
-         {.args = "-ldsetprop -ra -L0 -a0",
-          .lines = kGroup + notChanged(0, 0),
-          .requests = read,
-          .faults = patch("16", "0101")}});
+    checkAll({{.args = "-ldsetprop -ra -L0 -a0",
+               .lines = kGroup + changed(0, "0,1"),
+               .requests = both,
+               .faults = group({{count, 255},
+                                {ZEB_AT(_SL_ARRAY_INFO_T, ldTargetId[2]), 200},
+                                {ZEB_AT(_SL_ARRAY_INFO_T, ldTargetId[3]), 63},
+                                {ZEB_AT(_SL_ARRAY_INFO_T, ldTargetId[4]), 64},
+                                {ZEB_AT(_SL_ARRAY_INFO_T, ldTargetId[5]), 255}})},
+              {.args = "-ldsetprop -ra -L0 -a0",
+               .lines = {notChanged(0, 0)},
+               .requests = read,
+               .faults = group({{count, 0}})},
+              {.args = "-ldsetprop -ra -L0 -a0",
+               .lines = kGroup + notChanged(0, 0),
+               .requests = read,
+               .faults = group(
+                   {{ZEB_AT(_SL_ARRAY_INFO_T, ldTargetId[0]), 1}, {ZEB_AT(_SL_ARRAY_INFO_T, ldTargetId[1]), 1}})}});
 }
 
 TEST_F(LdProperties, AlwaysWriteBackAsksBeforeTheFirstChange) {
@@ -238,7 +247,7 @@ TEST_F(LdProperties, ChecksStandBeforeQuestionAndChange) {
     for (const auto& c : cases) {
         const std::string keys = std::string(R"("ldOperations": ")") + c.operations + R"(", "cacheBackup": {})";
         const std::string refused = c.asksSoftware ? software() : "";
-        const unsigned cache = std::string(c.option) == "-wt" ? 0x00 : 0x01;
+        const std::uint8_t cache = std::string(c.option) == "-wt" ? 0x00 : 0x01;
         check(one(keys),
               {.args = std::string("-ldsetprop ") + c.option,
                .lines = {c.refused ? kNoParameter : changed(0, "0")},

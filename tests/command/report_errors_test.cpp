@@ -147,7 +147,7 @@ TEST_F(ReportErrors, AFailingQueryEndsTheReportAtItsController) {
             "!ERR func=" + std::string(query.report.handler) + ": " + query.wrapper + " error, contNo=1";
         EXPECT_EQ(record, LogFile(box.log()).messages().back());
         const auto requests = parseTrace(result.trace);
-        EXPECT_EQ(1U, requests.at(requests.size() - 2).ctrlId) << "a controller behind it was asked";
+        EXPECT_EQ(1U, requests.at(requests.size() - 2).header.ctrlId) << "a controller behind it was asked";
         EXPECT_EQ(0x32U, requests.at(requests.size() - 2).status);
     }
 }

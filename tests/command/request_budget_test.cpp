@@ -6,7 +6,6 @@
 #include "tests/support/trace.h"
 
 #include <cstdio>
-#include <cstring>
 #include <sstream>
 
 #include <gtest/gtest.h>
@@ -22,12 +21,12 @@ struct Budget {
 };
 
 /// Drive 252:1 is offline and may rebuild; the built-in scenario has no such drive.
-constexpr char kOffline[] = R"([{"type": 2, "cmd": 0, "ref": 9, "patch": [{"offset": 184, "hex": "1000"}]},
-                                {"type": 2, "cmd": 20, "ref": 9, "patch": [{"offset": 0, "hex": "ffffffff"}]}])";
+constexpr char kOffline[] = R"([{"type": 2, "cmd": 0, "ref": 9, "fields": {"fwState": 16}},
+                                {"type": 2, "cmd": 20, "ref": 9, "fill": 255}])";
 
 /// LD 2 initializes; LD 0 is checked.
-constexpr char kInitializes[] = R"([{"type": 3, "cmd": 0, "ref": 2, "patch": [{"offset": 264, "hex": "04"}]}])";
-constexpr char kChecked[] = R"([{"type": 3, "cmd": 0, "ctrl": 2, "ref": 0, "patch": [{"offset": 264, "hex": "01"}]}])";
+constexpr char kInitializes[] = R"([{"type": 3, "cmd": 0, "ref": 2, "fields": {"active": 4}}])";
+constexpr char kChecked[] = R"([{"type": 3, "cmd": 0, "ctrl": 2, "ref": 0, "fields": {"active": 1}}])";
 
 const Budget kBudgets[] = {
     {"ctrlinfo", "-ctrlinfo -aAll"},
@@ -74,21 +73,17 @@ const Budget kBudgets[] = {
 
 /// "01/05 ctrl=2 ref=00000000 size=4616"; of a controller command also its opcode, of a SCSI command its first bytes.
 std::string requestLine(const TracedRequest& request) {
+    const auto& header = request.header;
     char text[96];
-    std::snprintf(text, sizeof text, " ctrl=%u ref=%08x size=%u", request.ctrlId, request.reference, request.dataSize);
+    std::snprintf(text, sizeof text, " ctrl=%u ref=%08x size=%u", header.ctrlId, header.ref.all, header.dataSize);
     std::string line = request.brief().substr(0, 5) + text;
-    constexpr std::size_t kOpcodeAt = 4;
-    constexpr std::size_t kCdbAt = 12;
-    if (request.type == 0x06 && request.out.size() > kCdbAt + 2) {
-        std::uint32_t opcode = 0;
-        std::memcpy(&opcode, request.out.data() + kOpcodeAt, sizeof opcode);
-        if (request.cmd == 0x03)
-            std::snprintf(text, sizeof text, " opcode=%08x", opcode);
-        else
-            std::snprintf(text, sizeof text, " cdb=%02x..%02x", request.out[kCdbAt], request.out[kCdbAt + 2]);
-        line += text;
-    }
-    return line + "\n";
+    if (const auto dcmd = request.dcmd())
+        std::snprintf(text, sizeof text, " opcode=%08x", dcmd->opcode);
+    else if (const auto scsi = request.scsi())
+        std::snprintf(text, sizeof text, " cdb=%02x..%02x", scsi->cdb[0], scsi->cdb[2]);
+    else
+        text[0] = '\0';
+    return line + text + "\n";
 }
 
 class RequestBudget : public SandboxTest, public testing::WithParamInterface<Budget> {};

@@ -94,7 +94,7 @@ const std::set<std::string>& wrappersOf(const TracedRequest& request) {
         {{0x08, 0x05}, {"SLGetEnclStatus"}},
     };
     static const std::set<std::string> kNone;
-    const auto found = kWrappers.find({request.type, request.cmd});
+    const auto found = kWrappers.find({request.header.cmdType, request.header.cmd});
     return found != kWrappers.end() ? found->second : kNone;
 }
 
@@ -153,7 +153,7 @@ RunOptions optionsFor(const SweptProgram& program, const SweptCommand& command) 
 }
 
 bool isExit(const TracedRequest& request) {
-    return request.type == 0x00 && request.cmd == 0x09;
+    return request.header.cmdType == 0x00 && request.header.cmd == 0x09;
 }
 
 /// What a clean run sends, by command, and how much of it every command sends before its handler runs.
@@ -173,7 +173,7 @@ struct CleanRuns {
 
 void expectTraceRecord(const Point& point, const TracedRequest& failed, const LogFile& log) {
     constexpr std::uint8_t kPassThrough = 0x06;
-    if (failed.type == kPassThrough && failed.cmd == 0x00)
+    if (failed.header.cmdType == kPassThrough && failed.header.cmd == 0x00)
         return; // the drive's own answer; the handler's record tells of it
     char ending[96];
     std::snprintf(ending, sizeof ending, ": %s (rval = 0x%08X)", point.status.text, point.status.code);
@@ -240,7 +240,7 @@ std::vector<Point> makePoints(const CleanRuns& clean, bool everyKind) {
             }
             if (everyKind)
                 points.insert(points.end(), here.begin(), here.end());
-            else if (++alike[{request.type, request.cmd}] <= kFew)
+            else if (++alike[{request.header.cmdType, request.header.cmd}] <= kFew)
                 points.push_back(here[points.size() * kStride % here.size()]);
         }
     }

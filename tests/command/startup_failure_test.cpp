@@ -133,7 +133,7 @@ TEST_F(StartUpFailure, EachRequestIsReportedByItsWrapper) {
 }
 
 TEST_F(StartUpFailure, NoSlotIsLoggedAndNoError) {
-    const auto result = runWithFault(R"([{"type":1,"cmd":0,"ctrl":9,"patch":[{"offset":1920,"hex":"0000"}]}])");
+    const auto result = runWithFault(R"([{"type":1,"cmd":0,"ctrl":9,"fields":{"maxPds":0}}])");
     EXPECT_EQ(0, result.exitStatus);
     EXPECT_EQ(std::vector<std::string>{"func=UpdateDriveInfo: SlotNum is zero, contNo=1"}, loggedMessages());
 }

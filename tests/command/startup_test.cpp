@@ -4,6 +4,8 @@
 
 #include <gmock/gmock.h>
 
+#include "storelib/records/request.h"
+#include "tests/support/answers.h"
 #include "tests/support/expected.h"
 #include "tests/support/log_file.h"
 #include "tests/support/operation_case.h"
@@ -103,7 +105,7 @@ TEST_F(StartUp, RefusalsAreSaidLoggedAndLeaveNothingBehind) {
          {},
          kOpenedAndClosed},
         {"65535 controllers",
-         call({"-?"}, {{"ZEBSIM_FAULTS", R"([{"nth":1,"patch":[{"offset":0,"hex":"ffff"}]}])"}}),
+         call({"-?"}, {{"ZEBSIM_FAULTS", R"([{"nth":1,)" + patch({{ZEB_AT(_SL_CTRL_LIST_T, count), 0xFFFF}}) + "}]"}}),
          tooMany,
          {},
          kOpenedAndClosed},
@@ -132,7 +134,7 @@ TEST_F(StartUp, RefusalsAreSaidLoggedAndLeaveNothingBehind) {
 TEST_F(StartUp, LogCommandTakesNoSnapshotButNeedsControllers) {
     EXPECT_EQ(kOpenedAndClosed, briefs(parseTrace(runWord("-log").trace)));
     auto options = call({"-log"});
-    options.env["ZEBSIM_FAULTS"] = R"([{"nth":1,"patch":[{"offset":0,"hex":"0000"}]}])";
+    options.env["ZEBSIM_FAULTS"] = R"([{"nth":1,)" + patch({{ZEB_AT(_SL_CTRL_LIST_T, count), 0}}) + "}]";
     EXPECT_EQ("Error - No RAID controller is found.\nQuits the application.\n\n", box.run(options).out);
 }
 

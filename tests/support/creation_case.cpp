@@ -12,7 +12,6 @@ namespace zebtest {
 namespace {
 
 constexpr std::uint32_t kAddConfiguration = 0x04020000;
-constexpr std::size_t kOpcodeAt = 4; // in the input record of a controller command
 
 void addField(Lines& lines, const std::string& label, const std::string& value) {
     if (!value.empty())
@@ -124,11 +123,8 @@ std::string creationRequest(const Wire& wire, const std::string& block, const st
 std::string blockOf(const RunResult& result) {
     std::string block;
     for (const TracedRequest& request : parseTrace(result.trace)) {
-        std::uint32_t opcode = 0;
-        if (request.type != 0x06 || request.cmd != 0x03 || request.out.size() < kOpcodeAt + sizeof opcode)
-            continue;
-        std::memcpy(&opcode, request.out.data() + kOpcodeAt, sizeof opcode);
-        if (opcode != kAddConfiguration)
+        const auto dcmd = request.dcmd();
+        if (!dcmd || dcmd->opcode != kAddConfiguration)
             continue;
         EXPECT_EQ("", block) << "more than one creation request";
         block = toHex({reinterpret_cast<const char*>(request.payload.data()), request.payload.size()});

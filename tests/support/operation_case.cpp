@@ -1,6 +1,7 @@
 #include "tests/support/operation_case.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstdarg>
 #include <cstdio>
 #include <map>
@@ -21,16 +22,14 @@ namespace {
     return text;
 }
 
-std::string littleEndian(std::uint32_t value) {
-    std::string bytes;
-    for (unsigned shift = 0; shift < 32; shift += 8)
-        bytes.push_back(static_cast<char>(value >> shift & 0xFFU));
-    return bytes;
+template <class Bytes>
+std::string hexOfAll(const Bytes& bytes) {
+    return toHex({reinterpret_cast<const char*>(std::data(bytes)), std::size(bytes)});
 }
 
-template <class Bytes>
-std::string hexOf(const Bytes& bytes) {
-    return toHex({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+std::uint32_t reference(unsigned id, unsigned seqNo) {
+    return std::bit_cast<std::uint32_t>(
+        wire::_MR_PD_REF{.deviceId = static_cast<std::uint16_t>(id), .seqNo = static_cast<std::uint16_t>(seqNo)});
 }
 
 std::string statusText(std::uint32_t status) {
@@ -112,18 +111,21 @@ std::string Wire::request(const char* code, std::uint32_t ref, const std::string
 }
 
 std::string Wire::pdChange(const char* code, unsigned slot, const std::string& rest) const {
-    return pdList() + pdList() + pdInfo(slot) + request(code, (slot + 8) | (slot + 10) << 16, rest);
+    return pdList() + pdList() + pdInfo(slot) + request(code, reference(slot + 8, slot + 10), rest);
 }
 
 std::string Wire::ldChange(const char* code, unsigned ld, const std::string& rest) const {
-    return ldInfo(ld) + request(code, ld | (ld + 32) << 16, rest);
+    return ldInfo(ld) + request(code, reference(ld, ld + 32), rest);
 }
 
 std::string Wire::dcmd(std::uint32_t opcode, std::uint8_t direction, std::uint32_t size, const std::string& payload,
                        const std::string& rest) const {
-    const std::string input =
-        littleEndian(size) + littleEndian(opcode) + static_cast<char>(direction) + std::string(19, '\0');
-    return request("06/03", 0, " size=36 out=" + toHex(input) + (payload.empty() ? "" : ":" + payload) + rest);
+    wire::_SL_DCMD_INPUT_T input{};
+    input.dataSize = size;
+    input.opcode = opcode;
+    input.direction = direction;
+    const std::string sent = hexOf(input).substr(0, 2 * offsetof(wire::_SL_DCMD_INPUT_T, data));
+    return request("06/03", 0, " size=36 out=" + sent + (payload.empty() ? "" : ":" + payload) + rest);
 }
 
 std::string Wire::fails(const char* code, std::uint32_t status, unsigned nth, int ref) const {
@@ -135,21 +137,22 @@ std::string Wire::outdates(const char* code, unsigned nth, int ref) const {
 }
 
 std::string requestLine(const TracedRequest& request) {
-    std::string text = formatted("%u %s", request.ctrlId, request.brief().c_str());
-    std::string param = hexOf(request.param);
+    const auto& header = request.header;
+    std::string text = formatted("%u %s", header.ctrlId, request.brief().c_str());
+    std::string param = hexOfAll(header.param.bytes);
     param.erase(param.find_last_not_of('0') + 1);
     if (!param.empty())
         text += " param=" + param + (param.size() % 2 != 0 ? "0" : "");
-    if (request.dataSize != 0)
-        text += formatted(" size=%u", request.dataSize);
-    if (request.data.value_or(0) != request.dataSize || (request.data && *request.data == 0))
+    if (header.dataSize != 0)
+        text += formatted(" size=%u", header.dataSize);
+    if (request.data.value_or(0) != header.dataSize || (request.data && *request.data == 0))
         text += " with a data pointer that disagrees";
-    if (request.header[2] != 0 || request.header[3] != 0)
+    if (header.reserved0[0] != 0 || header.reserved0[1] != 0)
         text += " with reserved bytes set";
     if (!request.out.empty())
-        text += " out=" + hexOf(request.out);
+        text += " out=" + hexOfAll(request.out);
     if (!request.payload.empty())
-        text += ":" + hexOf(request.payload);
+        text += ":" + hexOfAll(request.payload);
     return text + (request.status != 0 ? formatted(" -> 0x%02x", request.status) : "");
 }
 

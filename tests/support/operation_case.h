@@ -75,6 +75,10 @@ struct Wire {
 /// "3 02/0b ref=002c002a size=33 out=01.. -> 0x1e".
 std::string requestLine(const TracedRequest& request);
 std::string toHex(std::string_view bytes);
+template <class Record>
+std::string hexOf(const Record& record) {
+    return toHex({reinterpret_cast<const char*>(&record), sizeof record});
+}
 
 struct OperationCase {
     std::string args; ///< separated by blanks

@@ -1,4 +1,4 @@
-// The harness's own tests: what it promises to the others.
+// The harness's own tests: what would let the others pass unseen if it failed.
 #include <csignal>
 #include <cstdlib>
 
@@ -51,60 +51,6 @@ RunOptions probe(std::vector<std::string> args) {
 
 using SupportSandbox = SandboxTest;
 
-TEST_F(SupportSandbox, ProgramSeesItsOwnWorld) {
-    writeFile(box.zeb() / "zeb_config.csv", "prepared");
-    const auto result =
-        box.run(shell("cat /opt/quorvel/zeb/zeb_config.csv; echo left > /opt/quorvel/zeb/log/zebcli.log; pwd; ls -a "
-                      "/opt . /dev; echo x > /dev/null; echo $0 $TZ; exit 7"));
-    EXPECT_EQ(7, result.exitStatus);
-    EXPECT_TRUE(sameText(
-        result.out, "prepared" + box.work().string() +
-                        "\n.:\n.\n..\n\n/dev:\n.\n..\nfd\nfull\nlog\nnull\nptmx\npts\nrandom\nshm\ntty\nurandom\nzero"
-                        "\n\n/opt:\n.\n..\nquorvel\nzebcli UTC0\n"));
-    EXPECT_EQ("left\n", readFile(box.log()));
-    EXPECT_FALSE(std::filesystem::exists("/opt/quorvel/zeb/log/zebcli.log") &&
-                 readFile("/opt/quorvel/zeb/log/zebcli.log") == "left\n");
-}
-
-TEST_F(SupportSandbox, TerminalDialogueTypesOnlyWhenAsked) {
-    auto options =
-        shell("stty -echo -isig; printf 'Sure?'; sleep 0.1; stty echo; read a; stty -echo; printf 'More?'; read b; "
-              "echo \"got $a,$b\"; read c || printf end; stty echo isig; printf 'a\\r\\n'");
-    options.input = Input::kTerminal;
-    for (const Output output : {Output::kTerminal, Output::kPipe}) {
-        options.output = output;
-        options.answers = {{"Sure?", "y\n"}, {"More?", "\x03n\n"}, {"got", "\x04"}};
-        const auto result = box.run(options);
-        const bool onTerminal = output == Output::kTerminal;
-        ASSERT_EQ(3U, result.terminalAtAnswer.size()) << result;
-        EXPECT_EQ(onTerminal ? "Sure?y\nMore?got y,\x03n\nenda\r\n" : "Sure?More?got y,\x03n\nenda\r\n", result.out);
-        EXPECT_EQ(onTerminal ? result.out : "y\n", result.terminal);
-        EXPECT_NE(0U, result.terminalAtAnswer[0].c_lflag & ECHO);
-        EXPECT_EQ(0U, result.terminalAtAnswer[1].c_lflag & ECHO);
-        EXPECT_TRUE(sameMode(result.terminalBefore, result.terminalAfter));
-        EXPECT_FALSE(sameMode(result.terminalBefore, result.terminalAtAnswer[0]));
-    }
-}
-
-TEST_F(SupportSandbox, LimitsAndTimeOut) {
-    auto options = shell("sleep 60 & sleep 60");
-    options.timeLimit = std::chrono::milliseconds(50);
-    options.mayTimeOut = true;
-    auto result = box.run(options);
-    EXPECT_TRUE(result.timedOut);
-    EXPECT_EQ(SIGKILL, result.signal);
-    EXPECT_LT(result.wallTime, std::chrono::seconds(5));
-
-    options = shell("head -c 5000 /dev/zero > big");
-    options.fileSizeLimit = 4096;
-    box.run(options);
-    EXPECT_EQ(4096U, std::filesystem::file_size(box.work() / "big"));
-
-    options = shell("id -u; id -g; id -G");
-    options.uid = 65534;
-    EXPECT_EQ("65534\n65534\n65534\n", box.run(options).out);
-}
-
 TEST_F(SupportSandbox, RunFailsTheTestByItself) {
     auto unasked = shell("echo bye");
     unasked.input = Input::kTerminal;
@@ -137,30 +83,6 @@ TEST_F(SupportSandbox, SanitizerFindingsAreFailures) {
 
 using SupportLogFile = SandboxTest;
 
-TEST_F(SupportLogFile, RingIsReadFromTheMarkerOn) {
-    const LogFile log(box.log());
-    const std::string time = "[2011/02/03 04:05:06.007] pid=00042";
-    log.write(logLine(time + " zebcli -pd(1) ") + logMarker() + logLine("--- a dump's rest") +
-              logLine(time + " dll_mod.cpp(7) func=F: CmdParam >") + logLine(std::string(77, '-')) +
-              logLine("00000020: "
-                      "10 20 30 40 50 60 70 80" +
-                      std::string(27, ' ') + "..0.P.p."));
-    EXPECT_TRUE(log.everyLineExact());
-    EXPECT_EQ(std::vector<std::size_t>{2}, log.markers());
-    const auto records = log.records();
-    ASSERT_EQ(2U, records.size());
-    EXPECT_EQ("2011/02/03 04:05:06.007", records[0].time);
-    EXPECT_EQ("00042", records[0].pid);
-    EXPECT_EQ("dll_mod.cpp", records[0].source);
-    EXPECT_EQ(7U, records[0].line);
-    EXPECT_EQ("", records[1].source);
-    EXPECT_EQ((std::vector<std::string>{"func=F: CmdParam >", "zebcli -pd(1)"}), log.messages());
-    EXPECT_TRUE(sameText(log.masked(), "[TIME] pid=PID dll_mod.cpp(LINE) func=F: CmdParam >\n" + std::string(77, '-') +
-                                           "\n00000020: pp pp pp pp pp pp pp pp" + std::string(27, ' ') +
-                                           "pppppppp\n"
-                                           "[TIME] pid=PID zebcli -pd(1)\n"));
-}
-
 TEST_F(SupportLogFile, DamageIsSeen) {
     const LogFile log(box.log());
     const std::string whole = logLine("a") + logMarker();
@@ -168,30 +90,6 @@ TEST_F(SupportLogFile, DamageIsSeen) {
     EXPECT_FALSE(log.everyLineExact());
     log.write(std::string(whole).replace(3, 1, "\n"));
     EXPECT_FALSE(log.everyLineExact());
-}
-
-TEST(SupportTrace, LineIsTakenApart) {
-    const std::string header = "02050000"
-                               "00000011"
-                               "0a000300" +
-                               std::string("aa") + std::string(30, '0') + "04000000";
-    const auto requests = parseTrace("02/05 header=" + header + " data=4 out=0102:ff status=0x0000000C\n");
-    ASSERT_EQ(1U, requests.size());
-    EXPECT_EQ("02/05 ref=0003000a\n", briefs(requests));
-    EXPECT_EQ(0x11000000U, requests[0].ctrlId);
-    EXPECT_EQ(0xAA, requests[0].param[0]);
-    EXPECT_EQ(4U, requests[0].dataSize);
-    EXPECT_EQ(4U, requests[0].data);
-    EXPECT_EQ((std::vector<std::uint8_t>{1, 2}), requests[0].out);
-    EXPECT_EQ(std::vector<std::uint8_t>{0xFF}, requests[0].payload);
-    EXPECT_EQ(0x0CU, requests[0].status);
-    for (const char* bad : {"", "02/05", "02/05 header=00 data=4 out=- status=0x00000000"})
-        EXPECT_FALSE(parseTraceLine(bad)) << bad;
-    for (const char* tail : {" data=4 out=- status=0x0000000", " data=x out=- status=0x00000000",
-                             " data=null out=1 status=0x00000000", " data=null out=- status=0x00000000 more"})
-        EXPECT_FALSE(parseTraceLine("02/05 header=" + header + tail)) << tail;
-    EXPECT_FALSE(parseTraceLine("02/06 header=" + header + " data=null out=- status=0x00000000"))
-        << "code and header disagree";
 }
 
 TEST(SupportLibrary, EachDifferenceIsNamed) {
@@ -224,13 +122,20 @@ TEST(SupportLibrary, EachDifferenceIsNamed) {
     EXPECT_EQ("", send(wanted));
     EXPECT_EQ(randomBytes(1, 4), Bytes(data.begin() + 4, data.end()));
     EXPECT_THAT(send(wanted, 2), HasSubstr("outgoing data from byte 0 on: got 02 00"));
-    const std::pair<std::size_t, const char*> fields[] = {
-        {0, "command type"}, {1, "command"},     {2, "reserved bytes"}, {4, "controller id"}, {8, "reference"},
-        {10, "reference"},   {13, "parameters"}, {28, "data size"},     {27, "parameters"}};
-    for (const auto& [offset, field] : fields) {
+    const std::pair<void (*)(_SL_LIB_CMD_PARAM_T&), const char*> fields[] = {
+        {[](auto& request) { ++request.cmdType; }, "command type"},
+        {[](auto& request) { ++request.cmd; }, "command"},
+        {[](auto& request) { ++request.reserved0[0]; }, "reserved bytes"},
+        {[](auto& request) { request.ctrlId ^= 1U << 31; }, "controller id"},
+        {[](auto& request) { ++request.ref.pdRef.deviceId; }, "reference"},
+        {[](auto& request) { ++request.ref.pdRef.seqNo; }, "reference"},
+        {[](auto& request) { ++request.param.bytes[1]; }, "parameters"},
+        {[](auto& request) { ++request.param.bytes[15]; }, "parameters"},
+        {[](auto& request) { ++request.dataSize; }, "data size"}};
+    for (const auto& [change, field] : fields) {
         auto request = wanted;
-        reinterpret_cast<std::uint8_t*>(&request)[offset] ^= 0x40U;
-        EXPECT_THAT(send(request), HasSubstr(field)) << offset;
+        change(request);
+        EXPECT_THAT(send(request), HasSubstr(field));
     }
 }
 
@@ -247,7 +152,12 @@ TEST(SupportLibrary, SequenceIsStrict) {
 
 TEST(SupportLibrary, ControllerCommandHasDataOfItsOwn) {
     Bytes data{1, 2};
-    _SL_DCMD_INPUT_T input{2, 0x01080201, kDcmdFromController, {}, {5}, data.data()};
+    _SL_DCMD_INPUT_T input{};
+    input.dataSize = 2;
+    input.opcode = 0x01080201;
+    input.direction = kDcmdFromController;
+    input.mailbox[0] = 5;
+    input.data = data.data();
     _SL_LIB_CMD_PARAM_T request{};
     request.cmdType = 6;
     request.cmd = 3;
@@ -268,17 +178,6 @@ TEST(SupportLibrary, ControllerCommandHasDataOfItsOwn) {
 }
 
 using SupportExpectedFile = SandboxTest;
-
-TEST(SupportExpected, FirstDifferenceIsShownEscaped) {
-    EXPECT_TRUE(sameText("a\r\nb", "a\r\nb"));
-    const struct {
-        std::string got, wanted, shown;
-    } cases[] = {{"a\r\nb\r\n", "a\r\nb\n", "line 2 differs\n     got: b^M$\n\n  wanted: b$\n"},
-                 {"a\n", "a\nb", "line 2 differs\n     got: (the end)\n\n  wanted: b"},
-                 {"\t\xe9", "\x7f", "line 1 differs\n     got: ^IM-i\n  wanted: ^?"}};
-    for (const auto& c : cases)
-        EXPECT_EQ(c.shown, std::string(sameText(c.got, c.wanted).message()));
-}
 
 TEST_F(SupportExpectedFile, UpdateNeverPasses) {
     const auto kept = box.work() / "kept/report";

@@ -27,37 +27,53 @@ bool parseOut(std::string_view text, TracedRequest& request) {
                            (colon == std::string_view::npos || parseBytes(text.substr(colon + 1), request.payload)));
 }
 
-void splitHeader(TracedRequest& request) {
-    const std::uint8_t* header = request.header.data();
-    std::memcpy(&request.ctrlId, header + 4, sizeof request.ctrlId);
-    std::memcpy(&request.reference, header + 8, sizeof request.reference);
-    std::memcpy(request.param.data(), header + 12, request.param.size());
-    std::memcpy(&request.dataSize, header + 28, sizeof request.dataSize);
+/// What comes before the data pointer of these records; the trace leaves pointers out.
+constexpr std::size_t kHeaderSize = offsetof(wire::SL_LIB_CMD_PARAM_T, data);
+constexpr std::size_t kDcmdSize = offsetof(wire::_SL_DCMD_INPUT_T, data);
+
+template <class Record>
+std::optional<Record> headOf(const TracedRequest& request, std::uint8_t cmd, std::size_t size) {
+    constexpr std::uint8_t kPassThrough = 0x06;
+    if (request.header.cmdType != kPassThrough || request.header.cmd != cmd || request.out.size() < size)
+        return std::nullopt;
+    Record record{};
+    std::memcpy(&record, request.out.data(), size);
+    return record;
 }
 
 } // namespace
 
 std::string TracedRequest::brief() const {
     std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "%02x/%02x ref=%08x", type, cmd, reference);
+    std::snprintf(text.data(), text.size(), "%02x/%02x ref=%08x", header.cmdType, header.cmd, header.ref.all);
     return text.data();
+}
+
+std::optional<wire::_SL_DCMD_INPUT_T> TracedRequest::dcmd() const {
+    return headOf<wire::_SL_DCMD_INPUT_T>(*this, 0x03, kDcmdSize);
+}
+
+std::optional<wire::_SL_SCSI_PASSTHRU_T> TracedRequest::scsi() const {
+    return headOf<wire::_SL_SCSI_PASSTHRU_T>(*this, 0x00, sizeof(wire::_SL_SCSI_PASSTHRU_T));
 }
 
 std::optional<TracedRequest> parseTraceLine(std::string_view line) {
     const std::string text(line);
     TracedRequest request;
+    std::uint8_t type = 0;
+    std::uint8_t cmd = 0;
     std::array<char, 65> header{};
     std::array<char, 11> data{};
     int out = 0;
     int end = 0;
     std::vector<std::uint8_t> bytes;
-    if (std::sscanf(text.c_str(), "%2hhx/%2hhx header=%64[0-9a-f] data=%10[0-9nul] out=%n", &request.type, &request.cmd,
-                    header.data(), data.data(), &out) != 4 ||
-        out == 0 || !parseBytes(header.data(), bytes) || bytes.size() != request.header.size() ||
-        bytes[0] != request.type || bytes[1] != request.cmd)
+    if (std::sscanf(text.c_str(), "%2hhx/%2hhx header=%64[0-9a-f] data=%10[0-9nul] out=%n", &type, &cmd, header.data(),
+                    data.data(), &out) != 4 ||
+        out == 0 || !parseBytes(header.data(), bytes) || bytes.size() != kHeaderSize)
         return std::nullopt;
-    std::ranges::copy(bytes, request.header.begin());
-    splitHeader(request);
+    std::memcpy(static_cast<void*>(&request.header), bytes.data(), bytes.size());
+    if (request.header.cmdType != type || request.header.cmd != cmd)
+        return std::nullopt;
     const std::size_t blank = text.find(' ', static_cast<std::size_t>(out));
     if (blank == std::string::npos ||
         !parseOut(line.substr(static_cast<std::size_t>(out), blank - static_cast<std::size_t>(out)), request) ||

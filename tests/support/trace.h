@@ -1,28 +1,27 @@
 // Reads the request trace that the simulator writes.
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "storelib/records/request.h"
+
 namespace zebtest {
 
 /// One request as it reached the library.
 struct TracedRequest {
-    std::uint8_t type = 0;
-    std::uint8_t cmd = 0;
-    std::array<std::uint8_t, 32> header{};
-    std::uint32_t ctrlId = 0;
-    std::uint32_t reference = 0; ///< the four reference bytes read as one little-endian number
-    std::array<std::uint8_t, 16> param{};
-    std::uint32_t dataSize = 0;
+    wire::SL_LIB_CMD_PARAM_T header{}; ///< all but the data pointer
     std::optional<std::uint32_t> data; ///< as traced; not set for a null data pointer
     std::vector<std::uint8_t> out; ///< outgoing bytes; for a controller command its input record
     std::vector<std::uint8_t> payload; ///< outgoing bytes of a controller command
     std::uint32_t status = 0;
+
+    /// The input of a controller command and the head of a SCSI command; nothing for other requests.
+    std::optional<wire::_SL_DCMD_INPUT_T> dcmd() const;
+    std::optional<wire::_SL_SCSI_PASSTHRU_T> scsi() const;
 
     /// "02/05 ref=000a0003"
     std::string brief() const;

@@ -120,7 +120,6 @@ void mkStateStr(Controller ctrl, const ShownLd& ld, std::span<char> out) {
 } // namespace
 
 ShownLd showLd(Controller ctrl, unsigned char ldNo) {
-    constexpr std::string_view kUnknown = "NULL";
     const _MR_LD_CONFIG& config = ctrl.ld(ldNo).config;
     ShownLd shown{};
     shown.ldNo = ldNo;
@@ -133,7 +132,7 @@ ShownLd showLd(Controller ctrl, unsigned char ldNo) {
         return ShownLd::Span{span.arrayRef, span.startBlock};
     });
     SLGetOSDriveName(ctrl.contNo, ldNo, shown.osDevice);
-    if (shown.osDevice == kUnknown)
+    if (std::string_view(shown.osDevice) == "NULL")
         strcpy_s(shown.osDevice, sizeof shown.osDevice, "-");
     return shown;
 }

@@ -55,7 +55,7 @@ bool haveDrives(const Check& check) {
 }
 
 /// Lays the LDs into the free segments and says so when they do not fit, with the capacity that is free.
-bool layOut(const Check& check, PlannedArray& group, FreeSegments segments, FreeSegments& left) {
+bool layOut(const Check& check, PlannedArray& group, const FreeSegments& segments, FreeSegments& left) {
     left = segments;
     if (placeLds(group, check.request.sizes, left))
         return true;

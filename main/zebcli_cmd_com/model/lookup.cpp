@@ -12,7 +12,7 @@ const _MR_PD_INFO* copybackPartner(Controller ctrl, unsigned char slotNo) {
     unsigned char partnerSlot = 0;
     if (deviceId == kNoDevice || GetSlotNo(ctrl.contNo, deviceId, &partnerSlot, ctrl.conts) == 0)
         return nullptr;
-    return &ctrl.pd(partnerSlot);
+    return &ctrl.cont().pdInfo[partnerSlot];
 }
 
 } // namespace

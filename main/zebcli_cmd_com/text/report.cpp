@@ -25,7 +25,7 @@ class Digits {
     operator std::string_view() const { return {text_, static_cast<std::size_t>(end_ - text_)}; }
 
   private:
-    char text_[16];
+    char text_[16]{};
     const char* end_;
 };
 
@@ -151,7 +151,8 @@ void Report::makeRoom() {
 void Report::emitPiece() {
     char printed[kMessageSize];
     text_[length_] = '\0';
-    std::fwrite(printed, 1, expandFormat(text_.data(), printed, sizeof printed), stdout);
+    const std::size_t length = expandFormat(text_.data(), printed, sizeof printed);
+    std::fwrite(printed, 1, length, stdout);
     length_ = 0;
 }
 

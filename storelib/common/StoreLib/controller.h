@@ -44,7 +44,9 @@ std::uint32_t SLGetMappedPartition(unsigned char contNo, int ldNo, std::uint32_t
 /// without a NUL may be cut.
 struct OsDriveNames {
     unsigned count;
-    char name[std::extent_v<decltype(_SL_LD_OS_MAP_T::entry)>][sizeof _SL_LD_OS_MAP_ENTRY::osDeviceName];
+    using Name = decltype(_SL_LD_OS_MAP_ENTRY::osDeviceName);
+    using Entries = decltype(_SL_LD_OS_MAP_T::entry);
+    Name name[std::extent_v<Entries>];
 };
 
 /// Fills the names; there are none when the request failed.

@@ -5,13 +5,6 @@
 # shellcheck source-path=SCRIPTDIR source=support.sh
 . "$(dirname "$0")/support.sh" "$@"
 
-most_instructions=2.0 # times the floor's
-most_own=2.5 # the same without the library in either, where the rest shows
-per_byte=50 # further instructions that making a byte of output may take; the floor makes none
-most_calls=20 # above the floor's
-usual_records=3 # the command line, the entry mark, and one of a target parser
-calls_per_record=5
-
 # check NAME FIGURE BOUND
 check() {
   local verdict=

@@ -65,11 +65,11 @@ largest() {
     row "$report, largest topology: requests" "$sent" "=$(requests_due "$report")"
     extra[-1]="ZEBSIM_LATENCY_US=$latency"
     measure 3 "$zebcli" "$report" -aAll -- "$floor" "$log" recording
-    row "$report, 1 ms a call: wall time / (requests x latency)" "$(compute "${wall[0]} / ($sent * $latency)" %.3f)" 1.03
+    row "$report, 1 ms a call: wall time / (requests x latency)" "$(compute "${wall[0]} / ($sent * $latency)" %.3f)" $most_latency
     row "  the floor's" "$(compute "${wall[1]} / ($sent * $latency)" %.3f)" -
     unset 'extra[-1]'
     compare 21 "$report" -aAll
-    row "$report, instant: processor time - floor, ms" "$(compute "(${cpu[0]} - ${cpu[1]}) / 1000")" 5
+    row "$report, instant: processor time - floor, ms" "$(compute "(${cpu[0]} - ${cpu[1]}) / 1000")" $most_report_cpu
   done
   extra=()
 }
@@ -86,7 +86,7 @@ built_in() {
     further=$(compute "$(records) - 2" %d)
     theirs=$(system_calls "$floor" "$log" recording)
     echo "$(compute "${tool[0]} / ${base[0]}") $(compute "${tool[1]} / ${base[1]}") $((ours - theirs))" \
-      "$((ours - theirs - 5 * further)) $(compute "${wall[0]} / ${wall[1]}") $args"
+      "$((ours - theirs - calls_per_record * further)) $(compute "${wall[0]} / ${wall[1]}") $args"
   done < <(commands) >built_in
   "$bench/topology.pl" 4 240 64 >largest.json
   extra=(ZEBSIM_SCENARIO=largest.json)
@@ -122,9 +122,9 @@ growth() {
   for report in "${reports[@]}"; do
     whole=$(own 4 240 "$report")
     row "$report: growth of own time, 1 to 4 controllers, exponent" \
-      "$(compute "log($whole / $(own 1 240 "$report")) / log(4)")" 1.1
+      "$(compute "log($whole / $(own 1 240 "$report")) / log(4)")" $most_growth
     row "$report: growth of own time, 24 to 240 drives, exponent" \
-      "$(compute "log($whole / $(own 4 24 "$report")) / log(10)")" 1.1
+      "$(compute "log($whole / $(own 4 24 "$report")) / log(10)")" $most_growth
   done
 }
 
@@ -132,28 +132,28 @@ command_log() {
   local ours theirs
   rm -f "$log"
   measure 1000 "$zebcli" -nonsense -- "$floor" "$log"
-  row 'refused command word, start to exit: wall time / floor' "$(compute "${wall[0]} / ${wall[1]}")" 1.5
+  row 'refused command word, start to exit: wall time / floor' "$(compute "${wall[0]} / ${wall[1]}")" $most_refusal
   ours=${wall[0]} theirs=${wall[1]}
   perl -e 'printf "%-199s\n", $_ for ("[2026/01/01 00:00:00.000] pid=12345") x 9999, "<END>"' >"$log"
   measure 1000 "$zebcli" -nonsense -- "$floor" -ring "$log"
   row 'first positioning in a full ring: time / reading the file once' \
-    "$(compute "(${wall[0]} - $ours) / (${wall[1]} - $theirs)")" 1.5
+    "$(compute "(${wall[0]} - $ours) / (${wall[1]} - $theirs)")" $most_positioning
   system_calls "$zebcli" -nonsense >/dev/null
   # What is between taking and leaving the lock, and both of these, for the second of the two records.
   row 'system calls per log record' "$(grep -n 'flock(' calls | tail -n 2 | cut -d: -f1 | paste -sd' ' |
-    awk '{ print $2 - $1 + 1 }')" 8
+    awk '{ print $2 - $1 + 1 }')" $most_calls_per_record
 }
 
 heading 'what' 'figure' 'bound'
 heading "$(printf -- '-%.0s' {1..78})" '-------:' '-----:'
 largest
 built_in
-worst 'each command: instructions / floor' built_in 1 6 2.0
+worst 'each command: instructions / floor' built_in 1 6 $most_instructions
 worst '  with the library taken out of both' built_in 2 6 -
-worst 'each command: system calls - floor, as many log records' built_in 4 6 20
+worst 'each command: system calls - floor, as many log records' built_in 4 6 $most_calls
 worst '  with all log records' built_in 3 6 -
-worst 'each command: wall time / floor, median of 1,000' built_in 5 6 1.3
-worst 'each command, 4 controllers: peak resident memory - floor, MB' memory 1 2 3
+worst 'each command: wall time / floor, median of 1,000' built_in 5 6 $most_wall
+worst 'each command, 4 controllers: peak resident memory - floor, MB' memory 1 2 $most_memory
 growth
 command_log
 if [ -n "${ZEB_BENCH_VERBOSE:-}" ]; then

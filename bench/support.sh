@@ -5,6 +5,8 @@ set -euo pipefail
 export LC_ALL=C
 bench=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 build=$(cd "${1:-$bench/../build/release}" && pwd)
+# shellcheck source=bounds.sh
+. "$bench/bounds.sh"
 
 # cannot REASON: ends as a test that is skipped, unless tests must run.
 cannot() {

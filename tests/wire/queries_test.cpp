@@ -261,6 +261,33 @@ TEST_F(WireQueries, OsDriveNameIsThatOfTheLastEntry) {
     }
 }
 
+TEST_F(WireQueries, AllOsDriveNamesInTheOrderOfTheMapping) {
+    std::vector<_SL_LD_OS_MAP_ENTRY> full(256, {kLd, 0, "/dev/sdb"});
+    std::fill_n(full[255].osDeviceName, sizeof full[255].osDeviceName, 'z'); // no NUL
+    const std::pair<ExpectedRequest, std::vector<std::string>> cases[] = {
+        {osMap(4, {{kLd, 0, "/dev/sdb"}, {5, 0, "/dev/sdx"}, {0x100U + kLd, 0, "/dev/sdy"}, {kLd, 0, "/dev/sda"}}),
+         {"/dev/sdb", "/dev/sda"}},
+        {osMap(1, {{5, 0, "/dev/sda"}, {kLd, 0, "/dev/sdb"}}), {}},
+        {osMap(~0U, full), std::vector<std::string>(255, "/dev/sdb")}};
+    for (const auto& [map, wanted] : cases) {
+        OsDriveNames names;
+        check(
+            "SLGetOSDriveNames", {{map, {"SLGetOSDriveNames"}}},
+            [&] {
+                std::memset(&names, 'x', sizeof names);
+                return SLGetOSDriveNames(kCont, kLd, &names);
+            },
+            [&, w = wanted](bool succeeded) {
+                const bool isFull = succeeded && w.size() == 255;
+                ASSERT_EQ(isFull ? 256U : succeeded ? w.size() : 0U, names.count);
+                for (unsigned i = 0; i < names.count && i < w.size(); ++i)
+                    EXPECT_EQ(w[i], names.name[i]);
+                if (isFull)
+                    EXPECT_EQ(std::string(28, 'z'), std::string(names.name[255], 28));
+            });
+    }
+}
+
 TEST_F(WireQueries, PartitionIsAskedInTwoStepsAndAlwaysTraced) {
     for (const std::size_t nonZero : {7U, 8U, 15U, 16U}) {
         _SL_PARTITION_INFO_T partition{};

@@ -131,9 +131,10 @@ ShownLd showLd(Controller ctrl, unsigned char ldNo) {
     std::transform(spans.begin(), spans.end(), shown.span, [](const _MR_SPAN& span) {
         return ShownLd::Span{span.arrayRef, span.startBlock};
     });
-    SLGetOSDriveName(ctrl.contNo, ldNo, shown.osDevice);
-    if (std::string_view(shown.osDevice) == "NULL")
-        strcpy_s(shown.osDevice, sizeof shown.osDevice, "-");
+    char device[kOsDriveNameSize];
+    SLGetOSDriveName(ctrl.contNo, ldNo, device);
+    strcpy_s(shown.osDevice, sizeof shown.osDevice,
+             std::string_view(device) == "NULL" ? "-" : fieldText(device).c_str());
     return shown;
 }
 
@@ -155,12 +156,10 @@ void printLdTable(Controller ctrl, const ShownLds& lds) {
         wsprintf(number, "LD%d", ld.ldNo);
         char group[kTextSize];
         mkRaidGroupArrayStr(ctrl.contNo, ctrl.conts, ld.span[0].arrayRef, group);
-        char capacity[32];
-        wsprintf(capacity, "%0.3f", blocksToGb(ld.capacity));
         char state[kTextSize];
         mkStateStr(ctrl, ld, state);
         CliLogging(kPrint, kLdSource, __LINE__, "%-6s %-16s %-6s %-10s %-12s %-27s %-15s", number, ld.name, group,
-                   shownLevel(ld.level, ld.cacheCade, ctrl.contNo), capacity, state, ld.osDevice);
+                   shownLevel(ld.level, ld.cacheCade, ctrl.contNo), gbText(ld.capacity).c_str(), state, ld.osDevice);
     }
 }
 
@@ -174,8 +173,8 @@ void sayDeletionPlan(Controller ctrl, const ShownLds& chosen) {
     for (const ShownLd& ld : chosen.list()) {
         char state[kTextSize];
         mkStateStr(ctrl, ld, state);
-        CliLogging(kPrintAndLog, kLdSource, __LINE__, ">LD%u (%s, %0.3fGB, %s)", ld.ldNo, ld.name,
-                   blocksToGb(ld.capacity), state);
+        CliLogging(kPrintAndLog, kLdSource, __LINE__, ">LD%u (%s, %sGB, %s)", ld.ldNo, ld.name,
+                   gbText(ld.capacity).c_str(), state);
         NumberList drives;
         const PdsInLd pds = pdsInLd(ctrl, ld.ldNo);
         for (const unsigned char slotNo : pds.list())

@@ -315,6 +315,15 @@ TEST_F(Deletion, WhatForbidsIt) {
     }
 }
 
+TEST_F(Deletion, WhatTheLibrarySaysKeepsTheTableWhole) {
+    const std::string scenario = oneLd(R"(, "osDevices": ["/dev/a\n\u001bb"])");
+    const std::string unknownLevel = R"([{"type": 3, "cmd": 0, "fields": {"primaryRaidLevel": 9}}])";
+    const std::string row = "LD7    ONLY             RG0    ";
+    const std::string rest = " OPTIMAL                     /dev/a  b      \n";
+    EXPECT_EQ(kHeading + row + "RAID1      278.875     " + rest + kAskLds, run(scenario, ""));
+    EXPECT_EQ(kHeading + row + "-          0.000       " + rest + kAskLds, run(scenario, "", unknownLevel));
+}
+
 TEST_F(Deletion, NothingIsDeletedWhereOneOfThemIsRefused) {
     // LD0 holds the operating system, LD3 rebuilds; LD2 alone is deleted then.
     std::string scenario = kTwo;
@@ -380,7 +389,7 @@ TEST_F(Deletion, WhatLinuxUsesIsNotDeleted) {
         {devices(R"("/dev/loop0")"), used("/dev/loop0")},
         {devices(R"("/dev/zt", "/dev/null", "/dev/fifo", "/dev/loop0")"), used("/dev/loop0")},
         {devices("\"" + whole + "\", \"/dev/loop0\""), used(whole)},
-        {devices("\"" + cut + "\", \"/opt/loop\", \"loop0\", \"/dev/zt\""), ""}};
+        {devices("\"/opt/loop\", \"loop0\", \"/dev/zt\", \"" + cut + "\""), ""}};
     for (const auto& [scenario, refusal] : cases) {
         forget();
         const std::string out = refusals(run(scenario, "7\ny\ny\nQ\n"));

@@ -220,26 +220,28 @@ bool modesAreAsSeen(std::span<Patrol> patrols) {
     return true;
 }
 
-void sayRunFailed(unsigned char contNo, const char* doing, std::uint32_t status, const char* advice,
-                  int line = __builtin_LINE()) {
-    CliLogging(kPrintAndLog, kCtrlSource, line, "Error - Controller[%d] Failed to %s Patrol Read.\n%s (0x%X)\n%s",
-               contNo, doing, SLStrError(status), status, advice);
-}
+/// Starting or stopping a patrol read, and how its outcome is said.
+struct Run {
+    std::uint32_t (*send)(unsigned char contNo);
+    const char* error;
+    const char* verb;
+    const char* done;
+    const char* advice;
+};
+constexpr Run kStop{SLStopPatrolReadOpe, "SLStopPatrolReadOpe error", "stop", "stopped",
+                    "Please confirm whether to have already ended."};
+constexpr Run kStart{SLStartPatrolReadOpe, "SLStartPatrolReadOpe error", "start", "started",
+                     "Please confirm PD(Physical Drive) state."};
 
-void stopNow(unsigned char contNo) {
-    const std::uint32_t status = SLStopPatrolReadOpe(contNo);
-    if (!succeeded(status, kHandler, "SLStopPatrolReadOpe error", onController(contNo)))
-        sayRunFailed(contNo, "stop", status, "Please confirm whether to have already ended.");
+void runNow(const Run& run, unsigned char contNo) {
+    const std::uint32_t status = run.send(contNo);
+    if (succeeded(status, kHandler, run.error, onController(contNo)))
+        CliLogging(kPrint, kCtrlSource, __LINE__, "Information - Controller[%d] Patrol Read has been %s.", contNo,
+                   run.done);
     else
-        CliLogging(kPrint, kCtrlSource, __LINE__, "Information - Controller[%d] Patrol Read has been stopped.", contNo);
-}
-
-void startNow(unsigned char contNo) {
-    const std::uint32_t status = SLStartPatrolReadOpe(contNo);
-    if (!succeeded(status, kHandler, "SLStartPatrolReadOpe error", onController(contNo)))
-        sayRunFailed(contNo, "start", status, "Please confirm PD(Physical Drive) state.");
-    else
-        CliLogging(kPrint, kCtrlSource, __LINE__, "Information - Controller[%d] Patrol Read has been started.", contNo);
+        CliLogging(kPrintAndLog, kCtrlSource, __LINE__,
+                   "Error - Controller[%d] Failed to %s Patrol Read.\n%s (0x%X)\n%s", contNo, run.verb,
+                   SLStrError(status), status, run.advice);
 }
 
 /// Writes the record as it was read, but for what was asked for.
@@ -259,11 +261,11 @@ bool writeSettings(const Wanted& wanted, const Patrol& patrol) {
 /// Changes one controller. Returns false when the command is over.
 bool change(const Wanted& wanted, const Patrol& patrol) {
     if (wanted.stop)
-        stopNow(patrol.contNo);
+        runNow(kStop, patrol.contNo);
     if (wanted.changesSettings() && !writeSettings(wanted, patrol))
         return false;
     if (wanted.start)
-        startNow(patrol.contNo);
+        runNow(kStart, patrol.contNo);
     return true;
 }
 

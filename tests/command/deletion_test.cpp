@@ -131,9 +131,24 @@ std::string show() {
     return software() + repeated(map(kFirst), 5);
 }
 
+std::string refusals(const std::string& out) {
+    const auto at = out.find(kAskLds);
+    return at == std::string::npos ? out : out.substr(at + sizeof kAskLds - 1);
+}
+
 class Deletion : public OperationTest {
   protected:
     Deletion() { scenario_ = kTwo; }
+
+    /// LD7 is deleted, or refused with that text and asked for again.
+    void checkLd7(const std::string& scenario, const std::string& refusal) {
+        forget();
+        const std::string out = refusals(run(scenario, "7\ny\ny\nQ\n"));
+        if (refusal.empty())
+            EXPECT_TRUE(out.ends_with(deleted("7").text)) << scenario << out;
+        else
+            EXPECT_TRUE(out.starts_with(refusal + kAskLds)) << scenario << out;
+    }
 
     /// The requests of one reading of everything.
     std::string snapshot(const std::string& scenario) {
@@ -283,11 +298,6 @@ std::string oneLd(const std::string& ld, const std::string& drive = "", const st
            R"(}, {}], "arrays": [{"drives": [0, 1]}], "lds": [{"id": 7, "level": 1, "name": "ONLY", "spans": [{}])" +
            ld + "}]" + more + "}]}";
 }
-std::string refusals(const std::string& out) {
-    const auto at = out.find(kAskLds);
-    return at == std::string::npos ? out : out.substr(at + sizeof kAskLds - 1);
-}
-
 TEST_F(Deletion, WhatForbidsIt) {
     const std::string snapshots =
         "Error - Controller[0] Snapshot Base/Repository LD[s](Logical Drive[s]) 7 cannot be deleted.\n";
@@ -305,14 +315,8 @@ TEST_F(Deletion, WhatForbidsIt) {
         // What nobody maps cannot be booted; background initialization cannot be stopped.
         {oneLd(R"(, "osInstalled": true)"), none},
         {oneLd(R"(, "backgroundInit": {"percent": 5})"), none}};
-    for (const auto& [scenario, refusal] : cases) {
-        forget();
-        const std::string out = refusals(run(scenario, "7\ny\ny\nQ\n"));
-        if (refusal.empty())
-            EXPECT_TRUE(out.ends_with(deleted("7").text)) << scenario << out;
-        else
-            EXPECT_TRUE(out.starts_with(refusal + kAskLds)) << scenario << out;
-    }
+    for (const auto& [scenario, refusal] : cases)
+        checkLd7(scenario, refusal);
 }
 
 TEST_F(Deletion, WhatTheLibrarySaysKeepsTheTableWhole) {
@@ -390,14 +394,8 @@ TEST_F(Deletion, WhatLinuxUsesIsNotDeleted) {
         {devices(R"("/dev/zt", "/dev/null", "/dev/fifo", "/dev/loop0")"), used("/dev/loop0")},
         {devices("\"" + whole + "\", \"/dev/loop0\""), used(whole)},
         {devices("\"/opt/loop\", \"loop0\", \"/dev/zt\", \"" + cut + "\""), ""}};
-    for (const auto& [scenario, refusal] : cases) {
-        forget();
-        const std::string out = refusals(run(scenario, "7\ny\ny\nQ\n"));
-        if (refusal.empty())
-            EXPECT_TRUE(out.ends_with(deleted("7").text)) << scenario << out;
-        else
-            EXPECT_TRUE(out.starts_with(refusal + kAskLds)) << scenario << out;
-    }
+    for (const auto& [scenario, refusal] : cases)
+        checkLd7(scenario, refusal);
     // A mapping that cannot be read opens nothing; the last look reads it once more.
     forget();
     const std::string out = run(cases[0].first, "7\ny\ny\nQ\n", kFirst.fails("01/0c", 0x801C, 3));

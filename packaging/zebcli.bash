@@ -4,11 +4,10 @@
 # and write to the command log.
 
 # One row per command word: what may follow it, in groups parted by blanks. Of a group, whose words are parted by "|",
-# one word may be given. CTRL, LD and PD stand for the target options. A command that this version only answers with
-# "not supported" has an empty row.
+# one word may be given. CTRL, LD and PD stand for the target options. A word that ends in "[" or "sz" goes on.
 declare -gA _zebcli_commands=(
     [lde]=''
-    [ldc]=''
+    [ldc]='-r0[|-r1[|-r5[|-r6[|-r10|-cachecade[ -array0[ -array1[ -wt|-wb|-wbcb -nora|-ra -direct|-cached -sz CTRL'
     [lddel]=''
     [pdhsp]='-ghs|-dhs|-rmv -nochk PD CTRL'
     [ctrlinfo]='CTRL'
@@ -70,10 +69,10 @@ _zebcli_given() {
     shift
     for word in "$@"; do
         case $group in
-            CTRL) [[ $word == -a* ]] && return 0 ;;
+            CTRL) [[ $word == -a[0-9A]* ]] && return 0 ;;
             LD) [[ $word == -L* ]] && return 0 ;;
             PD) [[ $word == '-pd['* ]] && return 0 ;;
-            *) [[ "|$group|" == *"|$word|"* ]] && return 0 ;;
+            *) [[ "|$group|" == *"|$word|"* || "|$group|" == *"|${word%%\[*}[|"* ]] && return 0 ;;
         esac
     done
     return 1
@@ -97,7 +96,7 @@ _zebcli_offer_options() {
                 ;;
         esac
     done
-    if [[ ${#COMPREPLY[@]} -eq 1 && ${COMPREPLY[0]} == '-pd[' ]]; then
+    if [[ ${#COMPREPLY[@]} -eq 1 && ${COMPREPLY[0]} == @(*\[|-sz) ]]; then
         compopt -o nospace
     fi
 }

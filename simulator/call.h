@@ -52,6 +52,7 @@ enum Status : std::uint32_t {
 
 using Bytes = std::vector<std::uint8_t>;
 
+/// A request that has found its controller.
 struct Call {
     Model& model;
     Controller& ctrl;
@@ -84,12 +85,45 @@ void putText(char (&field)[N], const std::string& text, char filler = '\0') {
     std::memcpy(field, text.data(), std::min(N, text.size()));
 }
 
-/// The drive, LD or enclosure that the request names, or null.
-inline Drive* namedDrive(Call& call) {
-    return findDrive(call.ctrl, call.request.ref.pdRef.deviceId);
+/// Notes that the model is no longer what it was. Returns success, for an operation to end with.
+inline std::uint32_t changed(Call& call) {
+    call.changed = true;
+    return kSuccess;
 }
-inline LogicalDrive* namedLd(Call& call) {
-    return findLd(call.ctrl, call.request.ref.ldRef.targetId);
+
+// Handlers for what a request names: withDrive<f> finds the drive and hands it to f, or answers that there is none.
+// With fresh<f> in place of f the drive must be named with its present sequence number, so that nobody changes it who
+// has not seen its last change.
+
+using DriveHandler = std::uint32_t (*)(Call&, Drive&);
+using LdHandler = std::uint32_t (*)(Call&, LogicalDrive&);
+using BackupUnitHandler = std::uint32_t (*)(Call&, CacheBackup&);
+
+template <DriveHandler handler>
+std::uint32_t withDrive(Call& call) {
+    Drive* drive = findDrive(call.ctrl, call.request.ref.pdRef.deviceId);
+    return drive == nullptr ? std::uint32_t{kDeviceNotFound} : handler(call, *drive);
+}
+
+template <LdHandler handler>
+std::uint32_t withLd(Call& call) {
+    LogicalDrive* ld = findLd(call.ctrl, call.request.ref.ldRef.targetId);
+    return ld == nullptr ? std::uint32_t{kDeviceNotFound} : handler(call, *ld);
+}
+
+template <DriveHandler handler>
+std::uint32_t fresh(Call& call, Drive& drive) {
+    return drive.seq == call.request.ref.pdRef.seqNo ? handler(call, drive) : std::uint32_t{kInvalidSequence};
+}
+
+template <LdHandler handler>
+std::uint32_t fresh(Call& call, LogicalDrive& ld) {
+    return ld.seq == call.request.ref.ldRef.seqNo ? handler(call, ld) : std::uint32_t{kInvalidSequence};
+}
+
+template <BackupUnitHandler handler>
+std::uint32_t withBackupUnit(Call& call) {
+    return call.ctrl.cacheBackup ? handler(call, *call.ctrl.cacheBackup) : std::uint32_t{kHardwareMissing};
 }
 
 } // namespace zebsim

@@ -9,7 +9,8 @@ namespace zebsim {
 /// Returns its status.
 std::uint32_t dispatch(Session& session, Stage& stage, const Strike& strike);
 
-/// Answers the controller list (the initialise request). Returns the status.
+/// Answers the controller list (the initialise request): the ids of all controllers, in the scenario's order. Returns
+/// the status.
 std::uint32_t answerControllerList(Stage& stage, const Strike& strike);
 
 /// The opcode of a controller-command request; none for every other request.

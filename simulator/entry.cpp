@@ -3,13 +3,13 @@
 #include "simulator/dispatch.h"
 #include "simulator/scenario_io.h"
 
-#include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
 #include <fcntl.h>
 #include <mutex>
+#include <thread>
 #include <unistd.h>
 
 namespace zebsim {
@@ -83,7 +83,7 @@ void writeTrace(const char* path, std::string line, std::uint32_t status) {
     char text[24];
     std::snprintf(text, sizeof text, " status=0x%08X\n", status);
     line += text;
-    const int fd = ::open(path, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0644);
+    const int fd = ::open(path, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0644); // a FIFO must not block
     if (fd < 0)
         return;
     ssize_t written = -1;
@@ -96,41 +96,20 @@ void writeTrace(const char* path, std::string line, std::uint32_t status) {
 /// Makes a call take the time that ZEBSIM_LATENCY_US says, counted from its construction.
 class Latency {
   public:
-    Latency() : nanoseconds_(wanted()), end_(nanoseconds_ > 0 ? now() + nanoseconds_ : 0) {}
+    Latency() : end_(Clock::now() + wantedLatency().value_or(std::chrono::microseconds(0))) {}
     ~Latency() {
-        if (nanoseconds_ <= 0)
-            return;
-        sleepUntil(end_ - kLateness);
-        while (now() < end_) {
+        // A sleeper wakes up a little too late; the rest of the time is spent awake, so that calls take what was asked.
+        constexpr std::chrono::microseconds kLateness(150);
+        std::this_thread::sleep_until(end_ - kLateness);
+        while (Clock::now() < end_) {
         }
     }
     Latency(const Latency&) = delete;
     Latency& operator=(const Latency&) = delete;
 
   private:
-    static constexpr std::int64_t kPerSecond = 1000000000;
-    /// A sleeper wakes up to this much too late; the rest of the time is spent awake, so that calls take what was
-    /// asked.
-    static constexpr std::int64_t kLateness = 150000;
-
-    static std::int64_t wanted() {
-        const char* text = std::getenv("ZEBSIM_LATENCY_US");
-        constexpr long kLongest = 3600 * 1000000L;
-        return text == nullptr ? 0 : std::clamp(std::strtol(text, nullptr, 10), 0L, kLongest) * std::int64_t{1000};
-    }
-    static std::int64_t now() {
-        timespec time{};
-        clock_gettime(CLOCK_MONOTONIC, &time);
-        return time.tv_sec * kPerSecond + time.tv_nsec;
-    }
-    static void sleepUntil(std::int64_t when) {
-        const timespec time{.tv_sec = when / kPerSecond, .tv_nsec = when % kPerSecond};
-        while (clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &time, nullptr) == EINTR) {
-        }
-    }
-
-    std::int64_t nanoseconds_;
-    std::int64_t end_;
+    using Clock = std::chrono::steady_clock;
+    Clock::time_point end_;
 };
 
 std::uint32_t process(const _SL_LIB_CMD_PARAM_T& request) {

@@ -94,8 +94,7 @@ std::uint32_t setCtrlProperties(Call& call) {
     decodeProperties(properties, record);
     ++properties.seq;
     startSpares(call.ctrl);
-    call.changed = true;
-    return kSuccess;
+    return changed(call);
 }
 
 std::uint32_t setPatrolReadProperties(Call& call) {
@@ -116,8 +115,7 @@ std::uint32_t setPatrolReadProperties(Call& call) {
     patrol.frequency = record.executionFrequency;
     patrol.clearFrequency = record.clearFrequency;
     ++call.ctrl.properties.seq;
-    call.changed = true;
-    return kSuccess;
+    return changed(call);
 }
 
 std::uint32_t startPatrolRead(Call& call) {
@@ -128,8 +126,7 @@ std::uint32_t startPatrolRead(Call& call) {
         return kAlreadyRunning;
     if (!beginPatrolRead(call.ctrl))
         return kNoPatrolReadDrive;
-    call.changed = true;
-    return kSuccess;
+    return changed(call);
 }
 
 std::uint32_t stopPatrolRead(Call& call) {
@@ -138,29 +135,23 @@ std::uint32_t stopPatrolRead(Call& call) {
     for (Drive& drive : call.ctrl.drives)
         drive.patrolRead.reset();
     call.ctrl.patrolRead.running = false;
-    call.changed = true;
-    return kSuccess;
+    return changed(call);
 }
 
-std::uint32_t startLearnCycle(Call& call) {
+std::uint32_t startLearnCycle(Call& call, CacheBackup& unit) {
     constexpr std::uint32_t kReplacePack = 1U << 10;
     constexpr std::uint32_t kPackMissing = 1U << 0;
-    if (!call.ctrl.cacheBackup)
-        return kHardwareMissing;
-    CacheBackup& unit = *call.ctrl.cacheBackup;
     if (unit.learn)
         return kAlreadyRunning;
     if ((unit.status & (kReplacePack | kPackMissing)) != 0)
         return kWrongState;
     unit.learn = Progress{};
-    call.changed = true;
-    return kSuccess;
+    return changed(call);
 }
 
 std::uint32_t setMfcDefaults(Call& call, const _SL_DCMD_INPUT_T&) {
     std::copy_n(call.input.begin(), call.ctrl.mfcDefaults.size(), call.ctrl.mfcDefaults.begin());
-    call.changed = true;
-    return kSuccess;
+    return changed(call);
 }
 
 std::uint32_t importForeign(Call& call) {
@@ -181,8 +172,7 @@ std::uint32_t importForeign(Call& call) {
     merged.foreign.clear();
     ctrl = std::move(merged);
     startSpares(ctrl);
-    call.changed = true;
-    return kSuccess;
+    return changed(call);
 }
 
 std::uint32_t clearForeign(Call& call) {

@@ -304,8 +304,7 @@ std::uint32_t addConfiguration(Call& call, const _SL_DCMD_INPUT_T&) {
         addArray(call.ctrl, *array);
     for (const _MR_LD_CONFIG& ld : added.lds)
         addLd(call.ctrl, ld);
-    call.changed = true;
-    return kSuccess;
+    return changed(call);
 }
 
 } // namespace zebsim

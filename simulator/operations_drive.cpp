@@ -8,14 +8,6 @@ namespace zebsim {
 
 namespace {
 
-/// The drive that the request names, once its sequence number is the drive's; otherwise the status that refuses it.
-std::uint32_t checkDrive(Call& call, Drive*& drive) {
-    drive = namedDrive(call);
-    if (drive == nullptr)
-        return kDeviceNotFound;
-    return drive->seq == call.request.ref.pdRef.seqNo ? kSuccess : kInvalidSequence;
-}
-
 bool isOut(const Drive& drive) {
     return drive.state == kPdOffline || drive.state == kPdFailed;
 }
@@ -38,21 +30,15 @@ std::uint32_t checkRebuild(const Controller& ctrl, const Array& array) {
     return kSuccess;
 }
 
-std::uint32_t setLocate(Call& call, bool on) {
-    Drive* drive = namedDrive(call);
-    if (drive == nullptr)
-        return kDeviceNotFound;
-    call.changed = drive->locate != on;
-    drive->locate = on;
+std::uint32_t setLocate(Call& call, Drive& drive, bool on) {
+    call.changed = drive.locate != on;
+    drive.locate = on;
     return kSuccess;
 }
 
 /// What holds for every new spare.
-std::uint32_t checkNewSpare(Call& call, Drive*& drive) {
-    const std::uint32_t status = checkDrive(call, drive);
-    if (status != kSuccess)
-        return status;
-    if (drive->state != kPdUnconfiguredGood || drive->foreign)
+std::uint32_t checkNewSpare(const Call& call, const Drive& drive) {
+    if (drive.state != kPdUnconfiguredGood || drive.foreign)
         return kWrongState;
     return call.ctrl.spares.size() >= call.ctrl.maxSpares ? kTooManySpares : kSuccess;
 }
@@ -61,8 +47,7 @@ std::uint32_t addSpare(Call& call, Drive& drive, std::vector<std::uint16_t> arra
     call.ctrl.spares.push_back({drive.deviceId, std::move(arrays), true, false});
     changeDriveState(call.ctrl, drive, kPdHotSpare);
     startSpares(call.ctrl);
-    call.changed = true;
-    return kSuccess;
+    return changed(call);
 }
 
 /// Whether the drive may serve the array.
@@ -81,92 +66,65 @@ std::uint32_t checkService(const Controller& ctrl, const Drive& drive, std::uint
 
 } // namespace
 
-std::uint32_t makeDriveOnline(Call& call) {
-    Drive* drive = nullptr;
-    const std::uint32_t status = checkDrive(call, drive);
-    if (status != kSuccess)
-        return status;
-    if (!isOut(*drive) || arrayOfDrive(call.ctrl, drive->deviceId) == nullptr)
+std::uint32_t makeDriveOnline(Call& call, Drive& drive) {
+    if (!isOut(drive) || arrayOfDrive(call.ctrl, drive.deviceId) == nullptr)
         return kWrongState;
-    changeDriveState(call.ctrl, *drive, kPdOnline);
-    call.changed = true;
-    return kSuccess;
+    changeDriveState(call.ctrl, drive, kPdOnline);
+    return changed(call);
 }
 
-std::uint32_t makeDriveOffline(Call& call) {
-    Drive* drive = nullptr;
-    const std::uint32_t status = checkDrive(call, drive);
-    if (status != kSuccess)
-        return status;
-    const bool working = drive->state == kPdOnline || drive->state == kPdRebuild;
-    if (!working || arrayOfDrive(call.ctrl, drive->deviceId) == nullptr)
+std::uint32_t makeDriveOffline(Call& call, Drive& drive) {
+    const bool working = drive.state == kPdOnline || drive.state == kPdRebuild;
+    if (!working || arrayOfDrive(call.ctrl, drive.deviceId) == nullptr)
         return kWrongState;
-    endCopyback(call.ctrl, *drive);
-    changeDriveState(call.ctrl, *drive, kPdOffline);
+    endCopyback(call.ctrl, drive);
+    changeDriveState(call.ctrl, drive, kPdOffline);
     startSpares(call.ctrl);
-    call.changed = true;
-    return kSuccess;
+    return changed(call);
 }
 
-std::uint32_t makeDriveUnconfiguredGood(Call& call) {
-    Drive* drive = nullptr;
-    const std::uint32_t status = checkDrive(call, drive);
-    if (status != kSuccess)
-        return status;
-    const bool lonely = arrayOfDrive(call.ctrl, drive->deviceId) == nullptr;
-    if (!lonely || (drive->state != kPdUnconfiguredBad && !isOut(*drive)))
+std::uint32_t makeDriveUnconfiguredGood(Call& call, Drive& drive) {
+    const bool lonely = arrayOfDrive(call.ctrl, drive.deviceId) == nullptr;
+    if (!lonely || (drive.state != kPdUnconfiguredBad && !isOut(drive)))
         return kWrongState;
-    changeDriveState(call.ctrl, *drive, kPdUnconfiguredGood);
-    call.changed = true;
-    return kSuccess;
+    changeDriveState(call.ctrl, drive, kPdUnconfiguredGood);
+    return changed(call);
 }
 
-std::uint32_t startRebuild(Call& call) {
-    Drive* drive = nullptr;
-    std::uint32_t status = checkDrive(call, drive);
-    if (status != kSuccess)
-        return status;
-    if (drive->state == kPdRebuild)
+std::uint32_t startRebuild(Call& call, Drive& drive) {
+    if (drive.state == kPdRebuild)
         return kAlreadyRunning;
-    const Array* array = arrayOfDrive(call.ctrl, drive->deviceId);
-    if (!isOut(*drive) || array == nullptr)
+    const Array* array = arrayOfDrive(call.ctrl, drive.deviceId);
+    if (!isOut(drive) || array == nullptr)
         return kWrongState;
-    status = checkRebuild(call.ctrl, *array);
+    const std::uint32_t status = checkRebuild(call.ctrl, *array);
     if (status != kSuccess)
         return status;
-    changeDriveState(call.ctrl, *drive, kPdRebuild);
-    drive->rebuild = Progress{};
-    call.changed = true;
-    return kSuccess;
+    changeDriveState(call.ctrl, drive, kPdRebuild);
+    drive.rebuild = Progress{};
+    return changed(call);
 }
 
-std::uint32_t cancelRebuild(Call& call) {
-    Drive* drive = nullptr;
-    const std::uint32_t status = checkDrive(call, drive);
-    if (status != kSuccess)
-        return status;
-    if (drive->state != kPdRebuild)
+std::uint32_t cancelRebuild(Call& call, Drive& drive) {
+    if (drive.state != kPdRebuild)
         return kWrongState;
-    changeDriveState(call.ctrl, *drive, kPdOffline);
-    call.changed = true;
-    return kSuccess;
+    changeDriveState(call.ctrl, drive, kPdOffline);
+    return changed(call);
 }
 
-std::uint32_t startLocate(Call& call) {
-    return setLocate(call, true);
+std::uint32_t startLocate(Call& call, Drive& drive) {
+    return setLocate(call, drive, true);
 }
-std::uint32_t stopLocate(Call& call) {
-    return setLocate(call, false);
+std::uint32_t stopLocate(Call& call, Drive& drive) {
+    return setLocate(call, drive, false);
 }
 
-std::uint32_t makeGlobalSpare(Call& call) {
-    Drive* drive = nullptr;
+std::uint32_t makeGlobalSpare(Call& call, Drive& drive) {
     const std::uint32_t status = checkNewSpare(call, drive);
-    return status == kSuccess ? addSpare(call, *drive, {}) : status;
+    return status == kSuccess ? addSpare(call, drive, {}) : status;
 }
 
-std::uint32_t makeDedicatedSpare(Call& call) {
-    Drive* drive = nullptr;
+std::uint32_t makeDedicatedSpare(Call& call, Drive& drive) {
     std::uint32_t status = checkNewSpare(call, drive);
     if (status != kSuccess)
         return status;
@@ -177,26 +135,21 @@ std::uint32_t makeDedicatedSpare(Call& call) {
     std::vector<std::uint16_t> arrays;
     for (unsigned i = 0; i < wanted.arrayCount; ++i) {
         const std::uint16_t ref = wanted.arrayRef[i];
-        status = checkService(call.ctrl, *drive, ref);
+        status = checkService(call.ctrl, drive, ref);
         if (status != kSuccess)
             return status;
         if (std::find(arrays.begin(), arrays.end(), ref) == arrays.end())
             arrays.push_back(ref);
     }
-    return addSpare(call, *drive, std::move(arrays));
+    return addSpare(call, drive, std::move(arrays));
 }
 
-std::uint32_t removeSpare(Call& call) {
-    Drive* drive = nullptr;
-    const std::uint32_t status = checkDrive(call, drive);
-    if (status != kSuccess)
-        return status;
-    if (drive->state != kPdHotSpare)
+std::uint32_t removeSpare(Call& call, Drive& drive) {
+    if (drive.state != kPdHotSpare)
         return kWrongState;
-    std::erase_if(call.ctrl.spares, [&](const Spare& spare) { return spare.deviceId == drive->deviceId; });
-    changeDriveState(call.ctrl, *drive, kPdUnconfiguredGood);
-    call.changed = true;
-    return kSuccess;
+    std::erase_if(call.ctrl.spares, [&](const Spare& spare) { return spare.deviceId == drive.deviceId; });
+    changeDriveState(call.ctrl, drive, kPdUnconfiguredGood);
+    return changed(call);
 }
 
 } // namespace zebsim

@@ -8,14 +8,6 @@ namespace zebsim {
 
 namespace {
 
-/// The LD that the request names, once its sequence number is the LD's; otherwise the status that refuses it.
-std::uint32_t checkLd(Call& call, LogicalDrive*& ld) {
-    ld = namedLd(call);
-    if (ld == nullptr)
-        return kDeviceNotFound;
-    return ld->seq == call.request.ref.ldRef.seqNo ? kSuccess : kInvalidSequence;
-}
-
 bool rebuildsOn(const Controller& ctrl, const LogicalDrive& ld) {
     return std::any_of(ctrl.drives.begin(), ctrl.drives.end(), [&](const Drive& drive) {
         const Array* array = arrayOfDrive(ctrl, drive.deviceId);
@@ -37,21 +29,15 @@ std::uint32_t checkIdle(const Controller& ctrl, const LogicalDrive& ld, const Ta
 std::uint32_t start(Call& call, LogicalDrive& ld, Task& work) {
     work = Progress{};
     ++ld.seq;
-    call.changed = true;
-    return kSuccess;
+    return changed(call);
 }
 
-std::uint32_t cancel(Call& call, Task LogicalDrive::*work) {
-    LogicalDrive* ld = nullptr;
-    const std::uint32_t status = checkLd(call, ld);
-    if (status != kSuccess)
-        return status;
-    if (!(ld->*work))
+std::uint32_t cancel(Call& call, LogicalDrive& ld, Task& work) {
+    if (!work)
         return kWrongState;
-    (ld->*work).reset();
-    ++ld->seq;
-    call.changed = true;
-    return kSuccess;
+    work.reset();
+    ++ld.seq;
+    return changed(call);
 }
 
 bool isAcceptable(const _MR_LD_PROPERTIES& record) {
@@ -65,86 +51,67 @@ bool isAcceptable(const _MR_LD_PROPERTIES& record) {
 
 } // namespace
 
-std::uint32_t setLdProperties(Call& call) {
-    LogicalDrive* ld = nullptr;
-    const std::uint32_t status = checkLd(call, ld);
-    if (status != kSuccess)
-        return status;
+std::uint32_t setLdProperties(Call& call, LogicalDrive& ld) {
     const auto record = received<_MR_LD_PROPERTIES>(call);
-    if (record.ref.targetId != ld->id || !isAcceptable(record))
+    if (record.ref.targetId != ld.id || !isAcceptable(record))
         return kInvalidParameter;
-    ld->name.assign(record.name, strnlen(record.name, sizeof record.name));
-    ld->cachePolicy = record.defaultCachePolicy;
-    ld->currentCachePolicy = effectiveCachePolicy(call.ctrl, ld->cachePolicy);
-    ld->accessPolicy = record.accessPolicy;
-    ld->diskCachePolicy = record.diskCachePolicy;
-    ld->noBackgroundInit = record.noBgi != 0;
-    ld->snapshotFlags = record.snapshotFlags;
-    ++ld->seq;
-    call.changed = true;
-    return kSuccess;
+    ld.name.assign(record.name, strnlen(record.name, sizeof record.name));
+    ld.cachePolicy = record.defaultCachePolicy;
+    ld.currentCachePolicy = effectiveCachePolicy(call.ctrl, ld.cachePolicy);
+    ld.accessPolicy = record.accessPolicy;
+    ld.diskCachePolicy = record.diskCachePolicy;
+    ld.noBackgroundInit = record.noBgi != 0;
+    ld.snapshotFlags = record.snapshotFlags;
+    ++ld.seq;
+    return changed(call);
 }
 
-std::uint32_t deleteLd(Call& call) {
-    LogicalDrive* ld = nullptr;
-    const std::uint32_t status = checkLd(call, ld);
-    if (status != kSuccess)
-        return status;
-    if (ld->init)
+std::uint32_t deleteLd(Call& call, LogicalDrive& ld) {
+    if (ld.init)
         return kInitInProgress;
-    if (ld->reconstruction)
+    if (ld.reconstruction)
         return kReconstructionInProgress;
     if (call.ctrl.pinnedCache)
         return kCachePinned;
-    if (call.model.strictDelete && rebuildsOn(call.ctrl, *ld))
+    if (call.model.strictDelete && rebuildsOn(call.ctrl, ld))
         return kRebuildInProgress;
-    if (call.model.strictDelete && ld->check)
+    if (call.model.strictDelete && ld.check)
         return kWrongState;
-    removeLd(call.ctrl, *ld);
-    call.changed = true;
-    return kSuccess;
+    removeLd(call.ctrl, ld);
+    return changed(call);
 }
 
-std::uint32_t startCheck(Call& call) {
-    LogicalDrive* ld = nullptr;
-    std::uint32_t status = checkLd(call, ld);
-    if (status != kSuccess)
-        return status;
-    if (!isRedundant(ld->level))
+std::uint32_t startCheck(Call& call, LogicalDrive& ld) {
+    if (!isRedundant(ld.level))
         return kWrongLevel;
-    status = checkIdle(call.ctrl, *ld, ld->check);
+    const std::uint32_t status = checkIdle(call.ctrl, ld, ld.check);
     if (status != kSuccess)
         return status;
-    return ld->state == kLdOptimal ? start(call, *ld, ld->check) : std::uint32_t{kLdNotOptimal};
+    return ld.state == kLdOptimal ? start(call, ld, ld.check) : std::uint32_t{kLdNotOptimal};
 }
 
-std::uint32_t startInit(Call& call) {
+std::uint32_t startInit(Call& call, LogicalDrive& ld) {
     constexpr std::uint8_t kFull = 1;
-    LogicalDrive* ld = nullptr;
-    std::uint32_t status = checkLd(call, ld);
+    const std::uint32_t status = checkIdle(call.ctrl, ld, ld.init);
     if (status != kSuccess)
         return status;
-    status = checkIdle(call.ctrl, *ld, ld->init);
-    if (status != kSuccess)
-        return status;
-    if (ld->state == kLdOffline)
+    if (ld.state == kLdOffline)
         return kLdNotOptimal;
-    ld->backgroundInit.reset();
-    ld->osInstalled = false;
+    ld.backgroundInit.reset();
+    ld.osInstalled = false;
     if (call.request.param.bytes[0] == kFull)
-        return start(call, *ld, ld->init);
+        return start(call, ld, ld.init);
     // A quick initialisation only clears the ends of the LD; it is done at once.
-    ld->initState = 1;
-    ++ld->seq;
-    call.changed = true;
-    return kSuccess;
+    ld.initState = 1;
+    ++ld.seq;
+    return changed(call);
 }
 
-std::uint32_t cancelCheck(Call& call) {
-    return cancel(call, &LogicalDrive::check);
+std::uint32_t cancelCheck(Call& call, LogicalDrive& ld) {
+    return cancel(call, ld, ld.check);
 }
-std::uint32_t cancelInit(Call& call) {
-    return cancel(call, &LogicalDrive::init);
+std::uint32_t cancelInit(Call& call, LogicalDrive& ld) {
+    return cancel(call, ld, ld.init);
 }
 
 } // namespace zebsim

@@ -86,41 +86,35 @@ std::uint32_t getPdList(Call& call) {
     return kSuccess;
 }
 
-std::uint32_t getPdInfo(Call& call) {
-    const Drive* drive = namedDrive(call);
-    if (drive == nullptr)
-        return kDeviceNotFound;
+std::uint32_t getPdInfo(Call& call, Drive& drive) {
     _MR_PD_INFO info{};
-    info.ref = {drive->deviceId, drive->seq};
-    encodeInquiry(info.inquiry, *drive);
+    info.ref = {drive.deviceId, drive.seq};
+    encodeInquiry(info.inquiry, drive);
     info.scsiDevType = kScsiDisk;
-    info.deviceSpeed = drive->deviceSpeed;
-    info.linkSpeed = drive->linkSpeed;
-    info.mediaErrorCount = drive->mediaErrors;
-    info.otherErrorCount = drive->otherErrors;
-    info.predFailCount = drive->predictiveFailures;
-    info.fwState = drive->state;
-    info.ddfType = ddfTypeOf(call.ctrl, *drive);
-    encodePaths(info, *drive);
-    info.rawSize = drive->rawBlocks;
-    info.coercedSize = drive->blocks;
-    info.enclDeviceId = drive->enclosureId;
-    info.enclIndex = enclosureIndexOf(call.ctrl, drive->enclosureId);
-    info.slotNo = drive->slot;
-    info.progress = encodeDriveProgress(*drive);
-    info.powerState = drive->powerState;
-    info.allowedOps = allowedPdOps(call.ctrl, *drive);
-    info.copybackPartner = drive->copybackPartner;
-    info.mediaType = drive->media;
+    info.deviceSpeed = drive.deviceSpeed;
+    info.linkSpeed = drive.linkSpeed;
+    info.mediaErrorCount = drive.mediaErrors;
+    info.otherErrorCount = drive.otherErrors;
+    info.predFailCount = drive.predictiveFailures;
+    info.fwState = drive.state;
+    info.ddfType = ddfTypeOf(call.ctrl, drive);
+    encodePaths(info, drive);
+    info.rawSize = drive.rawBlocks;
+    info.coercedSize = drive.blocks;
+    info.enclDeviceId = drive.enclosureId;
+    info.enclIndex = enclosureIndexOf(call.ctrl, drive.enclosureId);
+    info.slotNo = drive.slot;
+    info.progress = encodeDriveProgress(drive);
+    info.powerState = drive.powerState;
+    info.allowedOps = allowedPdOps(call.ctrl, drive);
+    info.copybackPartner = drive.copybackPartner;
+    info.mediaType = drive.media;
     reply(call, info);
     return kSuccess;
 }
 
-std::uint32_t getPdProgress(Call& call) {
-    const Drive* drive = namedDrive(call);
-    if (drive == nullptr)
-        return kDeviceNotFound;
-    reply(call, encodeDriveProgress(*drive));
+std::uint32_t getPdProgress(Call& call, Drive& drive) {
+    reply(call, encodeDriveProgress(drive));
     return kSuccess;
 }
 
@@ -136,11 +130,8 @@ std::uint32_t allowedPdOps(const Controller& ctrl, const Drive& drive) {
     return redundant ? kPdOpStartRebuild : 0;
 }
 
-std::uint32_t getPdAllowedOps(Call& call) {
-    const Drive* drive = namedDrive(call);
-    if (drive == nullptr)
-        return kDeviceNotFound;
-    reply(call, _MR_PD_ALLOWED_OPS{allowedPdOps(call.ctrl, *drive)});
+std::uint32_t getPdAllowedOps(Call& call, Drive& drive) {
+    reply(call, _MR_PD_ALLOWED_OPS{allowedPdOps(call.ctrl, drive)});
     return kSuccess;
 }
 

@@ -54,10 +54,7 @@ const Enclosure* namedEnclosure(const Call& call, std::uint32_t& status) {
 
 } // namespace
 
-std::uint32_t getBackupStatus(Call& call) {
-    if (!call.ctrl.cacheBackup)
-        return kHardwareMissing;
-    const CacheBackup& unit = *call.ctrl.cacheBackup;
+std::uint32_t getBackupStatus(Call& call, CacheBackup& unit) {
     _MR_BBU_STATUS record{};
     record.type = unit.type;
     record.voltage = unit.voltage;
@@ -71,10 +68,7 @@ std::uint32_t getBackupStatus(Call& call) {
     return kSuccess;
 }
 
-std::uint32_t getBackupCapacity(Call& call) {
-    if (!call.ctrl.cacheBackup)
-        return kHardwareMissing;
-    const CacheBackup& unit = *call.ctrl.cacheBackup;
+std::uint32_t getBackupCapacity(Call& call, CacheBackup& unit) {
     _MR_BBU_CAPACITY_INFO record{};
     record.relativeCharge = unit.relativeCharge;
     record.absoluteCharge = unit.absoluteCharge;
@@ -85,10 +79,7 @@ std::uint32_t getBackupCapacity(Call& call) {
     return kSuccess;
 }
 
-std::uint32_t getBackupDesign(Call& call) {
-    if (!call.ctrl.cacheBackup)
-        return kHardwareMissing;
-    const CacheBackup& unit = *call.ctrl.cacheBackup;
+std::uint32_t getBackupDesign(Call& call, CacheBackup& unit) {
     _MR_BBU_DESIGN_INFO record{};
     record.manufactureDate = unit.manufactureDate;
     record.designCapacity = unit.designCapacity;
@@ -101,10 +92,7 @@ std::uint32_t getBackupDesign(Call& call) {
     return kSuccess;
 }
 
-std::uint32_t getBackupProperties(Call& call) {
-    if (!call.ctrl.cacheBackup)
-        return kHardwareMissing;
-    const CacheBackup& unit = *call.ctrl.cacheBackup;
+std::uint32_t getBackupProperties(Call& call, CacheBackup& unit) {
     _MR_BBU_PROPERTIES record{};
     record.learnPeriod = unit.learnPeriod;
     record.nextLearnTime = unit.nextLearn;

@@ -95,42 +95,30 @@ std::uint32_t getLdList(Call& call) {
     return kSuccess;
 }
 
-std::uint32_t getLdInfo(Call& call) {
-    const LogicalDrive* ld = namedLd(call);
-    if (ld == nullptr)
-        return kDeviceNotFound;
+std::uint32_t getLdInfo(Call& call, LogicalDrive& ld) {
     _MR_LD_INFO info{};
-    info.config = encodeLdConfig(*ld, call.ctrl.arrays);
-    info.size = ldBlocks(call.ctrl, *ld);
-    info.progress = encodeLdProgress(*ld);
-    info.snapshotUse = ld->repository ? kLdIsRepository : std::uint8_t{0};
+    info.config = encodeLdConfig(ld, call.ctrl.arrays);
+    info.size = ldBlocks(call.ctrl, ld);
+    info.progress = encodeLdProgress(ld);
+    info.snapshotUse = ld.repository ? kLdIsRepository : std::uint8_t{0};
     reply(call, info);
     return kSuccess;
 }
 
-std::uint32_t getLdProperties(Call& call) {
-    const LogicalDrive* ld = namedLd(call);
-    if (ld == nullptr)
-        return kDeviceNotFound;
-    reply(call, encodeLdProperties(*ld));
+std::uint32_t getLdProperties(Call& call, LogicalDrive& ld) {
+    reply(call, encodeLdProperties(ld));
     return kSuccess;
 }
 
-std::uint32_t getLdProgress(Call& call) {
-    const LogicalDrive* ld = namedLd(call);
-    if (ld == nullptr)
-        return kDeviceNotFound;
-    reply(call, encodeLdProgress(*ld));
+std::uint32_t getLdProgress(Call& call, LogicalDrive& ld) {
+    reply(call, encodeLdProgress(ld));
     return kSuccess;
 }
 
-std::uint32_t getPdInLd(Call& call) {
-    const LogicalDrive* ld = namedLd(call);
-    if (ld == nullptr)
-        return kDeviceNotFound;
+std::uint32_t getPdInLd(Call& call, LogicalDrive& ld) {
     _SL_PD_IN_LD_T record{};
     std::memset(record.deviceId, 0xFF, sizeof record.deviceId); // kNoDevice
-    for (const Span& span : ld->spans) {
+    for (const Span& span : ld.spans) {
         const Array* array = findArray(call.ctrl, span.array);
         for (std::size_t i = 0; array != nullptr && i < array->drives.size(); ++i) {
             if (array->drives[i] != kNoDevice)
@@ -141,11 +129,8 @@ std::uint32_t getPdInLd(Call& call) {
     return kSuccess;
 }
 
-std::uint32_t getLdAllowedOps(Call& call) {
-    const LogicalDrive* ld = namedLd(call);
-    if (ld == nullptr)
-        return kDeviceNotFound;
-    reply(call, _MR_LD_ALLOWED_OPS{allowedLdOps(*ld)});
+std::uint32_t getLdAllowedOps(Call& call, LogicalDrive& ld) {
+    reply(call, _MR_LD_ALLOWED_OPS{allowedLdOps(ld)});
     return kSuccess;
 }
 

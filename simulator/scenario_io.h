@@ -29,9 +29,13 @@ using Words = std::initializer_list<Word>;
 /// JSON text to a tree. Throws ScenarioError with line and column for a syntax error, and for a key written twice.
 Json parsedJson(const std::string& text);
 
+/// The bytes that a JSON text stands for, one for each character. Throws for a character above U+00FF.
 std::string bytesOfText(const std::string& utf8, const std::string& place);
+/// The reverse of bytesOfText().
 std::string textOfBytes(const std::string& bytes);
+/// Two lower-case digits for each byte.
 std::string hexOfBytes(const std::uint8_t* bytes, std::size_t count);
+/// The words in quotes, for a person to choose from.
 std::string joinedWords(Words words);
 
 /// The integer that a node holds: a JSON integer, or text such as "0x1F". Throws when it is none or out of the range.
@@ -41,8 +45,11 @@ std::int64_t signedOf(const Json& node, const std::string& place, std::int64_t l
 /// The device id that a node names: a slot number, {"deviceId": N}, or null for an empty position where that is
 /// allowed.
 std::uint16_t driveOf(const Json& node, const std::string& place, const Controller& ctrl, bool emptyAllowed);
+/// The reverse of driveOf(); null where there is no such drive.
 Json nameOfDrive(std::uint16_t deviceId, const Controller& ctrl);
 
+/// Fills an object from JSON. Each member function takes one key: a missing one gives the fallback, a bad value throws
+/// ScenarioError with its place and what to write instead.
 class Reader {
   public:
     static constexpr bool kReading = true;
@@ -50,6 +57,7 @@ class Reader {
     /// Throws unless the node is an object.
     Reader(const Json& node, std::string place);
 
+    /// An integer from `lowest` to `highest`; without a sign it may be given as text too, "0x1F".
     template <class T>
     void number(const char* key, T& value, std::type_identity_t<T> fallback,
                 std::type_identity_t<T> lowest = std::numeric_limits<T>::min(),
@@ -62,6 +70,7 @@ class Reader {
         else
             value = static_cast<T>(unsignedOf(*node, at(key), lowest, highest));
     }
+    /// A value by its word, or as a number for values that have no word.
     template <class T>
     void word(const char* key, T& value, std::type_identity_t<T> fallback, Words words) {
         const Json* node = take(key);
@@ -70,15 +79,19 @@ class Reader {
         else
             value = static_cast<T>(wordOf(*node, at(key), words, std::numeric_limits<T>::max()));
     }
+    /// A SAS address; written with 16 hexadecimal digits.
     void address(const char* key, std::uint64_t& value, std::uint64_t fallback) { number(key, value, fallback); }
     void real(const char* key, double& value, double fallback, double lowest, double highest);
     void flag(const char* key, bool& value, bool fallback);
     void text(const char* key, std::string& value, const std::string& fallback, std::size_t width);
+    /// Exactly `count` bytes as hexadecimal digits.
     void bytes(const char* key, std::uint8_t* value, const std::uint8_t* fallback, std::size_t count);
+    /// Work under way: a percentage, or an object with the time that it has taken.
     void task(const char* key, Task& task);
     void drive(const char* key, std::uint16_t& deviceId, const Controller& ctrl);
     void drives(const char* key, std::vector<std::uint16_t>& deviceIds, const Controller& ctrl);
 
+    /// A number that may be null: there is none then.
     template <class T>
     void optionalNumber(const char* key, std::optional<T>& value, std::optional<T> fallback) {
         const Json* node = take(key);
@@ -133,6 +146,7 @@ class Reader {
 
     /// True when the key is there. Does not take it.
     bool has(const char* key) const { return node_.contains(key); }
+    /// The place of a key, "controllers[0].drives", for messages.
     std::string at(const char* key) const;
     const std::string& place() const { return place_; }
 
@@ -161,9 +175,10 @@ class Reader {
 
     const Json& node_;
     std::string place_;
-    std::set<std::string> taken_;
+    std::set<std::string> taken_; ///< keys that somebody has asked for
 };
 
+/// Makes JSON from an object, with the member functions of a Reader. A value that is its fallback is left out.
 class Writer {
   public:
     static constexpr bool kReading = false;

@@ -3,19 +3,12 @@
 #include "simulator/background.h"
 #include "simulator/scenario.h"
 
-#include <charconv>
 #include <cstdio>
-#include <cstdlib>
 #include <ctime>
 
 namespace zebsim {
 
 namespace {
-
-std::string variable(const char* name) {
-    const char* value = std::getenv(name);
-    return value == nullptr ? "" : value;
-}
 
 double realClock() {
     timespec now{};
@@ -44,21 +37,6 @@ auto about(const std::string& file, Step step) {
 }
 
 } // namespace
-
-Settings Settings::fromEnvironment() {
-    Settings settings{variable("ZEBSIM_SCENARIO"), variable("ZEBSIM_STATE"), variable("ZEBSIM_FAULTS"), {}};
-    const std::string speed = variable("ZEBSIM_SPEED");
-    if (speed.empty())
-        return settings;
-    double value = -1;
-    const char* const end = speed.data() + speed.size();
-    const auto [stop, error] = std::from_chars(speed.data(), end, value, std::chars_format::fixed);
-    constexpr double kFastest = 1e9;
-    if (error != std::errc{} || stop != end || !(value >= 0 && value <= kFastest))
-        throw ScenarioError("ZEBSIM_SPEED", "give a number from 0 to 1000000000");
-    settings.speed = value;
-    return settings;
-}
 
 Session::Session(const Settings& settings) {
     running_ = settings.speed.has_value() || !settings.state.empty();

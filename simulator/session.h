@@ -3,23 +3,14 @@
 
 #include "simulator/faults.h"
 #include "simulator/model.h"
+#include "simulator/settings.h"
 #include "simulator/state_file.h"
 
 #include <memory>
 
 namespace zebsim {
 
-/// The environment's settings, read when the library is initialised.
-struct Settings {
-    std::string scenario; ///< ZEBSIM_SCENARIO
-    std::string state; ///< ZEBSIM_STATE
-    std::string faults; ///< ZEBSIM_FAULTS
-    std::optional<double> speed; ///< ZEBSIM_SPEED
-
-    /// Throws ScenarioError for a speed that is no number.
-    static Settings fromEnvironment();
-};
-
+/// One run of the library. Time passes in the model as it does on the wall, at the speed that the settings say.
 class Session {
   public:
     /// Loads the state or the scenario. On failure writes one line to standard error and returns null.
@@ -27,6 +18,7 @@ class Session {
 
     Model& model() { return model_; }
     Faults& faults() { return faults_; }
+    /// True when there is a state file, so that changes outlive the run.
     bool keepsState() const { return state_ != nullptr; }
 
     /// Lets the time that has gone by since the last call pass in the model too.

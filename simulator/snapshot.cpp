@@ -34,8 +34,7 @@ std::uint32_t enableSnapshot(Call& call, const _SL_DCMD_INPUT_T& dcmd) {
         return kWrongState;
     ld->snapshotSource = true;
     ++ld->seq;
-    call.changed = true;
-    return kSuccess;
+    return changed(call);
 }
 
 std::uint32_t disableSnapshot(Call& call, const _SL_DCMD_INPUT_T& dcmd) {
@@ -46,8 +45,7 @@ std::uint32_t disableSnapshot(Call& call, const _SL_DCMD_INPUT_T& dcmd) {
         return kWrongState;
     ld->snapshotSource = false;
     ++ld->seq;
-    call.changed = true;
-    return kSuccess;
+    return changed(call);
 }
 
 std::uint32_t changeSnapshot(Call& call, const _SL_DCMD_INPUT_T& dcmd) {

@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
+#include <filesystem>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <system_error>
@@ -53,10 +54,19 @@ std::string folderOf(const std::string& path) {
     return slash == 0 ? "/" : path.substr(0, slash);
 }
 
+/// The path behind symbolic links, so that the file that they lead to is replaced, and not the link.
+std::string behindLinks(std::string path) {
+    constexpr int kMostLinks = 40;
+    std::error_code error;
+    for (int i = 0; i < kMostLinks && std::filesystem::is_symlink(path, error); ++i)
+        path = std::filesystem::path(path).parent_path() / std::filesystem::read_symlink(path, error);
+    return path;
+}
+
 } // namespace
 
 std::optional<std::string> readFile(const std::string& path) {
-    const Descriptor file(path, O_RDONLY);
+    const Descriptor file(path, O_RDONLY | O_NONBLOCK); // a FIFO is refused below, not waited for
     if (file.get() < 0 && errno == ENOENT)
         return std::nullopt;
     struct stat info {};
@@ -78,7 +88,7 @@ std::optional<std::string> readFile(const std::string& path) {
     }
 }
 
-StateFile::StateFile(std::string path) : path_(std::move(path)) {
+StateFile::StateFile(std::string path) : path_(behindLinks(std::move(path))) {
     const std::string name = path_ + ".lock";
     lock_ = ::open(name.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0644);
     if (lock_ < 0)
@@ -103,7 +113,7 @@ std::optional<std::string> StateFile::load() const {
 bool StateFile::save(const std::string& text) const {
     const std::string beside = path_ + ".tmp";
     {
-        const Descriptor file(beside, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW, 0644);
+        const Descriptor file(beside, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_NONBLOCK, 0644);
         if (file.get() < 0 || !writeWhole(file.get(), text) || ::fsync(file.get()) != 0) {
             ::unlink(beside.c_str());
             return false;

@@ -6,9 +6,11 @@
 
 namespace zebsim {
 
+/// A state file under its lock, from construction to destruction.
 class StateFile {
   public:
-    /// Waits for the lock "<path>.lock". Throws ScenarioError when it cannot be taken.
+    /// Follows symbolic links to the file itself, then waits for its lock, "<path>.lock". Throws ScenarioError when it
+    /// cannot be taken.
     explicit StateFile(std::string path);
     ~StateFile();
     StateFile(const StateFile&) = delete;
@@ -20,6 +22,7 @@ class StateFile {
     /// Replaces the file: written beside it, synced, renamed. False on failure; the old file is whole then.
     bool save(const std::string& text) const;
 
+    /// The file itself, behind any symbolic links.
     const std::string& path() const { return path_; }
 
   private:

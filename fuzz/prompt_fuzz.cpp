@@ -1,8 +1,9 @@
-// The questions over arbitrary standard input: every kind, the one for a RAID group, and the whole dialogue of a
-// deletion.
+// The questions over arbitrary standard input: every kind, the one for a RAID group, and the whole dialogues of a
+// deletion and of an easy creation.
 //
 // Input: kind, largest menu number, the LDs that are allowed (none when the first is 0), then what the operator types.
 #include "commands/handlers.h"
+#include "commands/zebcli_cmd_ld/creation/construction.h"
 #include "fuzz/library.h"
 #include "fuzz/support.h"
 #include "main/zebcli_cmd_com/input/prompts.h"
@@ -48,6 +49,19 @@ void deleteLds() {
     CliCmdExecCfgLDDel(static_cast<int>(std::size(words)), argv, snapshot.conts(), snapshot.count());
 }
 
+/// Every drive of the controller looks unconfigured, of one kind, and every level can be built: the menus are long.
+void createLds() {
+    static constexpr std::uint8_t kAllFree[] = {0x02, 0x00, 0xFF, 0, 184, 0, 6, 0, 0, 0, 0, 0, 0, // state, DDF type
+                                                0x02, 0x00, 0xFF, 0, 114, 1, 1, 0}; // media type
+    static char words[][16] = {"zebcli", "-lde"};
+    static char* argv[] = {words[0], words[1], nullptr};
+    for (_configPat_T::Row& row : configPat.row)
+        row = {4, {kRaid0, kRaid5, kRaid1, kRaid10}};
+    fuzz::useLibrary(1, kAllFree);
+    static fuzz::Snapshot snapshot(1);
+    CliCmdExecCfgLDEasyMakeAdd(static_cast<int>(std::size(words)), argv, snapshot.conts(), snapshot.count());
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -71,5 +85,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     askForGroup();
     fuzz::typeAnswers(typed);
     deleteLds();
+    fuzz::typeAnswers(typed);
+    createLds();
     return 0;
 }

@@ -19,6 +19,7 @@ constexpr char kScenario[] = R"({"controllers": [{"id": 3, "maxPds": 16, "cacheB
 constexpr char kCtrl[] = R"("type": 1, "cmd": 0)";
 constexpr char kProperties[] = R"("type": 1, "cmd": 1)";
 constexpr char kPd[] = R"("type": 2, "cmd": 0)";
+constexpr char kPatrolRead[] = R"("type": 1, "cmd": 15)";
 constexpr char kLd[] = R"("type": 3, "cmd": 0)";
 constexpr char kFirstLd[] = R"("type": 3, "cmd": 0, "ref": 0)";
 
@@ -77,6 +78,15 @@ const FreshValues kCases[] = {
      .fields = {R"("rebuildRate": 77)", R"("patrolReadRate": 77)", R"("bgiRate": 77)", R"("ccRate": 77)",
                 R"("reconRate": 77)", R"("cacheFlushInterval": 77)", R"("alarmEnable": 7)", R"("onOff": 35)"},
      .decides = kProperties},
+    {.args = "-ctrlpr -enblman -a0",
+     .record = kPatrolRead,
+     .fields = {R"("maxPds": 7)", R"("nextExecution": 7)", R"("executionFrequency": 3600)", R"("clearFrequency": 7)"},
+     .input = "y\n"},
+    // Read for the plan and for the last look behind the questions; each request takes its numbers from a third
+    // reading.
+    {.args = "-lddel", .record = kFirstLd, .fields = {R"("seqNo": 1)"}, .readings = 2, .input = "0\ny\ny\n"},
+    {.args = "-ldc -r0[:8] -a0", .record = kPd, .fields = {R"("seqNo": 1)"}, .readings = 2, .input = "y\n"},
+    {.args = "-lde", .record = kPd, .fields = {R"("seqNo": 1)"}, .readings = 2, .input = "1\n1\ny\n"},
 };
 
 class FreshValuesTest : public OperationTest, public testing::WithParamInterface<FreshValues> {

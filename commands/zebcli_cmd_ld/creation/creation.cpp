@@ -3,12 +3,10 @@
 #include "commands/configuration_change.h"
 #include "commands/zebcli_cmd_ld/ld_targets.h"
 #include "log/zebcli_log.h"
-#include "main/zebcli_cmd_com/base/string_shims.h"
 #include "main/zebcli_cmd_com/text/number_list.h"
 #include "storelib/status_text.h"
 
 #include <algorithm>
-#include <array>
 #include <string_view>
 
 namespace {
@@ -53,10 +51,7 @@ bool hasDrivesOf(Controller ctrl, unsigned char ldNo, const PlannedArray& group)
 }
 
 bool showSameCapacity(std::uint64_t a, std::uint64_t b) {
-    std::array<char[32], 2> shown;
-    wsprintf(shown[0], "%0.3f", blocksToGb(a));
-    wsprintf(shown[1], "%0.3f", blocksToGb(b));
-    return std::string_view(shown[0]) == shown[1];
+    return std::string_view(gbText(a).c_str()) == gbText(b).c_str();
 }
 
 bool isAsPlanned(Controller ctrl, unsigned char ldNo, const PlannedArray& group, const PlannedLd& planned) {

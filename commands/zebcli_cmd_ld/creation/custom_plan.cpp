@@ -4,7 +4,6 @@
 #include "commands/zebcli_cmd_ld/creation/rules.h"
 #include "commands/zebcli_cmd_ld/ld_targets.h"
 #include "log/zebcli_log.h"
-#include "main/zebcli_cmd_com/base/string_shims.h"
 #include "main/zebcli_cmd_com/model/lookup.h"
 #include "main/zebcli_cmd_com/text/vocabulary.h"
 #include "storelib/records/status.h"
@@ -59,10 +58,9 @@ bool layOut(const Check& check, PlannedArray& group, const FreeSegments& segment
     left = segments;
     if (placeLds(group, check.request.sizes, left))
         return true;
-    char capacity[32];
-    wsprintf(capacity, "%0.3f", blocksToGb(capacityOf(group, segments)));
     CliLogging(kPrintAndLog, kLdSource, __LINE__,
-               "Error - Controller[%d] The specified size is over the free space(%s GB).", check.ctrl.contNo, capacity);
+               "Error - Controller[%d] The specified size is over the free space(%s GB).", check.ctrl.contNo,
+               gbText(capacityOf(group, segments)).c_str());
     return false;
 }
 

@@ -45,7 +45,7 @@ CapacityText capacityText(Controller ctrl, ZEB_RAID_LVL level, std::span<const s
     for (const std::uint8_t slotNo : slots)
         sizes.add(ctrl.pd(slotNo).coercedSize);
     CapacityText capacity{};
-    wsprintf(capacity.text, "%0.3f", blocksToGb(GetLDCapaciity(sizes.list(), level, ctrl.contNo)));
+    wsprintf(capacity.text, "%s", gbText(GetLDCapaciity(sizes.list(), level, ctrl.contNo)).c_str());
     return capacity;
 }
 

@@ -53,13 +53,13 @@ void showSettings(const PlannedArray& group) {
 void showGroup(const CreationPlan& plan, const PlannedArray& group, std::uint64_t freeSpace) {
     const Controller ctrl = plan.ctrl;
     for (const PlannedLd& ld : ldsOf(group))
-        CliLogging(kPrintAndLog, kLdSource, __LINE__, ">LD%u (%s, %0.3fGB, %s)", ld.ldNo, fieldText(ld.name).c_str(),
-                   blocksToGb(ld.size), shownLevel(group.level, group.cacheCade != 0, ctrl.contNo));
+        CliLogging(kPrintAndLog, kLdSource, __LINE__, ">LD%u (%s, %sGB, %s)", ld.ldNo, fieldText(ld.name).c_str(),
+                   gbText(ld.size).c_str(), shownLevel(group.level, group.cacheCade != 0, ctrl.contNo));
     if (plan.inFreeSpace)
         showField("RG No.", groupName(plan).text);
     showField("PD No.", drivesOf(ctrl, group).text);
     showSettings(group);
-    CliLogging(kPrintAndLog, kLdSource, __LINE__, "  Free Space     : %0.3fGB", blocksToGb(freeSpace));
+    CliLogging(kPrintAndLog, kLdSource, __LINE__, "  Free Space     : %sGB", gbText(freeSpace).c_str());
 }
 
 void warnOfDrive(Controller ctrl, unsigned char slotNo) {
@@ -84,8 +84,8 @@ void showPlan(const CreationPlan& plan) {
     for (std::size_t g = 0; g < groups.size(); ++g)
         showGroup(plan, groups[g], plan.freeSpace[g]);
     for (const SeenDrive& spare : plan.spares)
-        CliLogging(kPrintAndLog, kLdSource, __LINE__, ">PD%u (GHS, %0.3fGB)", spare.slotNo,
-                   blocksToGb(spare.coercedSize));
+        CliLogging(kPrintAndLog, kLdSource, __LINE__, ">PD%u (GHS, %sGB)", spare.slotNo,
+                   gbText(spare.coercedSize).c_str());
 }
 
 void warnOfDrives(const CreationPlan& plan) {

@@ -2,9 +2,12 @@
 #include "tests/support/creation_case.h"
 
 #include <algorithm>
+#include <array>
+#include <csignal>
 #include <filesystem>
 
 #include "tests/support/expected.h"
+#include "tests/support/paths.h"
 
 namespace zebtest {
 namespace {
@@ -40,6 +43,14 @@ class CreationChanges : public OperationTest {
         return box.run(options);
     }
     std::filesystem::path state() const { return box.root() / "state.json"; }
+    /// How many LDs that creation has named are in the state.
+    unsigned ldsInState() const {
+        const std::string text = std::filesystem::exists(state()) ? readFile(state()) : "";
+        unsigned count = 0;
+        for (std::size_t at = text.find("\"LD_"); at != std::string::npos; at = text.find("\"LD_", at + 1))
+            ++count;
+        return count;
+    }
     static bool changes(const RunResult& result) {
         for (const TracedRequest& request : parseTrace(result.trace))
             if ((request.header.cmdType == 0x02 && request.header.cmd != 0x00) ||
@@ -250,13 +261,6 @@ TEST_F(CreationChanges, SecondLdInBothSpansOfARaid10) {
 }
 
 TEST_F(CreationChanges, FailureAtAnyRequestLeavesAllOrNothing) {
-    const auto ldsInState = [&] {
-        const std::string text = std::filesystem::exists(state()) ? readFile(state()) : "";
-        unsigned count = 0;
-        for (std::size_t at = text.find("\"LD_"); at != std::string::npos; at = text.find("\"LD_", at + 1))
-            ++count;
-        return count;
-    };
     const std::string clean = run("-ldc -r1[:3,:4] -sz1 -sz2 -a0", "y\n", "").trace;
     EXPECT_EQ(2U, ldsInState());
     const std::size_t requests = parseTrace(clean).size();
@@ -275,6 +279,35 @@ TEST_F(CreationChanges, FailureAtAnyRequestLeavesAllOrNothing) {
         all |= lds == 2;
     }
     EXPECT_TRUE(nothing && all);
+}
+
+/// What kills at a byte of the log does not go together with the sanitizers, so the release build is what is killed.
+TEST_F(CreationChanges, ARunKilledWhileItLogsLeavesAllOrNothing) {
+    if (*paths::releaseZebcli == '\0')
+        GTEST_SKIP() << "no release build was named (ZEB_RELEASE_BUILD)";
+    constexpr std::size_t kStride = 977; // bytes; meets every record, which fills a line and a marker, over the run
+    auto options = optionsFor(kTwo, "-ldc -r1[:3,:4] -sz1 -sz2 -a0");
+    options.program = paths::releaseZebcli;
+    options.libraryDir = paths::releaseLibraryDir;
+    options.input = Input::kPipe;
+    options.inputText = "y\n";
+    options.env["ZEBSIM_STATE"] = state();
+    options.env["LD_PRELOAD"] = paths::failingCalls;
+    options.env["ZEB_FAIL_CALL"] = "killed";
+    options.env["ZEB_FAIL_MARK"] = box.root() / "killed";
+    std::array<unsigned, 3> met{};
+    for (std::size_t at = 1;; at += kStride) {
+        std::filesystem::remove(state());
+        std::filesystem::remove(box.log());
+        options.env["ZEB_FAIL_AT"] = std::to_string(at);
+        const auto result = box.run(options);
+        if (result.signal == 0)
+            break;
+        ASSERT_EQ(SIGKILL, result.signal);
+        ASSERT_TRUE(ldsInState() == 0 || ldsInState() == 2) << at;
+        ++met[ldsInState()];
+    }
+    EXPECT_TRUE(met[0] > 0 && met[2] > 0) << met[0] << " and " << met[2];
 }
 
 } // namespace

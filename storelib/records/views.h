@@ -51,6 +51,16 @@ inline std::span<const _MR_IMAGE_COMPONENT> imagesOf(const _MR_CTRL_INFO& info) 
     return firstOf(info.imageComponent, info.imageComponentCount);
 }
 
+/// The images that are flashed and run after the next start.
+inline std::span<const _MR_IMAGE_COMPONENT> pendingImagesOf(const _MR_CTRL_INFO& info) {
+    return firstOf(info.pendingImageComponent, info.pendingImageComponentCount);
+}
+
+/// The SAS addresses of the ports to devices, those of unused ones included.
+inline Numbers<std::uint64_t, 8> devicePortAddressesOf(const _MR_CTRL_INFO& info) {
+    return {&info.devicePortAddr, std::size(info.devicePortAddr)};
+}
+
 inline std::span<const _SL_LD_OS_MAP_ENTRY> entriesOf(const _SL_LD_OS_MAP_T& map) {
     return firstOf(map.entry, map.count);
 }

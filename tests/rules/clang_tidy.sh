@@ -6,6 +6,6 @@ command -v clang-tidy >/dev/null || { echo "left out: clang-tidy is not installe
 # One file at a time: the analyzer mistakes va_lists when it is given several. It looks into calls only so far as its
 # shallow mode does, which takes a third of the time.
 shallow=(--extra-arg=-Xclang --extra-arg=-analyzer-config --extra-arg=-Xclang --extra-arg=mode=shallow)
-find main commands log console storelib -name '*.cpp' -print0 |
+find main commands log console storelib facts zebstat -name '*.cpp' -print0 |
   xargs -0 -n 1 -P 2 clang-tidy -p "$1" --quiet "${shallow[@]}" 2>&1 | grep -v "warnings generated"
 exit "${PIPESTATUS[1]}"

@@ -3,7 +3,7 @@
 set -u
 cd "$(dirname "$0")/../.." || exit 2
 
-tool=(main commands log console storelib)
+tool=(main commands log console storelib facts zebstat)
 found=0
 
 # rule MESSAGE PATTERN [allowed file ...]: the pattern may stand in no source of the tool but the allowed ones.
@@ -30,19 +30,19 @@ rule 'Another call of the library'"'"'s entry point; send through request_path' 
   storelib/dll_mod.cpp storelib/dll_mod.h storelib/common/StoreLib/request_path.cpp \
   storelib/common/StoreLib/controller.cpp storelib/common/StoreLib/passthrough.cpp
 rule 'Terminal mode outside its owners; ask through the dialogue' '(^|[^[:alnum:]_])tc[gs]etattr\(' \
-  main/terminal.cpp console/xltcli_kbhit.cpp
+  main/terminal.cpp console/xltcli_kbhit.cpp zebstat/terminal.cpp
 rule 'Reading standard input outside the dialogue; use Answer' '(^|[^[:alnum:]_])stdin([^[:alnum:]_]|$)' $com/input/dialogue.cpp
 rule 'File locks belong to the command log' '(^|[^[:alnum:]_])flock\(' log/raidctl.cpp
 rule 'An offset into a record outside its declaration' 'offsetof' storelib/records/wire_record.h
 views='A raw count of a wire table; walk the table through its view'
 rule "$views" '(\.|->)(spanDepth|pathCount|(image|pendingImage)ComponentCount|freeCount|spareCount|pdCount|ldCount|arrayCount)( *[^ =a-zA-Z]| *==|$)' \
-  storelib/records/views.h storelib/common/StoreLib/configuration_write.h 'commands/zebcli_cmd_ld/creation/[^:]*'
+  storelib/records/views.h storelib/common/StoreLib/configuration_write.h 'commands/zebcli_cmd_ld/creation/[^:]*' facts/collect_lds.cpp
 rule "$views" 'min[^;]*(\.|->)(count|numDrives)([^a-zA-Z]|$)|(\.|->)(count|numDrives)([^a-zA-Z][^;]*)?; *\+\+' \
   storelib/records/views.h $com/model/lookup.cpp 'commands/zebcli_cmd_ld/creation/[^:]*'
 rule 'A label with blanks counted by hand; use report.field("Label", ...), which knows the column' \
   'report\.[a-z]+\("([^"]*  +|%s *): '
 rule 'Memory from new; use a standard container or a block with a deleter' '(^|[^[:alnum:]_])new [A-Za-z_]'
-rule 'An exception; return a code' '(^|[^[:alnum:]_])(throw|catch|try)([^[:alnum:]_]|$)'
+rule 'An exception; return a code' '(^|[^[:alnum:]_])(throw|catch|try)([^[:alnum:]_]|$)' zebstat/options.cpp
 
 layers() {
   local message=$1 folder=$2 pattern=$3 hits
@@ -51,9 +51,12 @@ layers() {
   found=1
   printf '%s:\n%s\n\n' "$message" "$hits"
 }
-layers 'log/ knows nothing of the other parts' log 'main|commands|storelib|console|simulator'
-layers 'storelib/ knows only log/' storelib 'main|commands|console|simulator'
-layers 'The shared helpers know no command' main/zebcli_cmd_com 'commands|simulator'
+layers 'log/ knows nothing of the other parts' log 'main|commands|storelib|console|facts|zebstat|simulator'
+layers 'storelib/ knows only log/' storelib 'main|commands|console|facts|zebstat|simulator'
+layers 'The shared helpers know no command' main/zebcli_cmd_com 'commands|facts|zebstat|simulator'
+layers 'facts/ knows the shared helpers and storelib/' facts 'main/[^z]|commands|console|zebstat|simulator'
+layers 'zebstat/ knows facts/ and what that knows' zebstat 'main/(terminal|command_table)|commands|console|simulator'
+layers 'zebcli knows nothing of its companion' commands 'facts|zebstat'
 layers 'Of the rooms input, text, model, base each knows only those behind it' $com/base "$com/(input|text|model)"
 layers 'Of the rooms input, text, model, base each knows only those behind it' $com/model "$com/(input|text)"
 layers 'Of the rooms input, text, model, base each knows only those behind it' $com/text "$com/input"

@@ -3,6 +3,9 @@
 namespace paths {
 
 const char* const zebcli = ZEB_ZEBCLI;
+const char* const zebstat = ZEB_ZEBSTAT;
+const char* const zebstatSchema = ZEB_SOURCE_DIR "/share/zebstat/zebstat.schema.json";
+const char* const zebstatExpectedDir = ZEB_SOURCE_DIR "/tests/zebstat/expected";
 const char* const libraryDir = ZEB_LIBRARY_DIR;
 const char* const expectedDir = ZEB_EXPECTED_DIR;
 const char* const sourceDir = ZEB_SOURCE_DIR;
@@ -12,9 +15,11 @@ const char* const libNoEntryDir = ZEB_LIB_NO_ENTRY;
 const char* const failingCalls = ZEB_FAILING_CALLS;
 #ifdef ZEB_RELEASE_DIR
 const char* const releaseZebcli = ZEB_RELEASE_DIR "/zebcli";
+const char* const releaseZebstat = ZEB_RELEASE_DIR "/zebstat/zebstat";
 const char* const releaseLibraryDir = ZEB_RELEASE_DIR "/simulator";
 #else
 const char* const releaseZebcli = "";
+const char* const releaseZebstat = "";
 const char* const releaseLibraryDir = "";
 #endif
 

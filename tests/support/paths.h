@@ -5,6 +5,9 @@
 namespace paths {
 
 extern const char* const zebcli;
+extern const char* const zebstat;
+extern const char* const zebstatSchema; ///< as it is shipped
+extern const char* const zebstatExpectedDir;
 extern const char* const libraryDir; ///< of the simulated library
 extern const char* const sourceDir; ///< of the whole project
 extern const char* const expectedDir;
@@ -13,6 +16,7 @@ extern const char* const patternFile; ///< as it is shipped
 extern const char* const libNoEntryDir; ///< of a library without the entry point
 extern const char* const failingCalls; ///< preloaded to let calls of the C library fail
 extern const char* const releaseZebcli; ///< of a release build; empty where there is none
+extern const char* const releaseZebstat;
 extern const char* const releaseLibraryDir;
 
 } // namespace paths

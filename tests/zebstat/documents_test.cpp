@@ -1,0 +1,237 @@
+// The document: of every scenario held, key by key, against what the scenario file says; of every request failing in
+// turn against the schema.
+#include "tests/support/expected.h"
+#include "tests/support/trace.h"
+#include "tests/zebstat/zebstat_run.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstring>
+#include <set>
+
+namespace fs = std::filesystem;
+
+namespace zebtest {
+namespace {
+
+/// What may be sent: reading requests, initialisation and exit. Of the pass-throughs a controller command is told by
+/// its opcode, a SCSI command by the first byte of its CDB.
+const std::set<std::array<std::uint32_t, 3>> kMayBeSent{
+    {0x00, 0x00, 0},          {0x00, 0x04, 0},          {0x00, 0x08, 0},          {0x00, 0x09, 0},    {0x01, 0x00, 0},
+    {0x01, 0x01, 0},          {0x01, 0x04, 0},          {0x01, 0x05, 0},          {0x01, 0x0B, 0},    {0x01, 0x0C, 0},
+    {0x01, 0x0D, 0},          {0x01, 0x0F, 0},          {0x01, 0x13, 0},          {0x02, 0x00, 0},    {0x03, 0x00, 0},
+    {0x04, 0x00, 0},          {0x04, 0x08, 0},          {0x05, 0x00, 0},          {0x05, 0x02, 0},    {0x05, 0x04, 0},
+    {0x06, 0x03, 0x01080201}, {0x06, 0x03, 0x010E0201}, {0x06, 0x03, 0x07030000}, {0x06, 0x00, 0x4D}, {0x08, 0x00, 0},
+    {0x08, 0x05, 0}};
+
+std::array<std::uint32_t, 3> codeOf(const TracedRequest& request) {
+    constexpr std::size_t kOpcodeAt = 4;
+    constexpr std::size_t kCdbAt = 12;
+    std::uint32_t further = 0;
+    if (request.type == 0x06 && request.cmd == 0x03)
+        std::memcpy(&further, request.out.data() + kOpcodeAt, sizeof further);
+    else if (request.type == 0x06)
+        further = request.out.at(kCdbAt);
+    return {request.type, request.cmd, further};
+}
+
+/// Nothing but reading requests, and no two alike.
+void checkRequests(const std::string& trace) {
+    std::set<std::pair<std::array<std::uint8_t, 32>, std::vector<std::uint8_t>>> seen;
+    for (const TracedRequest& request : parseTrace(trace)) {
+        EXPECT_TRUE(kMayBeSent.contains(codeOf(request))) << request.brief();
+        EXPECT_TRUE(seen.emplace(request.header, request.out).second) << "asked twice: " << request.brief();
+    }
+}
+
+/// The findings without their texts, which must be sentences about the right controller; the worst must stand first.
+Json findingsWithoutTexts(const Json& findings) {
+    Json bare = findings;
+    bool warned = false;
+    for (Json& finding : bare) {
+        const std::string text = finding["text"];
+        if (finding["controller"].is_number())
+            EXPECT_TRUE(text.starts_with("controller " + finding["controller"].dump() + ": ")) << text;
+        EXPECT_FALSE(warned && finding["severity"] == "critical") << text;
+        warned = warned || finding["severity"] == "warning";
+        finding.erase("text");
+    }
+    return bare;
+}
+
+int statusFor(const Json& document) {
+    if (document["health"] == "critical")
+        return 2;
+    return !document["complete"].get<bool>() ? 4 : document["health"] == "warning" ? 1 : 0;
+}
+
+/// The differences as a list that a person can read.
+std::string differences(const Json& got, const Json& wanted) {
+    std::string text;
+    for (const Json& change : Json::diff(got, wanted)) {
+        const Json::json_pointer at(change["path"].get<std::string>());
+        text += change["path"].get<std::string>() + ": " + (got.contains(at) ? got[at].dump() : "nothing") +
+                ", wanted " + change.value("value", Json("nothing")).dump() + "\n";
+    }
+    return text;
+}
+
+class Documents : public SandboxTest, public testing::WithParamInterface<std::string> {};
+
+TEST_P(Documents, TellWhatTheScenarioSays) {
+    RunOptions options = zebstatRun("json", GetParam());
+    options.trace = true;
+    const RunResult result = box.run(options);
+    if (!isServed(GetParam())) {
+        EXPECT_EQ(result.exitStatus, 3) << result;
+        EXPECT_EQ(result.out, "");
+        EXPECT_TRUE(result.err.starts_with("zebstat: ")) << result.err;
+        return;
+    }
+    EXPECT_EQ(result.err, "");
+    const Json document = Json::parse(result.out);
+    const Json wanted = expectedDocument(GetParam());
+    EXPECT_EQ(differences(document["controllers"], wanted["controllers"]), "");
+    EXPECT_EQ(differences(document["errors"], wanted["errors"]), "");
+    const Json findings = findingsWithoutTexts(document["findings"]);
+    EXPECT_THAT(std::vector<Json>(findings.begin(), findings.end()),
+                testing::UnorderedElementsAreArray(wanted["findings"].begin(), wanted["findings"].end()));
+    EXPECT_EQ(document["complete"].get<bool>(), wanted["errors"].empty());
+    EXPECT_EQ(document["health"], findings.empty() ? Json("ok") : findings[0]["severity"]);
+    EXPECT_EQ(result.exitStatus, statusFor(document)) << result;
+    checkRequests(result.trace);
+    EXPECT_FALSE(fs::exists(box.log())) << "a command log was opened";
+}
+
+INSTANTIATE_TEST_SUITE_P(Scenarios, Documents, testing::ValuesIn(scenarioNames()),
+                         [](const auto& scenario) { return scenario.param; });
+
+class DocumentForm : public SandboxTest {};
+
+TEST_F(DocumentForm, IsAsKept) {
+    for (const std::string scenario : {"built_in", "maximum_fill"}) {
+        const RunResult result = box.run(zebstatRun("json --pretty", scenario));
+        const std::string text = masked(result.out, {{R"("host": \{[^}]*\})", R"("host": {})"}});
+        EXPECT_TRUE(matchesFile(fs::path(paths::zebstatExpectedDir) / (scenario + ".json"), text));
+        const RunResult plain = box.run(zebstatRun("json", scenario));
+        EXPECT_EQ(std::ranges::count(plain.out, '\n'), 1);
+    }
+}
+
+/// Runs a program of the system over the folder of documents.
+void expectAccepted(Sandbox& box, const std::string& program, std::vector<std::string> args) {
+    RunOptions options;
+    options.program = program;
+    options.args = std::move(args);
+    options.argv0 = program;
+    options.timeLimit = std::chrono::minutes(2);
+    const RunResult result = box.run(options);
+    EXPECT_EQ(result.exitStatus, 0) << result.out.substr(0, 4000) << result.err.substr(0, 4000);
+}
+
+TEST_F(DocumentForm, HoldsForEveryScenarioAndEveryRequestThatFails) {
+    if (!fs::exists("/usr/bin/jq") || !fs::exists("/usr/lib/python3/dist-packages/jsonschema"))
+        GTEST_SKIP() << "jq and python3-jsonschema are not installed";
+    const fs::path folder = box.root() / "documents";
+    std::vector<std::string> files;
+    const auto keep = [&](const std::string& name, const std::string& text) {
+        files.push_back(folder / (name + ".json"));
+        writeFile(files.back(), text);
+    };
+    for (const std::string& scenario : scenarioNames())
+        if (isServed(scenario)) {
+            keep(scenario, box.run(zebstatRun("json", scenario)).out);
+            keep(scenario + "_redacted", box.run(zebstatRun("json --redact", scenario)).out);
+        }
+    RunOptions clean = zebstatRun("json");
+    clean.trace = true;
+    const RunResult whole = box.run(clean);
+    const auto requests = parseTrace(whole.trace);
+    for (std::size_t n = 2; n < requests.size(); ++n) { // all but initialisation and exit
+        SCOPED_TRACE("request " + std::to_string(n) + ": " + requests[n - 1].brief());
+        RunOptions failing = zebstatRun("json");
+        failing.env["ZEBSIM_FAULTS"] = R"([{"nth": )" + std::to_string(n) + R"(, "status": "0x04"}])";
+        const RunResult result = box.run(failing);
+        const Json document = Json::parse(result.out);
+        EXPECT_EQ(result.exitStatus, 2) << result; // as in the clean run
+        EXPECT_EQ(document["complete"], false);
+        ASSERT_EQ(document["errors"].size(), 1U) << document["errors"];
+        EXPECT_EQ(document["errors"][0]["status"], 4);
+        EXPECT_EQ(document["controllers"].size(), 2U);
+        keep("failing_" + std::to_string(n), result.out);
+    }
+    EXPECT_GT(requests.size(), 80U);
+    std::vector<std::string> args{std::string(paths::zebstatExpectedDir) + "/../validate.py", paths::zebstatSchema};
+    args.insert(args.end(), files.begin(), files.end());
+    expectAccepted(box, "/usr/bin/python3", args);
+    args = files;
+    args.insert(args.begin(), "empty");
+    expectAccepted(box, "/usr/bin/jq", args);
+    EXPECT_EQ(box.run(zebstatRun("schema")).out, readFile(paths::zebstatSchema));
+}
+
+/// A request that fails marks its object and takes nothing else away.
+TEST_F(DocumentForm, AFailureIsMarkedWhereItBelongs) {
+    const struct {
+        const char* fault;
+        const char* object; ///< pointer to what carries the error; empty: nothing does
+        std::vector<const char*> lost; ///< what is null because of it
+        const char* finding;
+    } cases[] = {
+        {R"("type":1,"cmd":0,"ctrl":2)",
+         "/controllers/0",
+         {"/controllers/0/pci", "/controllers/0/physical_drives"},
+         "controller_unreadable"},
+        {R"("type":1,"cmd":11,"ctrl":2)", "", {"/controllers/0/pci/address"}, "unreadable"},
+        {R"("type":1,"cmd":4,"ctrl":2)", "", {"/controllers/0/physical_drives"}, "unreadable"},
+        {R"("type":1,"cmd":13,"ctrl":2)", "", {"/controllers/0/logical_drives"}, "unreadable"},
+        {R"("type":4,"cmd":0,"ctrl":2)",
+         "",
+         {"/controllers/0/raid_groups", "/controllers/0/logical_drives/0/raid_group"},
+         "unreadable"},
+        {R"("type":2,"cmd":0,"ctrl":2,"ref":9)",
+         "/controllers/0/physical_drives/1",
+         {"/controllers/0/physical_drives/1/state"},
+         "unreadable"},
+        {R"("type":3,"cmd":0,"ctrl":2,"ref":1)",
+         "/controllers/0/logical_drives/1",
+         {"/controllers/0/logical_drives/1/write_policy"},
+         "unreadable"},
+        {R"("type":4,"cmd":8,"ctrl":2,"ref":1)", "", {"/controllers/0/raid_groups/1/free_segments"}, "unreadable"},
+        {R"("type":5,"cmd":2)", "/controllers/0/cache_backup", {"/controllers/0/cache_backup/serial"}, "unreadable"},
+        {R"("type":8,"cmd":0)",
+         "/controllers/0/enclosures/0",
+         {"/controllers/0/enclosures/0/vendor"},
+         "enclosure_unreadable"},
+        {R"("type":0,"cmd":4)", "", {"/program/library_version"}, "unreadable"}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.fault);
+        RunOptions options = zebstatRun("json");
+        options.env["ZEBSIM_FAULTS"] = "[{" + std::string(c.fault) + R"(,"status":"0x32"}])";
+        const Json document = Json::parse(box.run(options).out);
+        const Json failure{{"status", 0x32}, {"text", "command issues while FW in wrong state"}};
+        if (*c.object != '\0')
+            EXPECT_EQ(document[Json::json_pointer(c.object)]["error"], failure);
+        for (const char* lost : c.lost)
+            EXPECT_TRUE(document[Json::json_pointer(lost)].is_null()) << lost;
+        EXPECT_EQ(document["errors"].size(), 1U);
+        EXPECT_TRUE(std::ranges::any_of(document["findings"], [&](const Json& finding) {
+            return finding["code"] == c.finding;
+        })) << document["findings"];
+    }
+}
+
+/// A drive that refuses a page tells no temperature; that is no error.
+TEST_F(DocumentForm, ADriveMayRefuseItsLogPages) {
+    RunOptions options = zebstatRun("json");
+    options.env["ZEBSIM_FAULTS"] = R"([{"type":6,"cmd":0,"status":"0x2D"}])";
+    const Json document = Json::parse(box.run(options).out);
+    EXPECT_EQ(document["errors"], Json::array());
+    for (const Json& drive : document["controllers"][0]["physical_drives"])
+        EXPECT_TRUE(drive["temperature_celsius"].is_null());
+}
+
+} // namespace
+} // namespace zebtest

@@ -1,0 +1,90 @@
+#include "zebstat/run.h"
+
+#include "zebstat/check_line.h"
+#include "zebstat/deadline.h"
+#include "zebstat/json.h"
+#include "zebstat/library.h"
+#include "zebstat/metrics.h"
+#include "zebstat/output.h"
+#include "zebstat/redact.h"
+#include "zebstat/schema.h"
+
+#include <sstream>
+
+namespace zebstat {
+
+namespace {
+
+std::string timeoutSentence(Seconds limit) {
+    std::ostringstream text;
+    text << "the library did not answer within " << limit.count() << " s; look after it, or give a longer --timeout";
+    return text.str();
+}
+
+} // namespace
+
+int untold(Command command, const std::string& reason) {
+    if (command == Command::Check)
+        writeOutput(unknownLine(reason));
+    else
+        complain(reason);
+    return kUntold;
+}
+
+Collected collectNow(const Options& options, facts::Scope scope, const std::function<void()>& lastWords) {
+    const Deadline deadline(options.timeout, [&options, &lastWords] {
+        if (lastWords)
+            lastWords();
+        untold(options.command, timeoutSentence(options.timeout));
+    });
+    Collected collected;
+    const Library library(options.controllers);
+    collected.problem = library.problem();
+    if (collected.problem.empty())
+        collected.collection = facts::collect(library.controllers(), scope);
+    return collected;
+}
+
+int runJson(const Options& options) {
+    Collected collected = collectNow(options, facts::Scope::Everything);
+    if (!collected.collection)
+        return untold(options.command, collected.problem);
+    facts::Collection& collection = *collected.collection;
+    if (options.redact)
+        redact(collection, findingsOf(collection));
+    const auto findings = findingsOf(collection);
+    return writeOutput(jsonDocument(collection, findings, options.pretty)) ? statusOf(collection, findings) : kUntold;
+}
+
+int runMetrics(const Options& options) {
+    const Collected collected = collectNow(options, facts::Scope::Everything);
+    if (!collected.collection)
+        return untold(options.command, collected.problem);
+    const auto findings = findingsOf(*collected.collection);
+    const std::string text = metricsText(*collected.collection, findings);
+    if (!options.output.empty()) {
+        if (const std::string problem = replaceFile(options.output, text); !problem.empty())
+            return untold(options.command, problem);
+    } else if (!writeOutput(text)) {
+        return kUntold;
+    }
+    return statusOf(*collected.collection, findings);
+}
+
+int runCheck(const Options& options) {
+    const Collected collected = collectNow(options, facts::Scope::Everything);
+    if (!collected.collection)
+        return untold(options.command, collected.problem);
+    const auto findings = findingsOf(*collected.collection, options.thresholds);
+    if (!writeOutput(checkLine(*collected.collection, findings, options.thresholds)))
+        return kUntold;
+    if (findings.empty())
+        return kDone;
+    return countOf(findings, facts::Severity::Critical) != 0 ? kCritical : kWarning;
+}
+
+int runSchema() {
+    return writeOutput(kSchema) ? kDone : kUntold;
+}
+
+} // namespace zebstat

@@ -1,0 +1,59 @@
+// The companion of zebcli: the same facts for programs and for eyes. It sends reading requests only and opens no
+// command log.
+#include "main/process_setup.h"
+#include "zebstat/check_line.h"
+#include "zebstat/library.h"
+#include "zebstat/output.h"
+#include "zebstat/run.h"
+
+#include <new>
+#include <unistd.h>
+
+namespace {
+
+using namespace zebstat;
+
+[[noreturn]] void endWithoutMemory() {
+    constexpr char kWords[] = "zebstat: no memory is left\n";
+    [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, kWords, sizeof kWords - 1);
+    _exit(kUntold);
+}
+
+int run(const Options& options) {
+    switch (options.command) {
+    case Command::Json:
+        return runJson(options);
+    case Command::Metrics:
+        return runMetrics(options);
+    case Command::Check:
+        return runCheck(options);
+    case Command::Wait:
+        return runWait(options);
+    case Command::Watch:
+        return runWatch(options);
+    case Command::Schema:
+        return runSchema();
+    }
+    return kUntold;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    occupyStandardDescriptors();
+    surviveWriteSignals();
+    std::set_new_handler(endWithoutMemory);
+
+    const Reading reading = readOptions(argc, argv);
+    if (!reading.answer.empty())
+        return writeOutput(reading.answer) ? kDone : kUntold;
+    if (!reading.options) {
+        complain(reading.complaint);
+        if (reading.forCheck)
+            writeOutput(unknownLine(reading.complaint));
+        return kUntold;
+    }
+    if (reading.options->command != Command::Schema && geteuid() != 0)
+        return untold(reading.options->command, "only root can ask the controllers; run it as root");
+    return run(*reading.options);
+}

@@ -70,7 +70,7 @@ std::string spokenDuration(std::uint32_t seconds) {
     constexpr std::uint32_t kMinute = 60;
     constexpr std::uint32_t kHour = 3600;
     if (seconds < kMinute)
-        return "less than a minute";
+        return "under a minute";
     const std::uint32_t minutes = (seconds + kMinute / 2) / kMinute;
     if (minutes < 90)
         return "about " + std::to_string(minutes) + " min";

@@ -39,7 +39,7 @@ std::size_t countOf(const std::vector<Finding>& findings, Severity severity);
 /// "ok", or the worst severity.
 std::string_view healthOf(const std::vector<Finding>& findings);
 
-/// A duration as a person says it: "about 2 h", "about 12 min", "less than a minute".
+/// A duration as a person says it: "about 2 h", "about 12 min", "under a minute".
 std::string spokenDuration(std::uint32_t seconds);
 
 } // namespace facts

@@ -1,4 +1,4 @@
-# The Debian packages: "cpack" in the build folder makes both.
+# The Debian packages: "cpack" in the build folder makes them all.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME zebcli)
 set(CPACK_PACKAGE_VENDOR "QUORVEL, Ltd.")
@@ -11,7 +11,7 @@ set(CPACK_PROJECT_CONFIG_FILE ${CMAKE_CURRENT_SOURCE_DIR}/ZebPackageTime.cmake)
 set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_SOURCE_DIR}/ZebPackageFolders.cmake)
 
 set(CPACK_DEB_COMPONENT_INSTALL ON)
-set(CPACK_COMPONENTS_ALL tool simulator)
+set(CPACK_COMPONENTS_ALL tool companion simulator)
 set(CPACK_COMPONENTS_GROUPING IGNORE)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
@@ -29,6 +29,14 @@ set(CPACK_COMPONENT_TOOL_DESCRIPTION "command-line tool for hardware RAID contro
 zebcli reports the state of RAID controllers, logical and physical drives,
 enclosures and cache backup units, and changes it. It needs the controller
 maker's StoreLib library, libstorelib.so, which is not part of this package.")
+
+set(CPACK_DEBIAN_COMPANION_PACKAGE_NAME zebstat)
+set(CPACK_DEBIAN_COMPANION_PACKAGE_SUGGESTS "zebcli, jq, prometheus-node-exporter")
+set(CPACK_COMPONENT_COMPANION_DESCRIPTION "facts about hardware RAID controllers, for programs
+zebstat tells the state of RAID controllers as JSON with a schema, as metrics,
+as the line of a monitoring plugin, and as progress bars, and waits for
+background work. It changes nothing. It needs the controller maker's StoreLib
+library, libstorelib.so, which is not part of this package.")
 
 set(CPACK_DEBIAN_SIMULATOR_PACKAGE_NAME zebcli-simulator)
 set(CPACK_DEBIAN_SIMULATOR_PACKAGE_DEPENDS "zebcli (>= ${PROJECT_VERSION})")

@@ -226,13 +226,15 @@ void addAll(CLI::App& app, Options& options, Seconds& longest) {
 }
 
 /// One line that names what is wrong and the mend.
-std::string complaintOf(const CLI::ParseError& error) {
+std::string complaintOf(const CLI::App& app, const CLI::ParseError& error) {
+    const auto unknown = app.remaining();
+    if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr && app.get_subcommands().empty())
+        return unknown.empty()
+                   ? "a command is missing; give json, metrics, check, wait, watch or schema"
+                   : "'" + unknown.front() + "' is no command; give json, metrics, check, wait, watch or schema";
     std::string text = error.what();
     std::ranges::replace(text, '\n', ' ');
-    if (error.get_name() == "ExtrasError" || error.get_name() == "RequiredError" ||
-        error.get_name() == "ArgumentMismatch" || error.get_name() == "ExcludesError")
-        text += "; see zebstat --help";
-    return text;
+    return text.find(';') == text.npos ? text + "; see zebstat --help" : text;
 }
 
 } // namespace
@@ -251,7 +253,7 @@ Reading readOptions(int argc, const char* const* argv) {
     } catch (const CLI::CallForVersion& version) {
         reading.answer = std::string(version.what()) + "\n";
     } catch (const CLI::ParseError& error) {
-        reading.complaint = complaintOf(error);
+        reading.complaint = complaintOf(app, error);
     }
     reading.forCheck = app.got_subcommand("check");
     return reading;

@@ -97,14 +97,11 @@ Fd openFolder(const std::string& path) {
     return Fd(openat(folder.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC)); // one that can be synced
 }
 
-bool isReplaceable(int folder, const std::string& name) {
+/// Whether something stands there that must stay: a device, a pipe, a folder.
+bool isInTheWay(int folder, const std::string& name) {
     struct stat status {};
-    if (fstatat(folder, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0)
-        return errno == ENOENT;
-    if (S_ISREG(status.st_mode) || S_ISLNK(status.st_mode))
-        return true;
-    errno = S_ISDIR(status.st_mode) ? EISDIR : EEXIST;
-    return false;
+    return fstatat(folder, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 && !S_ISREG(status.st_mode) &&
+           !S_ISLNK(status.st_mode);
 }
 
 bool fill(Fd& file, std::string_view text) {
@@ -128,8 +125,10 @@ std::string replaceFile(const std::string& path, std::string_view text) {
     if (name.empty() || name == "." || name == "..")
         return "'" + path + "' names no file; give --output the name of one";
     const Fd folder = openFolder(slash == std::string::npos ? "" : path.substr(0, slash + 1));
-    if (!folder.open() || !isReplaceable(folder.get(), name))
+    if (!folder.open())
         return failed();
+    if (isInTheWay(folder.get(), name))
+        return path + " is no regular file; give --output the name of one";
     // The name beside it does not end like the file's own: whoever gathers such files must not find a half one.
     const std::string beside = "." + name.substr(0, 200) + "." + std::to_string(getpid()) + ".new";
     unlinkat(folder.get(), beside.c_str(), 0);

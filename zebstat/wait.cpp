@@ -70,9 +70,10 @@ class Waiting {
                        });
             });
             if (!exists)
-                return "LD" + std::to_string(target.number) + " does not exist on " +
+                return "--for-logical-drive: LD" + std::to_string(target.number) + " does not exist on " +
                        (target.controller ? "controller " + std::to_string(*target.controller)
-                                          : std::string("any chosen controller"));
+                                          : std::string("any chosen controller")) +
+                       "; zebstat json lists the LDs";
         }
         return {};
     }

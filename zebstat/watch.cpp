@@ -39,6 +39,11 @@ std::string operationText(const facts::Operation& operation) {
     return text;
 }
 
+/// The same where there is little room.
+std::string shortText(const facts::Operation& operation) {
+    return operation.type == "background_initialization" ? "background init" : operationText(operation);
+}
+
 std::string leftText(const facts::Operation& operation) {
     const auto left = operation.remainingSeconds();
     return left ? facts::spokenDuration(*left) + " left" : "";
@@ -49,18 +54,17 @@ std::string percentText(const facts::Operation& operation) {
     return std::string(3 - number.size(), ' ') + number + " %";
 }
 
-/// "controller 0  PD252:1  rebuild  [#####.....]  37 %  about 2 h left", as wide as the terminal.
+/// "0  PD252:1            rebuild           [#####......]  37 %  about 2 h left", as wide as the terminal.
 std::string barLine(const Work& work, std::size_t columns) {
-    constexpr std::size_t kNameWidth = 24;
-    constexpr std::size_t kWorkWidth = 25;
-    constexpr std::size_t kTailWidth = 32; // percent and time left
+    constexpr std::size_t kWorkWidth = 18;
+    constexpr std::size_t kTailWidth = 24; // percent and time left
     constexpr std::size_t kLeastBar = 10;
     constexpr std::size_t kMostBar = 60;
+    const std::size_t nameWidth = std::clamp<std::size_t>(columns / 4, 20, 32);
+    const std::string name = facts::printable(std::to_string(work.object.controller) + "  " + work.name);
     const std::string head =
-        padded(cut(facts::printable(std::to_string(work.object.controller) + "  " + work.name), kNameWidth - 1),
-               kNameWidth) +
-        padded(operationText(work.operation), kWorkWidth + 1);
-    const std::size_t taken = kNameWidth + kWorkWidth + 1 + kTailWidth;
+        padded(cut(name, nameWidth - 1), nameWidth) + padded(shortText(work.operation), kWorkWidth);
+    const std::size_t taken = nameWidth + kWorkWidth + kTailWidth;
     const std::size_t room = columns > taken ? columns - taken : 0;
     std::string bar;
     if (room >= kLeastBar) {

@@ -113,6 +113,12 @@ must 'zebcli does not run with the simulated library' \
 says 'RAID Controller: 0'
 says '### General Information ###'
 
+echo '* the companion'
+must 'zebstat does not print its schema' zebstat schema
+says 'https://json-schema.org/draft/2020-12/schema'
+if inside env LD_LIBRARY_PATH=/usr/lib/zebcli/simulator zebstat check; then fail 'all is well' "$scratch/output"; fi
+says 'ZEB CRITICAL - '
+
 echo '* a scenario'
 must 'zebcli-sim does not run a scenario' env \
   ZEBSIM_SCENARIO=/usr/share/zebcli-simulator/scenarios/drive_failed.json zebcli-sim -ldpdprog
@@ -122,14 +128,14 @@ echo '* upgrade'
 echo '# changed by the administrator' >>"$root/opt/quorvel/zeb/zeb_config.csv"
 cp -- "$root/opt/quorvel/zeb/log/zebcli.log" "$scratch/log"
 install_packages "$scratch/newer"
-must 'dpkg lost the package' dpkg-query --show zebcli zebcli-simulator
+must 'dpkg lost the package' dpkg-query --show zebcli zebcli-simulator zebstat
 says 2.3.1
 cmp -s -- "$scratch/log" "$root/opt/quorvel/zeb/log/zebcli.log" || fail 'the upgrade changes the command log'
 grep -q administrator "$root/opt/quorvel/zeb/zeb_config.csv" || fail 'the upgrade overwrites a configuration file'
 must 'the upgraded tool does not run' zebcli-sim -v
 
 echo '* remove'
-must 'the packages cannot be removed' dpkg --remove zebcli-simulator zebcli
+must 'the packages cannot be removed' dpkg --remove zebcli-simulator zebcli zebstat
 has opt/quorvel/zeb/log/zebcli.log
 has opt/quorvel/zeb/zeb_config.csv
 has opt/quorvel/zeb/confpat1.csv
@@ -138,7 +144,7 @@ lacks usr/sbin/zebcli
 lacks usr/lib/zebcli
 
 echo '* purge'
-must 'the packages cannot be purged' dpkg --purge zebcli-simulator zebcli
+must 'the packages cannot be purged' dpkg --purge zebcli-simulator zebcli zebstat
 lacks opt/quorvel
 list_files >"$scratch/after"
 diff "$scratch/before" "$scratch/after" >"$scratch/output" || fail 'files are left behind' "$scratch/output"

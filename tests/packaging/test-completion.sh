@@ -50,6 +50,28 @@ offers 'zebcli -ctrlpr -setstarttime ' ''
 offers 'zebcli -ctrlpr -setstarttime 0101203000 -s' -start -stop
 offers 'zebcli -tstevt -err -' ''
 
+# The companion's: word by word.
+# shellcheck source=/dev/null
+. "$1/packaging/zebstat.bash"
+companion_offers() {
+  local line=$1 wanted got
+  shift
+  read -ra COMP_WORDS <<<"$line"
+  [[ $line != *' ' ]] || COMP_WORDS+=('')
+  COMP_CWORD=$((${#COMP_WORDS[@]} - 1)) COMPREPLY=()
+  _zebstat
+  wanted=$(printf '%s\n' "$@" | sort)
+  got=$(printf '%s\n' "${COMPREPLY[@]}" | sort)
+  [ "$got" = "$wanted" ] || fail "'$line' offers: $got
+wanted: $wanted"
+}
+companion_offers 'zebstat w' wait watch
+companion_offers 'zebstat -a 0 js' json
+companion_offers 'zebstat json --' --pretty --redact --help
+companion_offers 'zebstat check --no-spare-is ' warning critical
+companion_offers 'zebstat wait --for re' rebuild reconstruction
+companion_offers 'zebstat wait --max ' ''
+
 # types KEYS COMMAND_LINE: KEYS typed at a prompt run the command line. A stand-in for the tool writes down how it was
 # called, which also shows that no Tab runs it.
 need script

@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <cstring>
+#include <cstddef>
 #include <set>
 
 namespace fs = std::filesystem;
@@ -27,22 +27,22 @@ const std::set<std::array<std::uint32_t, 3>> kMayBeSent{
     {0x08, 0x05, 0}};
 
 std::array<std::uint32_t, 3> codeOf(const TracedRequest& request) {
-    constexpr std::size_t kOpcodeAt = 4;
-    constexpr std::size_t kCdbAt = 12;
     std::uint32_t further = 0;
-    if (request.type == 0x06 && request.cmd == 0x03)
-        std::memcpy(&further, request.out.data() + kOpcodeAt, sizeof further);
-    else if (request.type == 0x06)
-        further = request.out.at(kCdbAt);
-    return {request.type, request.cmd, further};
+    if (const auto dcmd = request.dcmd())
+        further = dcmd->opcode;
+    else if (const auto scsi = request.scsi())
+        further = scsi->cdb[0];
+    return {request.header.cmdType, request.header.cmd, further};
 }
 
 /// Nothing but reading requests, and no two alike.
 void checkRequests(const std::string& trace) {
-    std::set<std::pair<std::array<std::uint8_t, 32>, std::vector<std::uint8_t>>> seen;
+    std::set<std::string> seen;
     for (const TracedRequest& request : parseTrace(trace)) {
         EXPECT_TRUE(kMayBeSent.contains(codeOf(request))) << request.brief();
-        EXPECT_TRUE(seen.emplace(request.header, request.out).second) << "asked twice: " << request.brief();
+        std::string whole(reinterpret_cast<const char*>(&request.header), offsetof(_SL_LIB_CMD_PARAM_T, data));
+        whole.append(request.out.begin(), request.out.end());
+        EXPECT_TRUE(seen.insert(whole).second) << "asked twice: " << request.brief();
     }
 }
 

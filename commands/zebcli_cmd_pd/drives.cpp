@@ -15,7 +15,7 @@
 #include "main/zebcli_cmd_com/text/vocabulary.h"
 #include "storelib/common/StoreLib/passthrough.h"
 
-#include <algorithm>
+#include <array>
 #include <string_view>
 
 namespace {
@@ -106,8 +106,10 @@ void addPlace(Report& report, const _MR_PD_INFO& pd) {
 void reportController(int position, Controller ctrl, std::span<const unsigned char> drives) {
     Report report;
     bool first = true;
+    std::array<unsigned char, kMaxSlots> present{};
+    GetDeviceFoundList(ctrl.contNo, ctrl.conts, present);
     for (const unsigned char slotNo : drives) {
-        if (IsExistPD(ctrl.contNo, slotNo, ctrl.conts) == 0)
+        if (present[slotNo] == 0)
             continue;
         if (first)
             report.controller(position);

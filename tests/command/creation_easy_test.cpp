@@ -178,6 +178,30 @@ TEST_F(CreationEasy, DrivesThatAreNotUsedAreNamed) {
                     .input = "Q\n"});
 }
 
+/// The enclosure of the second controller names no slot; the controller's own limit says how many rows there are.
+TEST_F(CreationEasy, TheTableShowsEverySlotAndWhatItsDriveBelongsTo) {
+    auto options = optionsFor(R"({"controllers": [{"drives": [{}]}, {"id": 1, "maxPds": 8, "enclosures": [{"slots": 0}],
+        "drives": [{"repeat": 4}, {"media": "SSD"}, {"slot": 6}, {"state": "bad"}],
+        "arrays": [{"drives": [0, 1]}, {"drives": [4]}],
+        "lds": [{"level": 1, "spans": [{"array": 0}]}, {"id": 1, "cacheCade": true, "spans": [{"array": 1}]}],
+        "spares": [{"drive": 2, "arrays": [0]}, {"drive": 3}]}]})",
+                              "-lde");
+    options.input = Input::kPipe;
+    options.inputText = "1\n";
+    const auto result = box.run(options);
+    EXPECT_NE(std::string::npos,
+              result.out.find("------------\n"
+                              "PD0    LD0               RG0    RAID1      ONLINE             HDD  278.875     \n"
+                              "PD1    LD0               RG0    RAID1      ONLINE             HDD  278.875     \n"
+                              "PD2    DHS               RG0    -          HOT SPARE          HDD  278.875     \n"
+                              "PD3    GHS               -      -          HOT SPARE          HDD  278.875     \n"
+                              "PD4    LD1               scRG0  RAID0      ONLINE             SSD  278.875     \n" +
+                              emptyRow(5) + "\n" + usableRow(6) +
+                              "\nPD7    -                 -      -          Unconfig BAD       HDD  278.875     \n" +
+                              menu(kOneChoice).text))
+        << result;
+}
+
 TEST_F(CreationEasy, WhatCannotBeBuiltIsSaid) {
     const auto none = [](const std::string& drives) {
         return error("Error - Controller[0] No RAID level can be created with " + drives + " PDs(Physical Drives).");

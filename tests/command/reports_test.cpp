@@ -3,6 +3,8 @@
 #include <filesystem>
 #include <sstream>
 
+#include "storelib/records/enclosure.h"
+#include "tests/support/answers.h"
 #include "tests/support/expected.h"
 #include "tests/support/operation_case.h"
 #include "tests/support/paths.h"
@@ -72,6 +74,15 @@ TEST_F(LargeReports, EnclosureWith254Elements) {
                                              "Number of Fans                : 52\r\n"
                                              "Number of Power Supplies      : 51\r\n"
                                              "Number of Voltage Sensors     : 75\r\n"));
+}
+
+TEST_F(LargeReports, OnlyTenBitsOfAFansBytesAreItsSpeed) {
+    auto options = optionsFor(
+        R"({"controllers":[{"connectors":[{}],"enclosures":[{"slots":1,"fans":[{"rpm":1000}]}]}]})", "-enclinfo");
+    options.env["ZEBSIM_FAULTS"] =
+        R"([{"type":8,"cmd":5,)" + patch({{ZEB_AT(_SL_ENCL_STATUS_EX_T, element[1].value), 0x10FD}}) + "}]";
+    EXPECT_NE(std::string::npos,
+              box.run(options).out.find("\nFan0                OK                              2720 (RPM)\r\n"));
 }
 
 TEST_F(LargeReports, GroupOf64Lds) {

@@ -35,29 +35,23 @@ class Menu {
     unsigned rows_ = 0;
 };
 
-struct CapacityText {
-    char text[32];
-};
-
 /// The capacity of an LD on those drives.
-CapacityText capacityText(Controller ctrl, ZEB_RAID_LVL level, std::span<const std::uint8_t> slots) {
+GbText capacityText(Controller ctrl, ZEB_RAID_LVL level, std::span<const std::uint8_t> slots) {
     BoundedList<std::uint64_t, kMostEasyDrives> sizes;
     for (const std::uint8_t slotNo : slots)
         sizes.add(ctrl.pd(slotNo).coercedSize);
-    CapacityText capacity{};
-    wsprintf(capacity.text, "%s", gbText(GetLDCapaciity(sizes.list(), level, ctrl.contNo)).c_str());
-    return capacity;
+    return gbText(GetLDCapaciity(sizes.list(), level, ctrl.contNo));
 }
 
 /// The capacity of the only LD of a variant.
-CapacityText singleCapacityText(Controller ctrl, const EasyVariant& variant) {
+GbText singleCapacityText(Controller ctrl, const EasyVariant& variant) {
     const EasyDivision division = divide(ctrl, variant);
     if (GetMaxPdNumForRaidLvl(variant.level[0], ctrl.conts, ctrl.contNo) == 0)
         return capacityText(ctrl, variant.level[0], division.drives[0].list());
     const auto* const spare = variant.spares != 0
                                   ? std::find(unconfiguredPdList.begin(), unconfiguredPdList.end(), division.spares[0])
                                   : unconfiguredPdList.begin();
-    CapacityText capacity{};
+    GbText capacity{};
     SetLDCapacityText(capacity.text, variant.level[0], variant.spares != 0,
                       static_cast<unsigned>(spare - unconfiguredPdList.begin()), ctrl.conts, ctrl.contNo);
     return capacity;
@@ -98,7 +92,7 @@ std::optional<EasyVariant> chooseSingle(Controller ctrl, const EasyVariants& var
     for (const EasyVariant& variant : variants) {
         char row[kRowSize];
         wsprintf(row, "%-6s PD %2u  Hot Spare %u  %s GB", raidLevelText(variant.level[0], ctrl.contNo),
-                 variant.drives[0], variant.spares, singleCapacityText(ctrl, variant).text);
+                 variant.drives[0], variant.spares, singleCapacityText(ctrl, variant).c_str());
         menu.addRow(row);
     }
     const auto row = menu.choose();
@@ -111,8 +105,8 @@ std::optional<EasyVariant> chooseDivision(Controller ctrl, const EasyVariants& v
         const EasyDivision division = divide(ctrl, variant);
         char row[kRowSize];
         wsprintf(row, "PD %2u %s GB / PD %2u %s GB / Hot Spare %u", variant.drives[0],
-                 capacityText(ctrl, variant.level[0], division.drives[0].list()).text, variant.drives[1],
-                 capacityText(ctrl, variant.level[1], division.drives[1].list()).text, variant.spares);
+                 capacityText(ctrl, variant.level[0], division.drives[0].list()).c_str(), variant.drives[1],
+                 capacityText(ctrl, variant.level[1], division.drives[1].list()).c_str(), variant.spares);
         menu.addRow(row);
     }
     const auto row = menu.choose();

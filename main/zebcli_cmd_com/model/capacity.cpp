@@ -6,22 +6,22 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cmath>
 #include <iterator>
 
 namespace {
 constexpr unsigned kBlocksToMibShift = 11;
-constexpr double kMibPerGb = 1024.0;
+constexpr std::uint64_t kMibPerGb = 1024;
 } // namespace
 
-double blocksToGb(std::uint64_t blocks) {
-    return static_cast<float>(blocks >> kBlocksToMibShift) / kMibPerGb;
-}
-
-/// Rounds as the C library's formatter does, half to even: the thousandths are exact, 24 bits of the single-precision
-/// figure times 1000.
+/// Single precision holds a whole number of MiB, so that the thousandths are exact; they are rounded as the C library's
+/// formatter does, half to even.
 GbText gbText(std::uint64_t blocks) {
-    const auto thousandths = static_cast<std::uint64_t>(std::nearbyint(blocksToGb(blocks) * 1000.0));
+    const auto mib = static_cast<std::uint64_t>(static_cast<float>(blocks >> kBlocksToMibShift));
+    const std::uint64_t scaled = mib * 1000;
+    const std::uint64_t whole = scaled / kMibPerGb;
+    const std::uint64_t over = scaled % kMibPerGb;
+    const bool up = over > kMibPerGb / 2 || (over == kMibPerGb / 2 && whole % 2 != 0);
+    const std::uint64_t thousandths = whole + (up ? 1 : 0);
     GbText out{};
     char* at = std::to_chars(std::begin(out.text), std::end(out.text), thousandths / 1000).ptr;
     const auto rest = static_cast<unsigned>(thousandths % 1000);

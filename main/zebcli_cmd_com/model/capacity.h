@@ -9,13 +9,10 @@
 /// The size of the buffer that SetLDCapaciityText fills.
 inline constexpr unsigned kCapacityTextSize = 160;
 
-/// Blocks in GB. The step through a single-precision MiB figure is part of the rule: it shows in the third decimal of
-/// large capacities.
-double blocksToGb(std::uint64_t blocks);
-
-/// A size in GB as every report shows it, with three decimals.
+/// A size in GB as every report shows it, with three decimals. The step through a single-precision MiB figure is part
+/// of the rule: it shows in the third decimal of large capacities.
 struct GbText {
-    char text[24];
+    char text[32];
     const char* c_str() const { return text; }
 };
 GbText gbText(std::uint64_t blocks);

@@ -9,14 +9,6 @@ namespace {
 
 constexpr std::string_view kLineEnd = "\r\n";
 
-/// Whether a format has no conversion but "%s", "%d", "%u" and "%%".
-bool isPlain(std::string_view format) {
-    for (std::size_t at = format.find('%'); at != format.npos; at = format.find('%', at + 2))
-        if (at + 1 == format.size() || std::string_view("sdu%").find(format[at + 1]) == std::string_view::npos)
-            return false;
-    return true;
-}
-
 /// The digits of a number.
 class Digits {
   public:
@@ -83,33 +75,22 @@ void Report::put(std::string_view text) {
 }
 
 void Report::putLabel(std::string_view text, Column column) {
-    static constexpr std::string_view kBlanks = "                                        ";
+    static constexpr std::string_view kFill = "                                        : ";
+    static constexpr std::size_t kColon = 2; // the last two of them
     put(text);
-    put(kBlanks.substr(0, column - std::min<std::size_t>(column, text.size())));
-    put(": ");
+    put(kFill.substr(kFill.size() - kColon - (column - std::min<std::size_t>(column, text.size()))));
 }
 
 /// Nearly all values are texts and whole numbers; these are written without the C library's formatter, which took half
-/// of a report's time.
+/// of a report's time. It gets what begins with another conversion.
 void Report::putFormatted(const char* format, va_list args) {
-    va_list again;
-    va_copy(again, args);
-    if (isPlain(format)) {
-        putPlain(format, args);
-    } else if (!tryFormatted(format, args, false)) {
-        makeRoom();
-        tryFormatted(format, again, true);
-    }
-    va_end(again);
-}
-
-void Report::putPlain(std::string_view format, va_list args) {
-    while (true) {
-        const std::size_t at = format.find('%');
-        put(format.substr(0, at));
-        if (at == format.npos)
+    for (std::string_view rest(format);;) {
+        const std::size_t at = rest.find('%');
+        put(rest.substr(0, at));
+        if (at == rest.npos)
             return;
-        switch (format[at + 1]) {
+        rest.remove_prefix(at);
+        switch (rest.size() > 1 ? rest[1] : '\0') {
         case 's':
             put(va_arg(args, const char*));
             break;
@@ -119,11 +100,25 @@ void Report::putPlain(std::string_view format, va_list args) {
         case 'u':
             put(Digits(va_arg(args, unsigned)));
             break;
-        default:
+        case '%':
             put("%");
+            break;
+        default:
+            putByFormatter(rest.data(), args);
+            return;
         }
-        format.remove_prefix(at + 2);
+        rest.remove_prefix(2);
     }
+}
+
+void Report::putByFormatter(const char* format, va_list args) {
+    va_list again;
+    va_copy(again, args);
+    if (!tryFormatted(format, args, false)) {
+        makeRoom();
+        tryFormatted(format, again, true);
+    }
+    va_end(again);
 }
 
 /// False, with nothing appended, when the text does not fit and must not be cut.

@@ -52,8 +52,8 @@ class Report {
 
     void put(std::string_view text);
     void putLabel(std::string_view text, Column column);
-    void putPlain(std::string_view format, va_list args);
     [[gnu::format(printf, 2, 0)]] void putFormatted(const char* format, va_list args);
+    [[gnu::format(printf, 2, 0)]] void putByFormatter(const char* format, va_list args);
     [[gnu::format(printf, 2, 0)]] bool tryFormatted(const char* format, va_list args, bool cut);
     void makeRoom();
     void emitPiece();

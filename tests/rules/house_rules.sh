@@ -44,6 +44,14 @@ rule 'A label with blanks counted by hand; use report.field("Label", ...), which
 rule 'Memory from new; use a standard container or a block with a deleter' '(^|[^[:alnum:]_])new [A-Za-z_]'
 rule 'An exception; return a code' '(^|[^[:alnum:]_])(throw|catch|try)([^[:alnum:]_]|$)' zebstat/options.cpp
 
+# The files of a unit speak in its own name.
+for unit in ctrl=Ctrl ld=Ld pd=Pd; do
+  others=$(grep -rnoE 'k(Com|Ctrl|Ld|Pd)Source' "commands/zebcli_cmd_${unit%=*}" | grep -v "k${unit#*=}Source")
+  [ -z "$others" ] && continue
+  found=1
+  printf 'A record under another unit'"'"'s name:\n%s\n\n' "$others"
+done
+
 layers() {
   local message=$1 folder=$2 pattern=$3 hits
   hits=$(grep -rnE --include='*.cpp' --include='*.h' -- "^#include \"($pattern)" "$folder")

@@ -46,12 +46,16 @@ constexpr Place inArray(std::size_t n, Place field) {
     return field.behind(sizeof(_MR_CONFIG_DATA) + n * sizeof(_MR_ARRAY));
 }
 
-const Lie kLies[] = {
+const Lie kListLies[] = {
     {"65535 drives", kPdList, patch({{ZEB_AT(_MR_PD_LIST, count), 0xFFFF}})},
     {"no drive", kPdList, patch({{ZEB_AT(_MR_PD_LIST, count), 0}}), {"-ctrlinfo -aAll", "-cbinfo -aAll"}},
     {"PD list of ones", kPdList, R"("fill":255)"},
     {"4 billion LDs", kLdList, patch({{ZEB_AT(_MR_LD_LIST, count), kOnes}})},
     {"LD 255", kLdList, patch({{ZEB_AT(_MR_LD_LIST, ld[0].targetId), 255}})},
+};
+
+/// Of the configuration and of RAID groups.
+const Lie kGroupLies[] = {
     {"configuration of 0 bytes", kConfig, patch({{ZEB_AT(_MR_CONFIG_DATA, size), 0}})},
     {"configuration of 8 bytes", kConfig, patch({{ZEB_AT(_MR_CONFIG_DATA, size), 8}})},
     {"configuration of 31 bytes", kConfig, patch({{ZEB_AT(_MR_CONFIG_DATA, size), 31}})},
@@ -71,6 +75,10 @@ const Lie kLies[] = {
             {ZEB_AT(_SL_ARRAY_INFO_T, freeCount), 255}})},
     {"group of LD 255", kArray, patch({{ZEB_AT(_SL_ARRAY_INFO_T, ldTargetId), 255}})},
     {"group of ones", kArray, R"("fill":255)"},
+};
+
+/// Of drives and LDs.
+const Lie kDriveLies[] = {
     {"255 paths", kPd, patch({{ZEB_AT(_MR_PD_INFO, pathCount), 255}}), {"-ldpdprog", "-ldpdinfo -aAll"}},
     {"PD of ones", kPd, R"("fill":255)"},
     {"copyback partner unknown",
@@ -83,6 +91,10 @@ const Lie kLies[] = {
          {{ZEB_AT(_MR_LD_INFO, config.span[0].arrayRef), 128}, {ZEB_AT(_MR_LD_INFO, config.span[1].arrayRef), kOnes}})},
     {"LD of ones", kLd, R"("fill":255)"},
     {"LD of another number", kLd, patch({{ZEB_AT(_MR_LD_INFO, config.properties.ref.targetId), 255}})},
+};
+
+/// Of the controller and its enclosures.
+const Lie kControllerLies[] = {
     {"4 billion image components",
      kInfo,
      patch({{ZEB_AT(_MR_CTRL_INFO, imageComponentCount), kOnes}}),
@@ -97,7 +109,10 @@ const Lie kLies[] = {
      patch({{ZEB_AT(_MR_ENCL_LIST, encl[0].connectorIndex), 8}})},
     {"65535 elements of each type", kElements, patch({{ZEB_AT(_SL_ENCL_STATUS_EX_T, count), 255}})},
     {"elements of ones", kElements, R"("fill":255)"},
-    // Records that lead to themselves or to each other.
+};
+
+/// Records that lead to themselves or to each other.
+const Lie kLoops[] = {
     {"every slot with the same drive", kPdList,
      patch({{ZEB_AT(_MR_PD_LIST, addr[1].deviceId), 8}, {ZEB_AT(_MR_PD_LIST, addr[2].deviceId), 8}})},
     {"every drive in the same slot", kPdList,
@@ -114,6 +129,10 @@ const Lie kLies[] = {
                             {ZEB_AT(_SL_ARRAY_INFO_T, ldTargetId[2]), 1}})},
     {"a copyback partner of itself", kPd,
      patch({{ZEB_AT(_MR_PD_INFO, fwState), kPdCopyback}, {ZEB_AT(_MR_PD_INFO, copybackPartner), 8}})},
+};
+
+/// Whatever is asked behind the start.
+const Lie kEverything[] = {
     {"everything of ones", R"("from":2)", R"("fill":255)"},
     {"everything of nothing", R"("from":2)", R"("fill":0)"},
     {"everything cut", R"("from":2)", R"("truncate":7)"},
@@ -154,9 +173,15 @@ TEST_P(HostileAnswers, EveryReportSurvives) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Lies, HostileAnswers, testing::ValuesIn(kLies), [](const auto& lie) {
+std::string nameOf(const testing::TestParamInfo<Lie>& lie) {
     return masked(lie.param.name, {{"[^A-Za-z0-9]+", "_"}});
-});
+}
+INSTANTIATE_TEST_SUITE_P(Lists, HostileAnswers, testing::ValuesIn(kListLies), nameOf);
+INSTANTIATE_TEST_SUITE_P(Groups, HostileAnswers, testing::ValuesIn(kGroupLies), nameOf);
+INSTANTIATE_TEST_SUITE_P(Drives, HostileAnswers, testing::ValuesIn(kDriveLies), nameOf);
+INSTANTIATE_TEST_SUITE_P(Controllers, HostileAnswers, testing::ValuesIn(kControllerLies), nameOf);
+INSTANTIATE_TEST_SUITE_P(Loops, HostileAnswers, testing::ValuesIn(kLoops), nameOf);
+INSTANTIATE_TEST_SUITE_P(Everything, HostileAnswers, testing::ValuesIn(kEverything), nameOf);
 
 using HostileSizes = OperationTest;
 

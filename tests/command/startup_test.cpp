@@ -69,16 +69,28 @@ void expectRefused(const Refusal& refusal, const RunResult& result, const LogFil
     EXPECT_EQ("zebcli_main", records[wanted.size()].source);
 }
 
-TEST_F(StartUp, RefusalsAreSaidLoggedAndLeaveNothingBehind) {
+/// What is refused is said and logged, and leaves nothing behind.
+class Refusals : public StartUp {
+  protected:
+    void check(const std::vector<Refusal>& refusals) {
+        for (const auto& refusal : refusals) {
+            SCOPED_TRACE(refusal.name);
+            std::filesystem::remove(box.log());
+            RunOptions options = refusal.options;
+            options.trace = true;
+            options.input = Input::kTerminal;
+            expectRefused(refusal, box.run(options), LogFile(box.log()));
+        }
+    }
+};
+
+TEST_F(Refusals, LibraryAndControllers) {
     writeFile(box.root() / "none.json", R"({"controllers":[]})");
     writeFile(box.root() / "five.json", R"({"controllers":[{},{"id":1},{"id":2},{"id":3},{"id":4}]})");
-    std::filesystem::permissions(box.logFolder(), std::filesystem::perms::all);
     const std::string tooMany = "Error - The number of RAID controller is over 4.\nQuits the application.\n";
     const std::string noneFound = "Error - No RAID controller is found.\nQuits the application.\n";
     const std::string noStart = "Error - Failed to initialize.";
-    const std::string wrong = "Error - Invoked with wrong parameters.";
-    const std::string tooLong(257, 'x');
-    const Refusal refusals[] = {
+    check({
         {"no library",
          call({"-v"}, {{"LD_LIBRARY_PATH", box.noLibrary()}}),
          noStart,
@@ -109,26 +121,34 @@ TEST_F(StartUp, RefusalsAreSaidLoggedAndLeaveNothingBehind) {
          tooMany,
          {},
          kOpenedAndClosed},
+    });
+}
+
+TEST_F(Refusals, Calls) {
+    const std::string wrong = "Error - Invoked with wrong parameters.";
+    const std::string tooLong(257, 'x');
+    std::filesystem::permissions(box.logFolder(), std::filesystem::perms::all);
+    check({
         {"no argument", call({}), wrong},
         {"long word", call({tooLong}), wrong},
         {"long argument", call({"-v", "-a0", tooLong}), wrong},
         {"long program name", call({"-v"}, {}, 0, tooLong), wrong},
         {"another user, no argument", call({}, {}, 65534), "Fatal error - It is not root user."},
-        {"two dashes", call({"--ctrlinfo"}), "Error - Invalid input at or near token -ctrlinfo."},
-        {"dash behind", call({"CTRLINFO-"}), "Error - Invalid input at or near token ctrlinfo-."},
-        {"dash alone", call({"-"}), "Error - Invalid input at or near token -."},
-        {"empty word", call({""}), "Error - Invalid input at or near token ."},
-        {"beginning of a word", call({"-ctrlinf"}), "Error - Invalid input at or near token ctrlinf."},
-        {"conversions", call({"-%n%S"}), "Error - Invalid input at or near token %n%s."},
+    });
+}
+
+TEST_F(Refusals, Words) {
+    const auto unknown = [](const std::string& token) {
+        return "Error - Invalid input at or near token " + token + ".";
     };
-    for (const auto& refusal : refusals) {
-        SCOPED_TRACE(refusal.name);
-        std::filesystem::remove(box.log());
-        RunOptions options = refusal.options;
-        options.trace = true;
-        options.input = Input::kTerminal;
-        expectRefused(refusal, box.run(options), LogFile(box.log()));
-    }
+    check({
+        {"two dashes", call({"--ctrlinfo"}), unknown("-ctrlinfo")},
+        {"dash behind", call({"CTRLINFO-"}), unknown("ctrlinfo-")},
+        {"dash alone", call({"-"}), unknown("-")},
+        {"empty word", call({""}), unknown("")},
+        {"beginning of a word", call({"-ctrlinf"}), unknown("ctrlinf")},
+        {"conversions", call({"-%n%S"}), unknown("%n%s")},
+    });
 }
 
 TEST_F(StartUp, LogCommandTakesNoSnapshotButNeedsControllers) {

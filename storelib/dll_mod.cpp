@@ -90,13 +90,12 @@ std::uint32_t SLInitLib(MemAllocFailedFn callback) {
 }
 
 std::uint32_t SLExitLib() {
-    constexpr int kAllSlots = 255;
     unloadDLL(kAllSlots);
     return kSlSuccess;
 }
 
 void unloadDLL(int which) {
-    if (!libMRPresent || (which != 0 && which != 255))
+    if (!libMRPresent || (which != kSlotMR && which != kAllSlots))
         return;
     if (pfnProcessLibCommandMR != nullptr) {
         const std::uint32_t status = UnInitializeLibrary(pfnProcessLibCommandMR);

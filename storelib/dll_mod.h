@@ -35,16 +35,22 @@ std::uint32_t SLInitLib(MemAllocFailedFn callback);
 /// Closes what is loaded; safe to call at any time and more than once. Returns 0.
 std::uint32_t SLExitLib();
 
-/// Closes the MR slot when it is loaded and which is 0 (that slot) or 255 (all slots).
+/// What unloadDLL may be asked to close.
+inline constexpr int kSlotMR = 0;
+inline constexpr int kAllSlots = 255;
+
+/// Closes the MR slot when it is loaded and is meant, kSlotMR or kAllSlots. Anything else closes nothing.
 void unloadDLL(int which);
 
-/// Asks a library for its controllers. The list is cleared first.
+/// Asks a library for its controllers. The list is cleared first, and stays clear on failure. Returns the library's
+/// status.
 std::uint32_t InitializeLibrary(_SL_CTRL_LIST_T* list, ProcessLibCommandFn entry);
 
-/// Tells a library that it is no longer needed.
+/// Tells a library that it is no longer needed. Returns its status.
 std::uint32_t UnInitializeLibrary(ProcessLibCommandFn entry);
 
-/// Builds the merged list from the lists of the slots, in ascending order of the controller ids.
+/// Builds the merged list from the lists of the slots, in ascending order of the controller ids. Entries beyond the
+/// room of the list are left out; its count is the sum of the slots' counts all the same.
 void mergeControllerLists();
 
 /// Copies the merged list. Returns 0.

@@ -19,6 +19,7 @@
 
 namespace {
 
+constexpr char kProductName[] = "Quorvel RAID Pellucor";
 constexpr char kProductVersion[] = "2.3";
 constexpr char kFileVersion[] = "2.2.0.6";
 constexpr int kRightsYear = 2026;
@@ -65,9 +66,9 @@ int CliCmdExecHelp(int argc, char** argv, _AFCONT* conts, int contCount) {
     if (refuseArguments(kCtrlSource, argc, argv))
         return 1;
     CliLogging(kPrint, kCtrlSource, __LINE__,
-               "%s\nQuorvel RAID Pellucor Command Line Tool Ver %s\n"
+               "%s\n%s Command Line Tool Ver %s\n"
                "Copyright (C) %d QUORVEL, Ltd. All rights reserved.",
-               usageLines(offersCacheCade(conts, contCount)).c_str(), kProductVersion, kRightsYear);
+               usageLines(offersCacheCade(conts, contCount)).c_str(), kProductName, kProductVersion, kRightsYear);
     return 0;
 }
 
@@ -80,13 +81,13 @@ int CliCmdExecVersion(int argc, char** argv, _AFCONT* /*conts*/, int /*contCount
     if (SLGetLibraryVersion(&version) == kSlSuccess)
         wsprintf(libraryVersion, "%s.%s", fieldText(version.version).c_str(), fieldText(version.revision).c_str());
     CliLogging(kPrint, kCtrlSource, __LINE__,
-               "Quorvel RAID Pellucor Command Line Tool\n"
-               "   Product Name     : Quorvel RAID Pellucor\n"
+               "%s Command Line Tool\n"
+               "   Product Name     : %s\n"
                "   Product Version  : %s\n"
                "   Company Name     : QUORVEL, Ltd.\n"
                "   File Version     : %s\n"
                "   StoreLib Version : %s\n"
                "   Copyright (C) %d QUORVEL, Ltd. All rights reserved.",
-               kProductVersion, kFileVersion, libraryVersion, kRightsYear);
+               kProductName, kProductName, kProductVersion, kFileVersion, libraryVersion, kRightsYear);
     return 0;
 }

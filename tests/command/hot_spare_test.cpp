@@ -177,21 +177,22 @@ TEST_F(HotSpare, GroupIsAskedUntilItIsListed) {
                .input = "Qui\n"}});
 }
 
+const std::string kCannot = "Error - Cannot create DHS(Dedicated Hot Spare) with ";
+const Line kTooSmall = error(kCannot + "lower capacity than other configured PDs(Physical Drives).");
+
 TEST_F(HotSpare, DedicatedMustMatchItsGroup) {
-    const std::string cannot = "Error - Cannot create DHS(Dedicated Hot Spare) with ";
-    const Line interface = error(cannot + "the different Interface Type(SAS/SATA).");
-    const Line media = error(cannot + "the different Media Type(HDD/SSD).");
-    const Line capacity = error(cannot + "lower capacity than other configured PDs(Physical Drives).");
+    const Line interface = error(kCannot + "the different Interface Type(SAS/SATA).");
+    const Line media = error(kCannot + "the different Media Type(HDD/SSD).");
     std::string reads;
     for (const unsigned slot : {8U, 9U, 10U, 11U, 14U})
         reads += software() + kFirst.pdInfo(slot);
     checkAll({{.args = "-pdhsp -dhs -pd[:8,:9,:10,:11,:14] -a0 -nochk",
-               .lines = kGroups + kAskGroup + interface + kGroups + kAskGroup + media + kGroups + kAskGroup + capacity +
-                        kGroups + kAskGroup + interface + kNotAssigned,
+               .lines = kGroups + kAskGroup + interface + kGroups + kAskGroup + media + kGroups + kAskGroup +
+                        kTooSmall + kGroups + kAskGroup + interface + kNotAssigned,
                .requests = reads,
                .input = "0\n2\n2\n0\n"},
               {.args = "-pdhsp -dhs -pd[:7] -a1",
-               .lines = error(cannot + "no RAID Group."),
+               .lines = error(kCannot + "no RAID Group."),
                .requests = software() + kSecond.pdInfo(7)},
               {.args = "-pdhsp -dhs -pd[:7] -a0",
                .lines = sent("SLGetPDInfo", 0x32) + kNotAssigned,
@@ -207,6 +208,26 @@ TEST_F(HotSpare, DedicatedMustMatchItsGroup) {
            .lines = {{true, false, "RG No. RAID Level\n-----------------\nRG0    RAID1\n"}, kAskGroup, kNotAssigned},
            .requests = software() + kFirst.pdInfo(2),
            .input = "0\n"});
+}
+
+TEST_F(HotSpare, DedicatedMustBeAsLargeAsTheLargestSpanNeeds) {
+    for (const auto& [first, second] : {std::pair("300", "200"), {"200", "300"}}) {
+        const auto scenario = [&, one = std::string(first), two = std::string(second)](const char* spare) {
+            return R"({"controllers": [{"id": 3, "drives": [{"repeat": 2, "sizeGB": )" + one +
+                   R"(}, {"repeat": 2, "sizeGB": )" + two + R"(}, {"slot": 7, "sizeGB": )" + spare +
+                   R"(}], "arrays": [{"ref": 2, "drives": [0, 1]}, {"ref": 7, "drives": [2, 3]}],
+                   "lds": [{"id": 4, "level": 10, "spans": [{"array": 2}, {"array": 7}]}]}]})";
+        };
+        const Line group = {true, false, "RG No. RAID Level\n-----------------\nRG0    RAID10\n"};
+        check(scenario("250"), {.args = "-pdhsp -dhs -pd[:7]",
+                                .lines = group + kAskGroup + kTooSmall,
+                                .requests = software() + kFirst.pdInfo(7),
+                                .input = "0\n"});
+        check(scenario("300"), {.args = "-pdhsp -dhs -pd[:7]",
+                                .lines = group + kAskGroup + dedicated(7, 2) + changed(0, "7"),
+                                .requests = software() + kFirst.pdInfo(7) + makeDedicated(7, 4, {2, 7}),
+                                .input = "0\n"});
+    }
 }
 
 TEST_F(HotSpare, ReleaseAsksUnlessToldNotTo) {

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <sstream>
 
+#include "storelib/records/configuration.h"
 #include "storelib/records/enclosure.h"
 #include "tests/support/answers.h"
 #include "tests/support/expected.h"
@@ -140,6 +141,7 @@ TEST_F(LargeReports, EachGroupOnceWhateverTheNumbersOfItsLds) {
         const std::string& scenario;
         const char* args;
         const char* groups;
+        std::string faults{};
     } cases[] = {
         {apart, "", " LD0 LD3 RG0 Read Only PD0 PD1"}, // there is no LD1: the group's last
         {apart, " -L3", " LD0 LD3 RG0 Read Only PD0 PD1"},
@@ -147,10 +149,33 @@ TEST_F(LargeReports, EachGroupOnceWhateverTheNumbersOfItsLds) {
         {between, " -L2,1", " LD1 RG1 Read Only PD2 PD3 LD0 LD2 RG0 Blocked PD0 PD1"},
         {gap, "", " LD0 RG0 Read Write PD0 PD1 LD1 RG1 Read Only PD2 PD3"},
         {spans, "", " LD0 RG0 Read Write PD0 PD1 PD4 PD5 LD1 RG1 Read Only PD2 PD3"},
+        // Numbers that no LD has, in the record of the group.
+        {apart, "", " LD0 LD3 RG0 Read Only PD0 PD1",
+         R"([{"type":4,"cmd":8,)" +
+             patch({{ZEB_AT(_SL_ARRAY_INFO_T, ldCount), 4},
+                    {ZEB_AT(_SL_ARRAY_INFO_T, ldTargetId[1]), 64},
+                    {ZEB_AT(_SL_ARRAY_INFO_T, ldTargetId[2]), 3},
+                    {ZEB_AT(_SL_ARRAY_INFO_T, ldTargetId[3]), 254}}) +
+             "}]"},
     };
     for (const auto& c : cases) {
-        const auto result = box.run(optionsFor(c.scenario, std::string("-ldpdinfo") + c.args));
+        auto options = optionsFor(c.scenario, std::string("-ldpdinfo") + c.args);
+        options.env["ZEBSIM_FAULTS"] = c.faults;
+        const auto result = box.run(options);
         EXPECT_EQ(c.groups, groupsIn(result.out)) << result;
+    }
+}
+
+TEST_F(LargeReports, DriveWithoutAnEnclosureStandsInASlot) {
+    for (const auto& [device, wanted] : {std::pair("254", "### Enclosure Properties Information ###\r\n"
+                                                          "Enclosure ID             : 254\r\n"),
+                                         {"255", "### Slot Information ###\r\n"},
+                                         {"65535", "### Slot Information ###\r\n"}}) {
+        auto options = optionsFor(R"({"controllers":[{"drives":[{}]}]})", "-pdinfo");
+        options.env["ZEBSIM_FAULTS"] = R"([{"type":2,"cmd":0,"fields":{"enclDeviceId":)" + std::string(device) + "}}]";
+        const auto report = box.run(options).out;
+        EXPECT_TRUE(report.ends_with(std::string("\r\n\r\n") + wanted + "Slot Number              : 0\r\n\n"))
+            << report;
     }
 }
 

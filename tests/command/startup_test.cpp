@@ -1,6 +1,7 @@
 // Start-up: which command runs, what is refused and in which words, and what is put back afterwards.
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 
 #include <gmock/gmock.h>
 
@@ -149,6 +150,20 @@ TEST_F(Refusals, Words) {
         {"beginning of a word", call({"-ctrlinf"}), unknown("ctrlinf")},
         {"conversions", call({"-%n%S"}), unknown("%n%s")},
     });
+}
+
+TEST_F(StartUp, LibraryIsLookedForOnceUnderItsOneName) {
+    for (const char* name : {"libstorelib.so", "libstorelib.so.1"})
+        std::filesystem::create_symlink(std::filesystem::path(paths::libraryDir) / "libstorelib.so", box.work() / name);
+    auto options = call({"-v"}, {{"LD_LIBRARY_PATH", box.noLibrary()}, {"LD_DEBUG", "files"}});
+    const auto result = box.run(options);
+    EXPECT_EQ("Error - Failed to initialize.\n", result.out);
+    std::istringstream lines(result.err);
+    std::vector<std::string> loaded;
+    for (std::string line; std::getline(lines, line);)
+        if (line.find("dynamically loaded by") != line.npos)
+            loaded.push_back(masked(line, {{"^ *\\d+:\t", ""}, {" \\[0\\].*", ""}}));
+    EXPECT_THAT(loaded, testing::ElementsAre("file=libstorelib.so"));
 }
 
 TEST_F(StartUp, LogCommandTakesNoSnapshotButNeedsControllers) {

@@ -13,7 +13,7 @@
 
 #include "storelib/records/configuration.h"
 #include "storelib/records/request.h"
-#include "tests/support/library.h"
+#include "tests/support/scripted_library.h"
 
 namespace zebtest {
 

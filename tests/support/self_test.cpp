@@ -8,9 +8,9 @@
 
 #include "storelib/dll_mod.h"
 #include "tests/support/expected.h"
-#include "tests/support/library.h"
 #include "tests/support/log_file.h"
 #include "tests/support/sandbox.h"
+#include "tests/support/scripted_library.h"
 #include "tests/support/trace.h"
 
 namespace zebtest {
@@ -104,17 +104,17 @@ TEST(SupportLibrary, EachDifferenceIsNamed) {
     wanted.data = data.data();
     const auto send = [&data](_SL_LIB_CMD_PARAM_T request, std::uint8_t firstByte = 1) {
         return failuresOf([&] {
-            ScriptedLibrary library({0x11, 0x22});
-            library.expect({.type = 2,
-                            .cmd = 5,
-                            .contNo = 1,
-                            .ref = reference(10, 3),
-                            .param = {0, 7},
-                            .size = 8,
-                            .sends = Bytes{1},
-                            .answer = randomBytes(1, 4),
-                            .answerAt = 4,
-                            .status = 0x0C});
+            ScriptedLibrary script({0x11, 0x22});
+            script.expect({.type = 2,
+                           .cmd = 5,
+                           .contNo = 1,
+                           .ref = reference(10, 3),
+                           .param = {0, 7},
+                           .size = 8,
+                           .sends = Bytes{1},
+                           .answer = randomBytes(1, 4),
+                           .answerAt = 4,
+                           .status = 0x0C});
             data = {firstByte, 0, 0, 0, 0, 0, 0, 0};
             EXPECT_EQ(0x0CU, pfnProcessLibCommandMR(&request));
         });
@@ -142,7 +142,7 @@ TEST(SupportLibrary, EachDifferenceIsNamed) {
 TEST(SupportLibrary, SequenceIsStrict) {
     _SL_LIB_CMD_PARAM_T request{};
     EXPECT_THAT(failuresOf([&] {
-                    const ScriptedLibrary library;
+                    const ScriptedLibrary script;
                     pfnProcessLibCommandMR(&request);
                 }),
                 HasSubstr("unexpected, the script has ended"));
@@ -166,8 +166,8 @@ TEST(SupportLibrary, ControllerCommandHasDataOfItsOwn) {
     request.data = &input;
     const auto send = [&](std::uint32_t opcode, std::uint32_t size) {
         return failuresOf([&] {
-            ScriptedLibrary library;
-            library.expect({.size = size, .dcmd = DcmdInput{opcode, kDcmdFromController, {5}}, .answer = {8, 9}});
+            ScriptedLibrary script;
+            script.expect({.size = size, .dcmd = DcmdInput{opcode, kDcmdFromController, {5}}, .answer = {8, 9}});
             EXPECT_EQ(0U, pfnProcessLibCommandMR(&request));
         });
     };

@@ -13,7 +13,7 @@
 
 #include "storelib/dll_mod.h"
 #include "storelib/records/physical_drive.h"
-#include "tests/support/library.h"
+#include "tests/support/scripted_library.h"
 #include "tests/support/temp_log.h"
 
 namespace zebtest {
@@ -121,14 +121,14 @@ class WireTest : public testing::Test {
     /// Lets the requests of a wrapper succeed and expects no trace.
     void pass(const std::vector<ExpectedRequest>& requests, const std::function<std::uint32_t()>& call) {
         for (const auto& wanted : requests)
-            library.expect(wanted);
+            script.expect(wanted);
         EXPECT_EQ(0U, call());
-        library.finish();
+        script.finish();
         EXPECT_EQ("", log.take());
     }
 
     TempLog log;
-    ScriptedLibrary library{{0x11, 0x00A10B22}};
+    ScriptedLibrary script{{0x11, 0x00A10B22}};
 
   private:
     void run(const std::string& name, const std::vector<Step>& steps, const std::function<std::uint32_t()>& call,
@@ -142,10 +142,10 @@ class WireTest : public testing::Test {
                 for (const auto& func : reporters)
                     trace += func == reporters.front() ? requestTrace(func, wanted, i == failed ? status : 0)
                                                        : statusLine(func, status);
-            library.expect(i == failed ? failing(wanted, status) : wanted);
+            script.expect(i == failed ? failing(wanted, status) : wanted);
         }
         EXPECT_EQ(status, call());
-        library.finish();
+        script.finish();
         EXPECT_TRUE(sameText(log.take(), trace));
         after(failed == steps.size());
     }

@@ -6,9 +6,9 @@
 #include "commands/zebcli_cmd_ld/creation/construction.h"
 #include "commands/zebcli_cmd_ld/setting_tables.h"
 #include "main/zebcli_cmd_com/model/lookup.h"
-#include "tests/support/library.h"
 #include "tests/support/private_opt.h"
 #include "tests/support/sandbox.h"
+#include "tests/support/scripted_library.h"
 #include "tests/support/snapshot_model.h"
 #include "tests/support/temp_log.h"
 
@@ -260,21 +260,22 @@ TEST_F(UnitConstruction, CapacityOfWhatIsPlanned) {
 }
 
 TEST_F(UnitConstruction, DefaultsAndSizesAskTheLibraryForEachDrive) {
-    ScriptedLibrary library;
+    ScriptedLibrary script;
     const auto answer = [&](std::uint8_t slot, std::uint64_t size, std::uint32_t status) {
         _MR_PD_LIST list{};
         list.count = 1;
         list.addr[0].slotNo = slot;
         _MR_PD_INFO info{};
         info.coercedSize = size;
-        library.expect({.type = 1, .cmd = 4, .contNo = kCont, .size = 6152, .answer = bytesOf(list)});
-        library.expect({.type = 2, .cmd = 0, .contNo = kCont, .size = 512, .answer = bytesOf(info), .status = status});
+        script.expect({.type = 1, .cmd = 4, .contNo = kCont, .size = 6152, .answer = bytesOf(list)});
+        script.expect({.type = 2, .cmd = 0, .contNo = kCont, .size = 512, .answer = bytesOf(info), .status = status});
     };
     auto plan = std::make_unique<_SL_CREATE_LD_INFO_T>();
     plan->arrayCount = 1;
     plan->array[0] = {
         kRaid5, 3, {7, 8, 9}, 9, 9, 9, 9, 3, {{200, {}, 0, 0, 0, 0}, {1, {}, 0, 0, 0, 0}, {2, {}, 0, 0, 0, 0}}, 0, {}};
     for (const bool backup : {false, true}) {
+        std::ranges::fill(plan->array[0].ld[0].name, 'x');
         answer(7, 1000, 0);
         answer(8, 901, 0);
         answer(9, 5, 0x22); // a drive whose size cannot be read is passed over
@@ -285,10 +286,10 @@ TEST_F(UnitConstruction, DefaultsAndSizesAskTheLibraryForEachDrive) {
         EXPECT_EQ(0, array.accessPolicy);
         EXPECT_EQ(2, array.diskCachePolicy);
         EXPECT_EQ(7, array.stripeSize);
-        EXPECT_STREQ("LD_200", array.ld[0].name);
+        EXPECT_EQ("LD_200" + std::string(10, '\0'), std::string(array.ld[0].name, sizeof array.ld[0].name));
         EXPECT_EQ(6, array.ld[2].initType);
         EXPECT_EQ(600U, array.ld[2].size); // 2 x 901 / 3
-        library.finish();
+        script.finish();
     }
     log.take();
     plan->array[0].pdCount = 0;

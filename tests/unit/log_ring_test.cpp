@@ -8,7 +8,7 @@
 
 #include "log/last_error.h"
 #include "log/log_lines.h"
-#include "tests/support/library.h"
+#include "tests/support/scripted_library.h"
 #include "tests/support/temp_log.h"
 
 namespace zebtest {

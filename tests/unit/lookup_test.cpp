@@ -5,7 +5,7 @@
 #include "main/zebcli_cmd_com/model/raid_group_numbers.h"
 #include "main/zebcli_cmd_com/model/raid_groups.h"
 #include "main/zebcli_cmd_com/text/raid_group_words.h"
-#include "tests/support/library.h"
+#include "tests/support/scripted_library.h"
 #include "tests/support/snapshot_model.h"
 
 namespace zebtest {

@@ -76,9 +76,9 @@ struct Creation : WireTest {
         for (std::size_t failed = 0; failed <= all.size(); ++failed) {
             SCOPED_TRACE(name + ", request " + std::to_string(failed + 1));
             for (std::size_t i = 0; i < all.size() && i <= failed; ++i)
-                library.expect(i == failed ? failing(all[i], 0x04) : all[i]);
+                script.expect(i == failed ? failing(all[i], 0x04) : all[i]);
             EXPECT_EQ(failed < all.size() ? 4U : 0U, call());
-            library.finish();
+            script.finish();
             const std::string trace = log.take();
             EXPECT_TRUE(trace.ends_with(statusLine(name, failed < all.size() ? 4 : 0))) << trace;
             EXPECT_EQ(failed + 1 >= all.size(),
@@ -124,9 +124,9 @@ TEST_F(Creation, ArraysThatAreThereKeepAllButTheSequenceNumbers) {
     array.pd[2].ref.deviceId = 0x0BAD; // another drive than the plan's stands there
     const auto all = requests(block);
     for (std::size_t i = 0; i + 1 < all.size(); ++i)
-        library.expect(all[i]);
+        script.expect(all[i]);
     EXPECT_EQ(0x0CU, SLAddLDToRG(kCont, &plan, std::span(&array, 1)));
-    library.finish();
+    script.finish();
     EXPECT_EQ(statusLine("SLAddLDToRG", 0x0C), log.take());
 }
 

@@ -119,7 +119,7 @@ TEST_F(WireLoading, LibraryItselfIsCalledDirectly) {
 
     unloadDLL(1);
     EXPECT_TRUE(libMRPresent);
-    library.expect(failing(direct(0x09), 0x04));
+    script.expect(failing(direct(0x09), 0x04));
     EXPECT_EQ(0U, SLExitLib());
     EXPECT_FALSE(libMRPresent);
     EXPECT_EQ(0U, SLExitLib()) << "a second time";

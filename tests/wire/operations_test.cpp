@@ -171,11 +171,11 @@ TEST_F(WireOperations, DedicatedSpareIsRefusedWhereTheLdLiesOnOtherArrays) {
         ld.config.spanDepth = c.spans;
         for (std::uint16_t k = 0; k < 8; ++k)
             ld.config.span[k].arrayRef = static_cast<std::uint16_t>(0x5100 + k);
-        library.expect(request(0x04, 0x08, c.asked, 2368, bytesOf(array)));
+        script.expect(request(0x04, 0x08, c.asked, 2368, bytesOf(array)));
         if (c.lds > 0)
-            library.expect(request(0x03, 0x00, kLd, 384, bytesOf(ld)));
+            script.expect(request(0x03, 0x00, kLd, 384, bytesOf(ld)));
         EXPECT_EQ(0x0CU, SLMakeDedicatedHotspare(kCont, kSlot, c.asked)) << c.asked;
-        library.finish();
+        script.finish();
         EXPECT_EQ(statusLine("SLMakeDedicatedHotspare", 0x0C), log.take()) << c.asked;
     }
 }
@@ -247,11 +247,11 @@ TEST_F(WireOperations, MissingPartnerCountsAsNoneButMissingDriveIsAFailure) {
         for (const std::uint16_t deviceId : partner ? Ids{14, 99, 11} : Ids{99})
             visit(steps, deviceId);
         for (const Step& step : steps)
-            library.expect(step.request);
+            script.expect(step.request);
         int busy = 7;
         EXPECT_EQ(partner ? 0x00U : 0x0CU, SLIsDuringRebuildCopyback(kCont, kLd, &busy));
         EXPECT_EQ(partner ? 1 : 7, busy);
-        library.finish();
+        script.finish();
         EXPECT_EQ(missed + (partner ? "" : statusLine(kWalk, 0x0C)), log.take());
     }
 }

@@ -48,7 +48,7 @@ TEST_F(WirePassThru, ControllerCommands) {
         pass({c.wanted}, [&] { return c.call(data.data()); });
         EXPECT_EQ(wanted, data);
         data = c.wanted.sends.value_or(Bytes(c.wanted.size));
-        library.expect(failing(c.wanted, 0x0C));
+        script.expect(failing(c.wanted, 0x0C));
         EXPECT_EQ(0x0CU, c.call(data.data()));
         const auto& [opcode, direction, mailbox] = *c.wanted.dcmd;
         const _SL_DCMD_INPUT_T input{c.wanted.size, opcode, direction, {}, {mailbox[0]}, nullptr};
@@ -65,11 +65,11 @@ TEST_F(WirePassThru, SmartFailureSettingChangesOneByteOfTheDefaults) {
     written.sends = read.answer;
     written.sends->at(52) = 0xC3;
     for (const unsigned failed : {0U, 1U, 2U}) {
-        library.expect(failed == 0 ? failing(read, 0x04) : read);
+        script.expect(failed == 0 ? failing(read, 0x04) : read);
         if (failed != 0)
-            library.expect(failed == 1 ? failing(written, 0x04) : written);
+            script.expect(failed == 1 ? failing(written, 0x04) : written);
         EXPECT_EQ(failed == 2 ? 0U : 4U, SLSetFailPDOnSmartTer(kCont, 0xC3));
-        library.finish();
+        script.finish();
         const std::string entry = "func=SLSetFailPDOnSmartTer: contNo=1, failPdOnSMARTer=195\n";
         const std::string trace = log.take();
         EXPECT_TRUE(trace.starts_with(entry)) << trace;
@@ -148,11 +148,11 @@ TEST_F(WirePassThru, BootSectorIsReadTwiceAndTheSecondAnswerCounts) {
             ExpectedRequest second = status == 0 ? read : failing(read, status);
             second.sends.reset();
             for (const auto& wanted : {pdList({device(kDevice, kSlot)}), first, second})
-                library.expect(wanted);
+                script.expect(wanted);
             int boot = 9;
             EXPECT_EQ(status, SLCheckBootDisk(kCont, kSlot, &boot));
             EXPECT_EQ(status == 0 && active >= 446 && (active - 446) % 16 == 0, boot) << "0x80 at byte " << active;
-            library.finish();
+            script.finish();
             EXPECT_TRUE(sameText(log.take(), status == 0 ? "" : requestTrace("SLCheckBootDisk", read, status)));
         }
 }

@@ -115,7 +115,7 @@ TEST_F(WireQueries, SlotWithoutDiskIsNotAskedFor) {
     for (const Query& query : kQueries)
         if (query.ref == kDevice) {
             Bytes data(query.size);
-            library.expect(list);
+            script.expect(list);
             EXPECT_EQ(0x0CU, query.call(data.data())) << query.name;
             EXPECT_TRUE(
                 sameText(log.take(), "!ERR func=SLGetDeviceId: contNo=1, slotNo=200\n" + statusLine(query.name, 0x0C)));
@@ -203,12 +203,12 @@ TEST_F(WireQueries, LookUpsTakeTheFirstDiskOfTheSortedList) {
     }
     unsigned char slotNo = 77;
     for (std::uint16_t other = 30; other <= 33; ++other) {
-        library.expect(list);
+        script.expect(list);
         EXPECT_EQ(0x0CU, SLGetSlotNo(kCont, other, &slotNo)) << other << " is no disk";
         EXPECT_EQ("!ERR func=SLGetSlotNo: contNo=1, deviceId=" + std::to_string(other) + "\n", log.take());
     }
     std::uint16_t deviceId = 0;
-    library.expect(list);
+    script.expect(list);
     EXPECT_EQ(0x0CU, SLGetDeviceId(kCont, 4, &deviceId)) << "no disk is in that slot";
     EXPECT_EQ("!ERR func=SLGetDeviceId: contNo=1, slotNo=4\n", log.take());
 }
@@ -306,12 +306,12 @@ TEST_F(WireQueries, PartitionIsAskedInTwoStepsAndAlwaysTraced) {
                 return SLGetLDPartition(kCont, kLd, &partition);
             },
             [&](bool succeeded) { EXPECT_EQ(succeeded ? Bytes(&answer[0], &answer[120]) : old, bytesOf(partition)); });
-        library.expect(steps[0].request);
-        library.expect(second);
+        script.expect(steps[0].request);
+        script.expect(second);
         EXPECT_EQ(nonZero == 8 || nonZero == 15, IsOSInstallLD(kCont, kLd, nullptr)) << nonZero;
         log.take();
         pass({osMap(1, {{kLd + 1, 0, ""}})}, [&] { return IsOSInstallLD(kCont, kLd, nullptr); });
-        library.expect(failing(osMap(0, {}), 0x04));
+        script.expect(failing(osMap(0, {}), 0x04));
         EXPECT_EQ(0, IsOSInstallLD(kCont, kLd, nullptr));
         EXPECT_TRUE(log.take().ends_with("\n!ERR func=IsOSInstallLD: SLGetLDPartition error, contNo=1, ldNo=43\n"));
     }
@@ -350,10 +350,10 @@ TEST_F(WireQueries, SoftwareRaidIsToldByTheNameOfTheFirstController) {
     for (const auto& [name, wanted] : cases) {
         Bytes info(2048);
         std::copy_n(name, std::strlen(name), info.begin() + 1344);
-        library.expect({.type = 0x01, .cmd = 0x00, .size = 2048, .answer = info});
+        script.expect({.type = 0x01, .cmd = 0x00, .size = 2048, .answer = info});
         EXPECT_EQ(wanted, IsSoftwareRAID()) << name;
     }
-    library.expect({.type = 0x01, .cmd = 0x00, .size = 2048, .status = 0x04});
+    script.expect({.type = 0x01, .cmd = 0x00, .size = 2048, .status = 0x04});
     EXPECT_EQ(0, IsSoftwareRAID());
     EXPECT_TRUE(log.take().ends_with("\n!ERR func=IsSoftwareRAID: SLGetCtrlInfo error, contNo=0\n"));
 }

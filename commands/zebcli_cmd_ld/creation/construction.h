@@ -80,11 +80,12 @@ int ConfirmDiffPDSize(const _SL_CREATE_LD_INFO_T& plan, unsigned char contNo);
 int IsMixedInterfacePD(const _AFCONT* conts, unsigned char contNo);
 int IsMixedMediaTypePD(const _AFCONT* conts, unsigned char contNo);
 
+/// The smallest size of the group's drives, blocks, by the snapshot; all spans of a group are made equal, so that it
+/// counts for each. 0 without drives.
+std::uint64_t smallestSize(Controller ctrl, const PlannedArray& group);
+
 /// The usable capacity of a planned array, by the sizes of the snapshot.
 std::uint64_t CalcRAIDCapa(const PlannedArray& array, const _AFCONT* conts, unsigned char contNo);
-
-/// The usable capacity of an LD on drives of the given sizes; the smallest counts.
-std::uint64_t GetLDCapaciity(std::span<const std::uint64_t> sizes, ZEB_RAID_LVL level, unsigned char contNo);
 
 /// Not SetLDCapaciityText, which is given its sizes: the capacity in GB of an LD on the unconfigured drives, where
 /// keepSpare leaves out the one at position spareIndex.

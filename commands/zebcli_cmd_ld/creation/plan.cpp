@@ -7,7 +7,6 @@
 #include "main/zebcli_cmd_com/text/raid_group_words.h"
 
 #include <algorithm>
-#include <limits>
 
 namespace {
 
@@ -89,13 +88,6 @@ std::uint8_t plannedStripeSize(const _MR_CTRL_INFO& info) {
     else if (nearest > info.stripeSizeMax)
         nearest = info.stripeSizeMax;
     return nearest >= kSmallestStripeSize && nearest <= kLargestStripeSize ? nearest : kPreferredStripeSize;
-}
-
-std::uint64_t smallestSize(Controller ctrl, const PlannedArray& group) {
-    std::uint64_t smallest = std::numeric_limits<std::uint64_t>::max();
-    for (const std::uint8_t slotNo : slotsOf(group))
-        smallest = std::min<std::uint64_t>(smallest, ctrl.pd(slotNo).coercedSize);
-    return slotsOf(group).empty() ? 0 : smallest;
 }
 
 bool placeLds(PlannedArray& group, const LdSizes& sizes, FreeSegments& segments) {

@@ -44,9 +44,6 @@ inline std::uint64_t stripeBlocks(std::uint8_t stripeSize) {
     return std::uint64_t{1} << stripeSize;
 }
 
-/// The smallest size of the group's drives; all spans of a group are made equal, so that it counts for each.
-std::uint64_t smallestSize(Controller ctrl, const PlannedArray& group);
-
 /// Lays LDs into the free segments: one for each size, rounded up to whole stripes, into the first segment that has
 /// room; without sizes one LD on all whole stripes of the largest segment. The segments begin with a whole stripe; what
 /// is left of them stands in them afterwards. Returns false when something does not fit.

@@ -9,12 +9,10 @@
 #include "storelib/records/status.h"
 
 #include <algorithm>
-#include <limits>
 
 namespace {
 
 constexpr std::uint8_t kDefaultStripeSize = 7;
-constexpr std::uint64_t kNoSize = std::numeric_limits<std::uint64_t>::max();
 
 /// The coerced size that the library tells of a drive; false, and a trace, when it does not.
 bool askPdSize(const char* func, unsigned char contNo, unsigned char slotNo, std::uint64_t& size) {
@@ -31,13 +29,10 @@ void setDefaults(PlannedArray& array, std::uint8_t cachePolicy, std::uint8_t ini
     array.defaultCachePolicy = cachePolicy;
     array.stripeSize = kDefaultStripeSize;
     for (PlannedLd& ld : ldsOf(array)) {
+        std::ranges::fill(ld.name, '\0'); // all of it goes to the controller
         wsprintf(ld.name, "LD_%u", ld.ldNo);
         ld.initType = initType;
     }
-}
-
-std::uint64_t smallestOr0(std::uint64_t smallest) {
-    return smallest == kNoSize ? 0 : smallest;
 }
 
 } // namespace
@@ -46,13 +41,13 @@ int CreateLDDefaultSet(_SL_CREATE_LD_INFO_T& plan, const _AFCONT* conts, unsigne
     const std::uint8_t cachePolicy = IsCacheBkupPresent(conts, contNo) != 0 ? kWriteBack : kWriteThrough;
     for (PlannedArray& array : groupsOf(plan)) {
         setDefaults(array, cachePolicy, initType);
-        std::uint64_t smallest = kNoSize;
+        SmallestSize smallest;
         for (const std::uint8_t slotNo : slotsOf(array))
             if (std::uint64_t size = 0; askPdSize(__func__, contNo, slotNo, size))
-                smallest = std::min(smallest, size);
+                smallest.add(size);
         if (!knownLevel(__func__, array.level, contNo, __LINE__))
             return 0;
-        const std::uint64_t capacity = CalcLDCapa(array.level, array.pdCount, smallestOr0(smallest), contNo);
+        const std::uint64_t capacity = CalcLDCapa(array.level, array.pdCount, smallest.value(), contNo);
         for (PlannedLd& ld : ldsOf(array))
             ld.size = capacity / array.ldCount;
     }
@@ -77,16 +72,15 @@ int ConfirmDiffPDSize(const _SL_CREATE_LD_INFO_T& plan, unsigned char contNo) {
     return 0;
 }
 
-std::uint64_t CalcRAIDCapa(const PlannedArray& array, const _AFCONT* conts, unsigned char contNo) {
-    std::uint64_t smallest = kNoSize;
-    for (const std::uint8_t slotNo : slotsOf(array))
-        smallest = std::min<std::uint64_t>(smallest, conts[contNo].pdInfo[slotNo].coercedSize);
-    return CalcLDCapa(array.level, array.pdCount, smallestOr0(smallest), contNo);
+std::uint64_t smallestSize(Controller ctrl, const PlannedArray& group) {
+    SmallestSize smallest;
+    for (const std::uint8_t slotNo : slotsOf(group))
+        smallest.add(ctrl.pd(slotNo).coercedSize);
+    return smallest.value();
 }
 
-std::uint64_t GetLDCapaciity(std::span<const std::uint64_t> sizes, ZEB_RAID_LVL level, unsigned char contNo) {
-    const std::uint64_t smallest = sizes.empty() ? 0 : *std::min_element(sizes.begin(), sizes.end());
-    return CalcLDCapa(level, static_cast<unsigned short>(sizes.size()), smallest, contNo);
+std::uint64_t CalcRAIDCapa(const PlannedArray& array, const _AFCONT* conts, unsigned char contNo) {
+    return CalcLDCapa(array.level, array.pdCount, smallestSize({contNo, conts}, array), contNo);
 }
 
 void SetLDCapacityText(char (&text)[32], ZEB_RAID_LVL level, bool keepSpare, unsigned spareIndex, const _AFCONT* conts,
@@ -94,16 +88,16 @@ void SetLDCapacityText(char (&text)[32], ZEB_RAID_LVL level, bool keepSpare, uns
     const unsigned available = std::min(unconfiguredPds, kMaxSlots);
     const unsigned wanted =
         std::min(available - (keepSpare && available > 0 ? 1 : 0), GetMaxPdNumForRaidLvl(level, conts, contNo));
-    std::uint64_t smallest = kNoSize;
+    SmallestSize smallest;
     unsigned counted = 0;
     for (unsigned i = 0; i < available && counted < wanted; ++i) {
         if (keepSpare && i == spareIndex)
             continue;
-        smallest = std::min<std::uint64_t>(smallest, conts[contNo].pdInfo[unconfiguredPdList[i]].coercedSize);
+        smallest.add(conts[contNo].pdInfo[unconfiguredPdList[i]].coercedSize);
         ++counted;
     }
     wsprintf(text, "%s",
-             gbText(CalcLDCapa(level, static_cast<unsigned short>(wanted), smallestOr0(smallest), contNo)).c_str());
+             gbText(CalcLDCapa(level, static_cast<unsigned short>(wanted), smallest.value(), contNo)).c_str());
 }
 
 void ShowLDCapacity(char (*texts)[kCapacityTextSize], const _SL_CREATE_LD_INFO_T& plan, const _AFCONT* conts,

@@ -53,8 +53,14 @@ std::uint64_t CalcLDCapa(ZEB_RAID_LVL level, unsigned short drives, std::uint64_
     }
 }
 
+std::uint64_t GetLDCapaciity(std::span<const std::uint64_t> sizes, ZEB_RAID_LVL level, unsigned char contNo) {
+    SmallestSize smallest;
+    for (const std::uint64_t size : sizes)
+        smallest.add(size);
+    return CalcLDCapa(level, static_cast<unsigned short>(sizes.size()), smallest.value(), contNo);
+}
+
 void SetLDCapaciityText(char (&out)[kCapacityTextSize], std::span<const std::uint64_t> sizes, ZEB_RAID_LVL level,
                         unsigned char contNo) {
-    const std::uint64_t smallest = sizes.empty() ? 0 : *std::min_element(sizes.begin(), sizes.end());
-    wsprintf(out, "%s", gbText(CalcLDCapa(level, static_cast<unsigned short>(sizes.size()), smallest, contNo)).c_str());
+    wsprintf(out, "%s", gbText(GetLDCapaciity(sizes, level, contNo)).c_str());
 }

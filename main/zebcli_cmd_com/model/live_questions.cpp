@@ -17,13 +17,13 @@ int IsOSInstallLD(unsigned char contNo, unsigned char ldNo, const _AFCONT* /*con
 }
 
 int IsSoftwareRAID() {
-    static constexpr std::string_view kSoftwareRaid{"LSI Embedded MegaRAID\0", 22};
+    static constexpr std::string_view kWithItsEnd{kSoftwareRaidProduct, sizeof kSoftwareRaidProduct};
     _MR_CTRL_INFO info{};
     if (!succeeded(SLGetCtrlInfo(0, &info), {kComSource, __func__}, "SLGetCtrlInfo error", onController(0)))
         return 0;
     // As many characters are compared as the product name has, so that a shorter beginning of the name, and no name at
     // all, count as equal.
     const std::string_view product(info.productName, strnlen(info.productName, sizeof info.productName));
-    const std::string_view compared = product.substr(0, kSoftwareRaid.size());
-    return kSoftwareRaid.starts_with(compared) ? 1 : 0;
+    const std::string_view compared = product.substr(0, kWithItsEnd.size());
+    return kWithItsEnd.starts_with(compared) ? 1 : 0;
 }

@@ -28,6 +28,16 @@ std::uint32_t readLdOsMap(Caller caller, unsigned char contNo, HeapRecord<_SL_LD
     return map ? query(caller, contNo, kGetLdOsMap, map.get()) : kSlMemoryAllocFailed;
 }
 
+/// Whether the PCI identity is that of one of the two models that cannot copy back.
+bool isEntryModel(const _MR_CTRL_INFO& info) {
+    constexpr std::uint16_t kVendor = 0x1000;
+    constexpr std::uint16_t kDevice = 0x0079;
+    constexpr std::uint16_t kFirstModel = 0x9263;
+    constexpr std::uint16_t kSecondModel = 0x9280;
+    return info.vendorId == kVendor && info.deviceId == kDevice && info.subVendorId == kVendor &&
+           (info.subDeviceId == kFirstModel || info.subDeviceId == kSecondModel);
+}
+
 void setBit(std::uint32_t& word, std::uint32_t bit, bool on) {
     word = on ? (word | bit) : (word & ~bit);
 }
@@ -213,10 +223,7 @@ std::uint32_t SLSetFailPDOnSmartTer(unsigned char contNo, unsigned char value) {
 }
 
 int SLIsCopybackSupported(const _MR_CTRL_INFO* info) {
-    static constexpr char kSoftwareRaid[] = "LSI Embedded MegaRAID";
-    if (std::memcmp(info->productName, kSoftwareRaid, sizeof kSoftwareRaid) == 0)
+    if (std::memcmp(info->productName, kSoftwareRaidProduct, sizeof kSoftwareRaidProduct) == 0)
         return 0;
-    const bool entryModel = info->vendorId == 0x1000 && info->deviceId == 0x0079 && info->subVendorId == 0x1000 &&
-                            (info->subDeviceId == 0x9263 || info->subDeviceId == 0x9280);
-    return entryModel ? 0 : 1;
+    return isEntryModel(*info) ? 0 : 1;
 }

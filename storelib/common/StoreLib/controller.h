@@ -79,5 +79,8 @@ std::uint32_t SLStopPatrolReadOpe(unsigned char contNo);
 /// Whether a drive fails on a SMART error: reads the manufacturing defaults, changes that byte and writes them back.
 std::uint32_t SLSetFailPDOnSmartTer(unsigned char contNo, unsigned char value);
 
-/// 1 when the controller can copy back, else 0. Sends nothing.
+/// The product name of controllers whose RAID is made by the host's software.
+inline constexpr char kSoftwareRaidProduct[] = "LSI Embedded MegaRAID";
+
+/// 0 when the controller cannot copy back, as software RAID and the two entry models cannot, else 1. Sends nothing.
 int SLIsCopybackSupported(const _MR_CTRL_INFO* info);

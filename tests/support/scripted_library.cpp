@@ -1,4 +1,4 @@
-#include "tests/support/library.h"
+#include "tests/support/scripted_library.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <string_view>
 
 namespace {
 
@@ -117,10 +118,17 @@ constexpr auto strInfo = std::to_array<StatusRow>({
 });
 static_assert(strInfo.size() == 101);
 
-} // namespace
-
-const char* SLStrError(std::uint32_t status) {
+constexpr const char* textFor(std::uint32_t status) {
     const auto* row =
         std::find_if(strInfo.begin(), strInfo.end(), [&](const StatusRow& r) { return r.code == status; });
     return row != strInfo.end() ? row->text : "Storelib error";
+}
+static_assert(std::all_of(strInfo.begin(), strInfo.end(),
+                          [](const StatusRow& row) { return std::string_view(textFor(row.code)) == row.text; }),
+              "a text stands behind another one of its code");
+
+} // namespace
+
+const char* SLStrError(std::uint32_t status) {
+    return textFor(status);
 }

@@ -11,7 +11,7 @@ set(CPACK_PROJECT_CONFIG_FILE ${CMAKE_CURRENT_SOURCE_DIR}/ZebPackageTime.cmake)
 set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_SOURCE_DIR}/ZebPackageFolders.cmake)
 
 set(CPACK_DEB_COMPONENT_INSTALL ON)
-set(CPACK_COMPONENTS_ALL tool companion simulator)
+set(CPACK_COMPONENTS_ALL tool companion simulator recorder)
 set(CPACK_COMPONENTS_GROUPING IGNORE)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
@@ -44,5 +44,14 @@ set(CPACK_COMPONENT_SIMULATOR_DESCRIPTION "simulated RAID controllers for zebcli
 A libstorelib.so with no hardware behind it, scenarios for it, and the command
 zebcli-sim, which runs zebcli with it. For trying the tool and for testing
 scripts that use it.")
+
+set(CPACK_DEBIAN_RECORDER_PACKAGE_NAME zebcli-recorder)
+set(CPACK_DEBIAN_RECORDER_PACKAGE_DEPENDS "zebcli (>= ${PROJECT_VERSION})")
+set(CPACK_DEBIAN_RECORDER_PACKAGE_SUGGESTS zebcli-simulator)
+set(CPACK_COMPONENT_RECORDER_DESCRIPTION "record, preview and replay of zebcli's requests
+A libstorelib.so that stands between a command and the real library:
+zebcli-record keeps what was asked and answered, zebcli-preview shows what a
+command would change, and zebcli-replay runs a command against a recording,
+for which it needs zebcli-simulator.")
 
 include(CPack)

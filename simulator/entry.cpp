@@ -1,6 +1,7 @@
 // The library's one entry point.
 #include "simulator/call.h"
 #include "simulator/dispatch.h"
+#include "simulator/replay.h"
 #include "simulator/scenario_io.h"
 
 #include <cerrno>
@@ -120,7 +121,8 @@ std::uint32_t process(const _SL_LIB_CMD_PARAM_T& request) {
         head = traceHead(request);
     std::uint32_t status = kOsFailure;
     try {
-        status = answer(request);
+        Replay* replay = Replay::fromEnvironment();
+        status = replay != nullptr ? replay->answer(request) : answer(request);
     } catch (const std::bad_alloc&) {
         status = kOutOfMemory;
     }

@@ -124,18 +124,27 @@ must 'zebcli-sim does not run a scenario' env \
   ZEBSIM_SCENARIO=/usr/share/zebcli-simulator/scenarios/drive_failed.json zebcli-sim -ldpdprog
 says FAILED
 
+echo '* the recorder: what is recorded is replayed, and a preview changes nothing'
+library=/usr/lib/zebcli/simulator/libstorelib.so
+must 'a report cannot be recorded' zebcli-record /root/recording --library $library -- zebcli -ctrlinfo -aAll
+must 'a recording cannot be replayed' zebcli-replay /root/recording -- zebcli -ctrlinfo -aAll
+says '### General Information ###'
+must 'a preview fails' zebcli-preview --library $library -- zebcli -pdoffline '-pd[252:3]' -a0
+says 'nothing was changed; 1 request was held back'
+rm -- "$root/root/recording"
+
 echo '* upgrade'
 echo '# changed by the administrator' >>"$root/opt/quorvel/zeb/zeb_config.csv"
 cp -- "$root/opt/quorvel/zeb/log/zebcli.log" "$scratch/log"
 install_packages "$scratch/newer"
-must 'dpkg lost the package' dpkg-query --show zebcli zebcli-simulator zebstat
+must 'dpkg lost the package' dpkg-query --show zebcli zebcli-simulator zebstat zebcli-recorder
 says 2.3.1
 cmp -s -- "$scratch/log" "$root/opt/quorvel/zeb/log/zebcli.log" || fail 'the upgrade changes the command log'
 grep -q administrator "$root/opt/quorvel/zeb/zeb_config.csv" || fail 'the upgrade overwrites a configuration file'
 must 'the upgraded tool does not run' zebcli-sim -v
 
 echo '* remove'
-must 'the packages cannot be removed' dpkg --remove zebcli-simulator zebcli zebstat
+must 'the packages cannot be removed' dpkg --remove zebcli-recorder zebcli-simulator zebcli zebstat
 has opt/quorvel/zeb/log/zebcli.log
 has opt/quorvel/zeb/zeb_config.csv
 has opt/quorvel/zeb/confpat1.csv
@@ -144,7 +153,7 @@ lacks usr/sbin/zebcli
 lacks usr/lib/zebcli
 
 echo '* purge'
-must 'the packages cannot be purged' dpkg --purge zebcli-simulator zebcli zebstat
+must 'the packages cannot be purged' dpkg --purge zebcli-recorder zebcli-simulator zebcli zebstat
 lacks opt/quorvel
 list_files >"$scratch/after"
 diff "$scratch/before" "$scratch/after" >"$scratch/output" || fail 'files are left behind' "$scratch/output"

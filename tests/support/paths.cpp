@@ -13,6 +13,8 @@ const char* const scenarioDir = ZEB_SCENARIO_DIR;
 const char* const patternFile = ZEB_SOURCE_DIR "/share/confpat1.csv";
 const char* const libNoEntryDir = ZEB_LIB_NO_ENTRY;
 const char* const failingCalls = ZEB_FAILING_CALLS;
+const char* const recorderDir = ZEB_RECORDER_DIR;
+const char* const libRoughDir = ZEB_LIB_ROUGH;
 #ifdef ZEB_RELEASE_DIR
 const char* const releaseZebcli = ZEB_RELEASE_DIR "/zebcli";
 const char* const releaseZebstat = ZEB_RELEASE_DIR "/zebstat/zebstat";

@@ -15,6 +15,8 @@ extern const char* const scenarioDir;
 extern const char* const patternFile; ///< as it is shipped
 extern const char* const libNoEntryDir; ///< of a library without the entry point
 extern const char* const failingCalls; ///< preloaded to let calls of the C library fail
+extern const char* const recorderDir; ///< of the recorder, laid out as it is installed
+extern const char* const libRoughDir; ///< of a library that misbehaves
 extern const char* const releaseZebcli; ///< of a release build; empty where there is none
 extern const char* const releaseZebstat;
 extern const char* const releaseLibraryDir;

@@ -1,0 +1,157 @@
+#include "recorder/run_command.h"
+
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace zebrec {
+
+namespace {
+
+volatile pid_t theCommand = 0;
+
+void ignoreSignal(int /*number*/) {}
+
+void handOn(int number) {
+    if (theCommand > 0)
+        ::kill(theCommand, number);
+}
+
+/// Takes a signal over, unless the caller wants it ignored. A handler, other than "ignore", ends with exec.
+void handle(int number, void (*handler)(int)) {
+    struct sigaction action {};
+    if (::sigaction(number, nullptr, &action) != 0 || action.sa_handler == SIG_IGN)
+        return;
+    action = {};
+    action.sa_handler = handler;
+    action.sa_flags = SA_RESTART;
+    ::sigaction(number, &action, nullptr);
+}
+
+[[noreturn]] void becomeCommand(const std::vector<std::string>& command, const std::map<std::string, std::string>& env,
+                                const sigset_t& signals, int failure) {
+    std::vector<char*> argv;
+    for (const std::string& word : command)
+        argv.push_back(const_cast<char*>(word.c_str()));
+    argv.push_back(nullptr);
+    for (const auto& [name, value] : env)
+        ::setenv(name.c_str(), value.c_str(), 1);
+    ::sigprocmask(SIG_SETMASK, &signals, nullptr);
+    ::execvp(argv[0], argv.data());
+    const int reason = errno;
+    const ssize_t said = ::write(failure, &reason, sizeof reason);
+    ::_exit(said == sizeof reason ? 127 : 126);
+}
+
+int waitFor(pid_t child) {
+    int status = 0;
+    while (::waitpid(child, &status, 0) != child)
+        if (errno != EINTR)
+            return kCannotStart;
+    return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
+}
+
+} // namespace
+
+int refuse(const std::string& program, const std::string& message) {
+    std::fprintf(stderr, "%s: %s\n", program.c_str(), message.c_str());
+    return kCannotStart;
+}
+
+std::optional<int> runCommand(const std::vector<std::string>& command, const std::map<std::string, std::string>& env) {
+    int failure[2];
+    if (::pipe2(failure, O_CLOEXEC) != 0)
+        return std::nullopt;
+    sigset_t all;
+    sigset_t before;
+    sigfillset(&all);
+    ::sigprocmask(SIG_SETMASK, &all, &before);
+    for (const int number : {SIGINT, SIGQUIT})
+        handle(number, ignoreSignal);
+    for (const int number : {SIGTERM, SIGHUP, SIGUSR1, SIGUSR2})
+        handle(number, handOn);
+    std::fflush(nullptr);
+    const pid_t child = ::fork();
+    if (child == 0)
+        becomeCommand(command, env, before, failure[1]);
+    theCommand = child;
+    ::close(failure[1]);
+    ::sigprocmask(SIG_SETMASK, &before, nullptr);
+    int reason = errno;
+    ssize_t length = 0;
+    if (child > 0)
+        do
+            length = ::read(failure[0], &reason, sizeof reason);
+        while (length < 0 && errno == EINTR);
+    ::close(failure[0]);
+    const int status = child > 0 ? waitFor(child) : 0;
+    theCommand = 0;
+    if (child > 0 && length == 0)
+        return status;
+    errno = reason;
+    return std::nullopt;
+}
+
+std::string libraryPathWith(const std::string& folder) {
+    const char* before = std::getenv("LD_LIBRARY_PATH");
+    return before != nullptr && *before != '\0' ? folder + ":" + before : folder;
+}
+
+std::string pathOfFile(int file) {
+    return "/proc/" + std::to_string(::getpid()) + "/fd/" + std::to_string(file);
+}
+
+std::map<std::string, std::string> recorderEnvironment(const std::string& folder, const std::string& realLibrary,
+                                                       int pageFile) {
+    return {{"LD_LIBRARY_PATH", libraryPathWith(folder)},
+            {kLibraryVariable, realLibrary},
+            {kPageVariable, pathOfFile(pageFile)}};
+}
+
+void sayHowItEnded(const std::string& program, const SessionPage& page) {
+    for (const SessionPage::Place& place : page.place)
+        if (place.inside)
+            std::fprintf(stderr, "%s: the command ended inside request %llu: %s\n", program.c_str(),
+                         static_cast<unsigned long long>(place.request.number), describe(place.request).c_str());
+    page.overruns.forEach([&](const Mention& mention) {
+        std::fprintf(stderr, "%s: the library wrote %llu bytes behind the data of request %llu: %s\n", program.c_str(),
+                     static_cast<unsigned long long>(mention.amount), static_cast<unsigned long long>(mention.number),
+                     describe(mention).c_str());
+    });
+    if (page.failed != 0)
+        std::fprintf(stderr, "%s: the real library could not be loaded in the command: %s\n", program.c_str(),
+                     page.failure);
+}
+
+Arguments parseArguments(int argc, char** argv, const std::map<std::string, bool>& known) {
+    Arguments arguments;
+    for (int i = 1; i < argc; ++i) {
+        const std::string word = argv[i];
+        if (word == "--") {
+            arguments.command.assign(argv + i + 1, argv + argc);
+            break;
+        }
+        const std::size_t equals = word.find('=');
+        const auto option = known.find(word.substr(0, equals));
+        if (word.size() < 2 || word[0] != '-') {
+            arguments.words.push_back(word);
+        } else if (option == known.end() || (!option->second && equals != std::string::npos)) {
+            arguments.error = "unknown option " + word;
+        } else if (!option->second) {
+            arguments.options[word];
+        } else if (equals != std::string::npos) {
+            arguments.options[option->first] = word.substr(equals + 1);
+        } else if (i + 1 < argc) {
+            arguments.options[word] = argv[++i];
+        } else {
+            arguments.error = "option " + word + " needs a value";
+        }
+    }
+    return arguments;
+}
+
+} // namespace zebrec

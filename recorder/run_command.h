@@ -1,0 +1,48 @@
+// Runs the command behind "--" as if nothing stood around it, and what the programs of the recorder have in common.
+#pragma once
+
+#include "recorder/session_page.h"
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace zebrec {
+
+/// Status of a program that could not do its work.
+inline constexpr int kCannotStart = 3;
+
+/// Says one line on standard error, with the program's name before it, and returns kCannotStart.
+int refuse(const std::string& program, const std::string& message);
+
+/// Runs the command with the further environment and waits for it. Signals of the terminal reach the command alone;
+/// those that end a program are handed on. Returns its status, 128 and the number when a signal ended it, or nothing
+/// when it could not be started; errno then says why.
+std::optional<int> runCommand(const std::vector<std::string>& command, const std::map<std::string, std::string>& env);
+
+/// The environment with which a command loads the recorder's library, which finds the page and the real library.
+std::map<std::string, std::string> recorderEnvironment(const std::string& folder, const std::string& realLibrary,
+                                                       int pageFile);
+
+/// The folder before those of LD_LIBRARY_PATH.
+std::string libraryPathWith(const std::string& folder);
+
+/// The path under which other processes of this user can open a file of this one.
+std::string pathOfFile(int file);
+
+/// Says inside of which requests processes of the command ended, and that the library could not be loaded in one.
+void sayHowItEnded(const std::string& program, const SessionPage& page);
+
+/// The options of a command line up to "--" or the first word that is no option.
+struct Arguments {
+    std::map<std::string, std::string> options; ///< those without a value have an empty one
+    std::vector<std::string> words; ///< before "--"
+    std::vector<std::string> command; ///< behind "--"
+    std::string error; ///< not empty: what is wrong
+};
+
+/// `known` says of each option whether it takes a value.
+Arguments parseArguments(int argc, char** argv, const std::map<std::string, bool>& known);
+
+} // namespace zebrec

@@ -1,0 +1,68 @@
+// zebcli-preview: runs a command, lets it read and keeps its changes from the controllers.
+#include "recorder/real_library.h"
+#include "recorder/run_command.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+namespace {
+
+using namespace zebrec;
+
+constexpr char kProgram[] = "zebcli-preview";
+constexpr char kUsage[] = "usage: zebcli-preview [--library PATH] -- COMMAND...";
+
+/// The list of what was held back. The first one is how far the preview is true.
+void sayHeldBack(const SessionPage& page) {
+    const std::uint32_t count = page.heldBack.count;
+    bool first = true;
+    page.heldBack.forEach([&](const Mention& mention) {
+        std::fprintf(stderr, "held back: %s\n", describe(mention).c_str());
+        if (first && (count > 1 || page.afterHeldBack != 0))
+            std::fputs("true up to here; what follows was asked as if the above had happened, which it has not\n",
+                       stderr);
+        first = false;
+    });
+    if (count == 0)
+        std::fputs("nothing was changed; no request was held back\n", stderr);
+    else if (count == 1)
+        std::fputs("nothing was changed; 1 request was held back\n", stderr);
+    else
+        std::fprintf(stderr, "nothing was changed; %u requests were held back\n", count);
+}
+
+int preview(const std::vector<std::string>& command, const std::optional<std::string>& library) {
+    const Folders folders = Folders::ofThisProgram();
+    std::string reason;
+    const auto real = findRealLibrary(library, folders, reason);
+    if (!real)
+        return refuse(kProgram, reason);
+    int pageFile = -1;
+    SessionPage* page = makePage(pageFile);
+    if (page == nullptr)
+        return refuse(kProgram, std::string("no shared memory: ") + std::strerror(errno));
+    page->mode = Mode::kPreview;
+    const std::optional<int> status = runCommand(command, recorderEnvironment(folders.recorder, *real, pageFile));
+    if (!status)
+        return refuse(kProgram, command.front() + " cannot be started: " + std::strerror(errno));
+    sayHowItEnded(kProgram, *page);
+    sayHeldBack(*page);
+    return *status;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const Arguments arguments = parseArguments(argc, argv, {{"--library", true}, {"--help", false}});
+    if (arguments.options.count("--help") != 0)
+        return std::puts(kUsage) < 0 ? kCannotStart : 0;
+    if (!arguments.error.empty())
+        return refuse(kProgram, arguments.error);
+    if (!arguments.words.empty() || arguments.command.empty())
+        return refuse(kProgram, kUsage);
+    std::optional<std::string> library;
+    if (const auto named = arguments.options.find("--library"); named != arguments.options.end())
+        library = named->second;
+    return preview(arguments.command, library);
+}

@@ -1,0 +1,49 @@
+// zebcli-replay: runs a command against a recording in place of controllers.
+#include "recorder/real_library.h"
+#include "recorder/recording.h"
+#include "recorder/run_command.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <unistd.h>
+
+namespace {
+
+using namespace zebrec;
+
+constexpr char kProgram[] = "zebcli-replay";
+constexpr char kUsage[] = "usage: zebcli-replay FILE -- COMMAND...";
+
+/// Becomes the command; comes back only when that cannot be done.
+int replay(const std::string& path, const std::vector<std::string>& command) {
+    std::string reason;
+    if (!readRecordingFile(path, reason))
+        return refuse(kProgram, path + ": " + reason);
+    const Folders folders = Folders::ofThisProgram();
+    if (std::error_code none; !std::filesystem::exists(folders.simulator + "/libstorelib.so", none))
+        return refuse(kProgram, "the simulated library is not there; install the package zebcli-simulator");
+    ::setenv("LD_LIBRARY_PATH", libraryPathWith(folders.simulator).c_str(), 1);
+    ::setenv("ZEBSIM_REPLAY", std::filesystem::absolute(path).c_str(), 1);
+    std::vector<char*> argv;
+    for (const std::string& word : command)
+        argv.push_back(const_cast<char*>(word.c_str()));
+    argv.push_back(nullptr);
+    ::execvp(argv[0], argv.data());
+    return refuse(kProgram, command.front() + " cannot be started: " + std::strerror(errno));
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const Arguments arguments = parseArguments(argc, argv, {{"--help", false}});
+    if (arguments.options.count("--help") != 0)
+        return std::puts(kUsage) < 0 ? kCannotStart : 0;
+    if (!arguments.error.empty())
+        return refuse(kProgram, arguments.error);
+    if (arguments.words.size() != 1 || arguments.command.empty())
+        return refuse(kProgram, kUsage);
+    return replay(arguments.words.front(), arguments.command);
+}

@@ -1,0 +1,73 @@
+#include "tests/recorder/recorded.h"
+
+#include "tests/support/operation_case.h"
+#include "tests/support/paths.h"
+
+#include <algorithm>
+
+namespace fs = std::filesystem;
+
+namespace zebtest {
+
+const std::vector<ToolRun> kChangingRuns{
+    {"-cblearn -aAll"},
+    {"-ctrlsetprop -trh -aAll"},
+    {"-ctrlsetprop -pdfailenbl -hddcpybkdsbl -ssdcpybkdsbl -aAll"},
+    {"-ctrlautorbld -dsbl -aAll", "y\ny\n"},
+    {"-ctrlpr -enblman -start -aAll", "y\ny\n"},
+    {"-lddel", "0\n2,3\ny\ny\n"},
+    {"-ldinit -start -L1,2 -a0"},
+    {"-ldcc -start -L0,3 -a0"},
+    {"-ldsetprop -wb -name NEW -L0 -a0", "y\n"},
+    {"-pdhsp -ghs -pd[252:14] -a0", "y\ny\ny\n"},
+    {"-pdhsp -dhs -pd[252:14] -a0", "0\nQ\n"},
+    {"-pdhsp -rmv -nochk -pd[252:12,252:13] -a0"},
+    {"-pdlocate -start -pd[252:0,252:1] -a0"},
+    {"-pdlocate -stop -pd[252:0,252:1] -a0"},
+    {"-pdoffline -pd[252:1,252:6] -a0"},
+    {"-pdmakegood -pd[252:15] -a0"},
+    {"-pdonline -pd[252:0] -a0"},
+};
+
+RunOptions RecorderTest::tool(const std::string& scenario, const ToolRun& run) const {
+    RunOptions options;
+    options.program = options.argv0 = paths::zebcli;
+    options.args = words(run.args);
+    options.input = Input::kPipe;
+    options.inputText = run.input;
+    options.trace = true;
+    if (scenario != "built_in")
+        options.env["ZEBSIM_SCENARIO"] = fs::path(paths::scenarioDir) / (scenario + ".json");
+    return options;
+}
+
+RunOptions RecorderTest::under(const std::string& program, std::vector<std::string> before, RunOptions options) const {
+    before.push_back("--");
+    before.push_back(options.program);
+    before.insert(before.end(), options.args.begin(), options.args.end());
+    options.program = fs::path(paths::recorderDir) / "sbin" / program;
+    options.argv0 = program;
+    options.args = std::move(before);
+    return options;
+}
+
+RunResult RecorderTest::record(const RunOptions& options, std::vector<std::string> further) {
+    fs::remove(recording());
+    further.insert(further.begin(), recording());
+    return box.run(under("zebcli-record", std::move(further), options));
+}
+
+RunResult RecorderTest::replay(RunOptions options) {
+    options.env.erase("ZEBSIM_SCENARIO"); // what is left of the model must not matter
+    return box.run(under("zebcli-replay", {recording()}, std::move(options)));
+}
+
+std::vector<std::string> scenarioNames() {
+    std::vector<std::string> names{"built_in"};
+    for (const auto& entry : fs::directory_iterator(paths::scenarioDir))
+        names.push_back(entry.path().stem());
+    std::ranges::sort(names);
+    return names;
+}
+
+} // namespace zebtest

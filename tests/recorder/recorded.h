@@ -1,0 +1,36 @@
+// Runs the tool under the programs of the recorder.
+#pragma once
+
+#include "tests/support/sandbox.h"
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace zebtest {
+
+/// One line of the tool's arguments with what is typed at its questions.
+struct ToolRun {
+    std::string args; ///< separated by blanks
+    std::string input = {};
+};
+
+/// Commands that change something, each with the answers that let it.
+extern const std::vector<ToolRun> kChangingRuns;
+
+class RecorderTest : public SandboxTest {
+  protected:
+    /// The tool alone on a scenario ("built_in" or the name of a file), its request trace collected.
+    RunOptions tool(const std::string& scenario, const ToolRun& run) const;
+    /// The same behind a program of the recorder.
+    RunOptions under(const std::string& program, std::vector<std::string> before, RunOptions options) const;
+
+    std::filesystem::path recording() const { return box.root() / "recording"; }
+    /// Records a run into recording(), an earlier one is removed.
+    RunResult record(const RunOptions& options, std::vector<std::string> further = {});
+    RunResult replay(RunOptions options);
+};
+
+std::vector<std::string> scenarioNames();
+
+} // namespace zebtest

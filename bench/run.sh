@@ -149,7 +149,7 @@ heading "$(printf -- '-%.0s' {1..78})" '-------:' '-----:'
 largest
 built_in
 worst 'each command: instructions / floor' built_in 1 6 $most_instructions
-worst '  with the library taken out of both' built_in 2 6 -
+worst '  with the library taken out of both' built_in 2 6 $most_own_of_all
 worst 'each command: system calls - floor, as many log records' built_in 4 6 $most_calls
 worst '  with all log records' built_in 3 6 -
 worst 'each command: wall time / floor, median of 1,000' built_in 5 6 $most_wall

@@ -27,8 +27,14 @@ constexpr std::size_t kFieldSuppress = 4;
 constexpr std::size_t kFieldMessageIndex = 5;
 constexpr std::size_t kFieldMessage = 10;
 
+// A message id: its top two bits are the severity, its low 16 bits the index.
+constexpr unsigned kSeverityShift = 30;
+constexpr std::uint32_t kSeverityWarning = 2;
+constexpr std::uint32_t kSeverityError = 3;
+constexpr std::uint32_t kIndexMask = 0xFFFF;
+
 struct MessageIdentifier {
-    std::uint32_t id; ///< top two bits the severity (1 information, 2 warning, 3 error), low 16 bits the index
+    std::uint32_t id;
     const char* text;
 };
 
@@ -110,10 +116,10 @@ bool parseEvent(std::string_view line, ZEBSRV_EVT_INFO& record) {
 }
 
 int priorityOf(std::uint32_t messageId) {
-    switch (messageId >> 30U) {
-    case 3:
+    switch (messageId >> kSeverityShift) {
+    case kSeverityError:
         return LOG_DAEMON | LOG_ERR;
-    case 2:
+    case kSeverityWarning:
         return LOG_DAEMON | LOG_WARNING;
     default:
         return LOG_DAEMON | LOG_INFO;
@@ -169,7 +175,7 @@ void GetEvtLogOutputime(char* buffer, std::size_t size) {
 
 void RaidLogEvent(std::uint32_t messageId, const char* eventTime, const char* detailedCode, std::span<char> message,
                   const char* id) {
-    const std::uint32_t index = messageId & 0xFFFFU;
+    const std::uint32_t index = messageId & kIndexMask;
     const char* identifier = index >= 1 && index <= kIdentifiers.size() ? kIdentifiers[index - 1].text : "";
     openlog("zebservice", LOG_PID | LOG_CONS, LOG_DAEMON);
     if (message.size() > kDetailedMessageLimit)

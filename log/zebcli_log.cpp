@@ -10,6 +10,8 @@
 
 namespace {
 
+constexpr std::size_t kPrefixRoom = 32;
+
 /// Formats into a buffer, cutting what does not fit. Returns the length of the text.
 [[gnu::format(printf, 3, 0)]] std::size_t formatInto(char* out, std::size_t size, const char* format, va_list args) {
     const int length = std::vsnprintf(out, size, format, args);
@@ -24,7 +26,7 @@ namespace {
                                              std::size_t dataLen, const char* format, va_list args) {
     char text[kTraceSize];
     formatInto(text, sizeof text, format, args);
-    char message[kTraceSize + 32];
+    char message[kTraceSize + kPrefixRoom];
     std::snprintf(message, sizeof message, "%s%s", prefix, text);
     return dumpLog(sourceFile, line, message, static_cast<const unsigned char*>(data),
                    static_cast<unsigned int>(dataLen));

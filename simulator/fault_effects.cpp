@@ -1,6 +1,7 @@
 #include "simulator/fault_effects.h"
 
 #include <algorithm>
+#include <csignal>
 
 namespace zebsim {
 
@@ -157,13 +158,21 @@ Effects readBumpSeq(Reader& reader, const char* key, const Codes&) {
     return {{Phase::kModel, moveSequenceOn}};
 }
 
+Effects readKill(Reader& reader, const char* key, const Codes&) {
+    std::string when;
+    reader.text(key, when, "", 6);
+    if (when != "before" && when != "after")
+        throw ScenarioError(reader.at(key), "give \"before\" or \"after\"");
+    return {{when == "before" ? Phase::kRequest : Phase::kAfter, [](Stage&, std::uint64_t) { std::raise(SIGKILL); }}};
+}
+
 struct Action {
     const char* key;
     Effects (*read)(Reader& reader, const char* key, const Codes& codes);
 };
-constexpr Action kActions[] = {{"status", readStatus},  {"truncate", readTruncate}, {"random", readRandom},
-                               {"fill", readFill},      {"patch", readPatch},       {"fields", readFields},
-                               {"bumpSeq", readBumpSeq}};
+constexpr Action kActions[] = {{"status", readStatus},   {"truncate", readTruncate}, {"random", readRandom},
+                               {"fill", readFill},       {"patch", readPatch},       {"fields", readFields},
+                               {"bumpSeq", readBumpSeq}, {"kill", readKill}};
 
 std::string actionKeys() {
     std::string text;

@@ -85,7 +85,8 @@ TEST_F(WireOperations, ResolveTheirTargetAndSend) {
 TEST_F(WireOperations, ControllerPropertiesKeepEveryOtherByte) {
     const Bytes read = randomBytes(3, 64);
     const auto change = [&](const std::string& name, const std::string& heading, const Bytes& written, auto call) {
-        const std::uint32_t seqNo = read[0] + read[1] * 0x100U;
+        const std::uint32_t seqNo =
+            read[offsetof(_MR_CTRL_PROP, seqNo)] + read[offsetof(_MR_CTRL_PROP, seqNo) + 1] * 0x100U;
         check(
             name,
             {{request(0x01, 0x01, 0, 64, read, Bytes{}), {name}},
@@ -94,14 +95,15 @@ TEST_F(WireOperations, ControllerPropertiesKeepEveryOtherByte) {
     };
     for (unsigned flags = 0; flags < 8; ++flags) {
         Bytes written = read;
-        std::fill_n(written.begin() + 8, 5, std::uint8_t{30});
-        written[32] = static_cast<std::uint8_t>((read[32] & ~0x23U) | (flags & 3U) | (flags & 4U) << 3U);
+        std::fill_n(written.begin() + offsetof(_MR_CTRL_PROP, rebuildRate), 5, std::uint8_t{30});
+        written[offsetof(_MR_CTRL_PROP, onOff)] = static_cast<std::uint8_t>(
+            (read[offsetof(_MR_CTRL_PROP, onOff)] & ~0x23U) | (flags & 3U) | (flags & 4U) << 3U);
         const auto flag = [&](unsigned bit) { return static_cast<std::uint8_t>(0xA2U | (flags >> bit & 1U)); };
         const SL_CTRL_SETTING_INFO settings{30, flag(0), flag(1), flag(2)}; // of each flag only bit 0 counts
         change("SLSetCtrlProp", ": contNo=1\n", written, [&] { return SLSetCtrlProp(kCont, &settings); });
     }
     Bytes written = read;
-    written[19] = 0xFD;
+    written[offsetof(_MR_CTRL_PROP, disableAutoRebuild)] = 0xFD;
     change("SLSetCtrlRbldMode", ": contNo=1, disableAutoRebuild=253\n", written,
            [] { return SLSetCtrlRbldMode(kCont, 0xFD); });
 }
@@ -125,7 +127,8 @@ TEST_F(WireOperations, LdPropertiesNameTheirOwnLd) {
         {{0, 0}, 2}, {{1, 0}, 3}, {{0xFE, 1}, 0}, {{0xFF, 0xFF}, 1}};
     for (const auto& [flags, bits] : cases) {
         Bytes written = read;
-        written[25] = static_cast<std::uint8_t>((read[25] & ~3U) | bits);
+        written[offsetof(_MR_LD_PROPERTIES, snapshotFlags)] =
+            static_cast<std::uint8_t>((read[offsetof(_MR_LD_PROPERTIES, snapshotFlags)] & ~3U) | bits);
         check("SLSetSnapshotProp",
               {{request(0x03, 0x01, kLd, 32, read), {"SLGetLDProperties", "SLSetSnapshotProp"}},
                {request(0x03, 0x02, own, 32, {}, written), {"SLSetLDProperties", "SLSetSnapshotProp"}}},

@@ -39,10 +39,10 @@ const struct Query {
 } kQueries[] = {
     {"SLGetCtrlInfo", 0x01, 0x00, 0, 2048, kZeroed, on(SLGetCtrlInfo)},
     {"SLGetCtrlProp", 0x01, 0x01, 0, 64, kZeroed, on(SLGetCtrlProp)},
-    {"SLGetPDList", 0x01, 0x04, 0, 6152, kAsGiven, on(SLGetPDList), 4},
+    {"SLGetPDList", 0x01, 0x04, 0, 6152, kAsGiven, on(SLGetPDList), offsetof(_MR_PD_LIST, count)},
     {"SLGetEnclList", 0x01, 0x05, 0, 4616, kAsGiven, on(SLGetEnclList)},
     {"SLGetPciInfo", 0x01, 0x0B, 0, 112, kAsGiven, on(SLGetPciInfo)},
-    {"SLGetLDList", 0x01, 0x0D, 0, 1032, kZeroed, on(SLGetLDList), 0},
+    {"SLGetLDList", 0x01, 0x0D, 0, 1032, kZeroed, on(SLGetLDList), offsetof(_MR_LD_LIST, count)},
     {"SLGetPatrolReadProp", 0x01, 0x0F, 0, 208, kAsGiven, on(SLGetPatrolReadProp)},
     {"SLGetDrvVer", 0x01, 0x13, 0, 112, kAsGiven, on(SLGetDrvVer)},
     {"SLGetPDInfo", 0x02, 0x00, kDevice, 512, kZeroed, on(SLGetPDInfo, kSlot)},
@@ -53,9 +53,10 @@ const struct Query {
     {"SLGetLdProggress", 0x03, 0x08, kLd, 36, kAsGiven, on(SLGetLdProggress, kLd)},
     {"SLGetPDInLD", 0x03, 0x0B, kLd, 516, kAsGiven, on(SLGetPDInLD, kLd)},
     {"SLGetLDAllowedOperation", 0x03, 0x0E, kLd, 4, kAsGiven, on(SLGetLDAllowedOperation, kLd)},
-    {"SLReadConfig", 0x04, 0x00, 0, kConfig, kZeroed, onConfig(SLReadConfig), 8},
+    {"SLReadConfig", 0x04, 0x00, 0, kConfig, kZeroed, onConfig(SLReadConfig), offsetof(_MR_CONFIG_DATA, ldCount)},
     {"SLScanForForeignConfig", 0x04, 0x03, 0, 196, kAsGiven, on(SLScanForForeignConfig)},
-    {"SLReadConfigAfterImport", 0x04, 0x05, ~0U, kConfig, kAsGiven, onConfig(SLReadConfigAfterImport), 8},
+    {"SLReadConfigAfterImport", 0x04, 0x05, ~0U, kConfig, kAsGiven, onConfig(SLReadConfigAfterImport),
+     offsetof(_MR_CONFIG_DATA, ldCount)},
     {"SLGetArrayInfo", 0x04, 0x08, kArray, 2368, kAsGiven, on(SLGetArrayInfo, kArray)},
     {"SLGetCacheBkupStatus", 0x05, 0x00, 0, 64, kAsGiven, on(SLGetCacheBkupStatus)},
     {"SLGetCacheBkupCapacityInfo", 0x05, 0x01, 0, 48, kAsGiven, on(SLGetCacheBkupCapacityInfo)},
@@ -111,7 +112,7 @@ TEST_F(WireQueries, SendTheirRequestAndHandBackTheAnswerAsItCame) {
 
 TEST_F(WireQueries, SlotWithoutDiskIsNotAskedFor) {
     ExpectedRequest list = pdList({device(1, kSlot, 0x0D), device(2, kSlot - 1), device(3, kSlot)});
-    list.answer[4] = 2; // the third is beyond the count
+    list.answer[offsetof(_MR_PD_LIST, count)] = 2; // the third is beyond the count
     for (const Query& query : kQueries)
         if (query.ref == kDevice) {
             Bytes data(query.size);
@@ -134,7 +135,7 @@ TEST_F(WireQueries, ListsAreSortedAsFarAsTheyReach) {
         SCOPED_TRACE(count);
         _MR_PD_LIST pds{};
         Bytes bytes = randomBytes(count, sizeof pds);
-        put(bytes, 4, count);
+        put(bytes, offsetof(_MR_PD_LIST, count), count);
         pass({request(0x01, 0x04, 0, 6152, bytes)}, [&] { return SLGetPDList(kCont, &pds); });
         const std::size_t sorted = std::min(count, 256U);
         EXPECT_TRUE(std::is_sorted(pds.addr, pds.addr + sorted, [](auto& a, auto& b) { return a.slotNo < b.slotNo; }));
@@ -142,7 +143,7 @@ TEST_F(WireQueries, ListsAreSortedAsFarAsTheyReach) {
 
         _MR_LD_LIST lds{};
         bytes = randomBytes(count, sizeof lds);
-        put(bytes, 0, count);
+        put(bytes, offsetof(_MR_LD_LIST, count), count);
         pass(
             {request(0x01, 0x0D, 0, 1032, bytes)}, [&] { return SLGetLDList(kCont, &lds); });
         EXPECT_TRUE(std::is_sorted(lds.ld, lds.ld + std::min(count, 64U),
@@ -162,8 +163,8 @@ TEST_F(WireQueries, ConfigurationSortsItsLdsOnlyInsideTheBlock) {
                  {32 + 1280, 0, 65535, 5},  {616, 65535, 65535, 0},    {31, 0, 1, 0}};
     for (const auto& c : cases) {
         Bytes bytes = randomBytes(c.size, c.size);
-        put(bytes, 4, c.arrays);
-        put(bytes, 8, c.lds);
+        put(bytes, offsetof(_MR_CONFIG_DATA, arrayCount), c.arrays);
+        put(bytes, offsetof(_MR_CONFIG_DATA, ldCount), c.lds);
         const std::size_t first = 32 + std::size_t{c.arrays} * 288;
         for (unsigned i = 0; i < c.whole; ++i)
             bytes[first + i * 256] = static_cast<std::uint8_t>(200 - i); // target ids in descending order
@@ -349,7 +350,7 @@ TEST_F(WireQueries, SoftwareRaidIsToldByTheNameOfTheFirstController) {
         {"LSI Embedded MegaRAID", 1}, {"", 1}, {"LSI", 1}, {"LSI Embedded MegaRAID X", 0}, {"lsi", 0}};
     for (const auto& [name, wanted] : cases) {
         Bytes info(2048);
-        std::copy_n(name, std::strlen(name), info.begin() + 1344);
+        std::copy_n(name, std::strlen(name), info.begin() + offsetof(_MR_CTRL_INFO, productName));
         script.expect({.type = 0x01, .cmd = 0x00, .size = 2048, .answer = info});
         EXPECT_EQ(wanted, IsSoftwareRAID()) << name;
     }

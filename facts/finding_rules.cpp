@@ -31,7 +31,7 @@ std::string nameOf(const SensorObject& sensor) {
 
 /// "PD7", with its enclosure where another drive of the controller has the same slot number.
 std::string nameOf(const PhysicalDriveObject& drive, bool slotIsShared) {
-    const std::string name = "PD" + std::to_string(drive.slot);
+    std::string name = "PD" + std::to_string(drive.slot);
     if (!slotIsShared)
         return name;
     return name + (drive.enclosureId ? " of enclosure " + std::to_string(*drive.enclosureId) : " outside an enclosure");

@@ -136,7 +136,7 @@ std::string replaceFile(const std::string& path, std::string_view text) {
     if (!file.open())
         return failed();
     if (!fill(file, text) || renameat(folder.get(), beside.c_str(), folder.get(), name.c_str()) != 0) {
-        const std::string reason = failed();
+        std::string reason = failed();
         unlinkat(folder.get(), beside.c_str(), 0);
         return reason;
     }

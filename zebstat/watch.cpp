@@ -26,7 +26,7 @@ std::string cut(const std::string& text, std::size_t columns) {
     return text;
 }
 
-std::string padded(std::string text, std::size_t columns) {
+std::string padded(const std::string& text, std::size_t columns) {
     std::size_t characters = 0;
     for (const char c : text)
         characters += (static_cast<unsigned char>(c) & 0xC0U) != 0x80 ? 1 : 0;

@@ -40,7 +40,10 @@ make_base() {
 }
 
 inside() {
-  chroot "$root" /usr/bin/env -i LC_ALL=C HOME=/root PATH=/usr/sbin:/usr/bin:/sbin:/bin "$@" \
+  # With /proc, as on any machine; it goes with the namespace.
+  # shellcheck disable=SC2016 # the inner shell expands them
+  unshare --mount --propagation private sh -c 'mount -t proc proc "$1/proc" && exec chroot "$@"' inside "$root" \
+    /usr/bin/env -i LC_ALL=C HOME=/root PATH=/usr/sbin:/usr/bin:/sbin:/bin "$@" \
     </dev/null >"$scratch/output" 2>&1
 }
 

@@ -17,7 +17,10 @@ struct EasyVariant {
 };
 
 /// Room for every pair of levels with every division of the drives and every number of spares.
-using EasyVariants = BoundedList<EasyVariant, kRaidLevels*(2 + kRaidLevels * kMostEasyDrives * (kMostEasySpares + 1))>;
+inline constexpr std::size_t kMostEasyPairs = std::size_t{kRaidLevels} * kRaidLevels;
+inline constexpr std::size_t kMostEasyVariants =
+    std::size_t{2} * kRaidLevels + kMostEasyPairs * kMostEasyDrives * (kMostEasySpares + 1);
+using EasyVariants = BoundedList<EasyVariant, kMostEasyVariants>;
 
 /// The drives of a variant by slot number. Spares are the largest drives, of equal ones those with the highest slots;
 /// the others go in slot order to the first LD, then to the second.

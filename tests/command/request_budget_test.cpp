@@ -2,8 +2,8 @@
 // request costs time, so one more is a change that somebody has to want: ZEB_UPDATE_EXPECTED=1 rewrites the kept lists.
 // The first line of a list is the command line; bench/ reads it from there.
 #include "tests/support/expected.h"
+#include "tests/support/request_trace.h"
 #include "tests/support/sandbox.h"
-#include "tests/support/trace.h"
 
 #include <cstdio>
 #include <sstream>

@@ -1,8 +1,8 @@
 // Fails every request that a command sends, one after the other, and looks at what is left behind.
 #include "tests/support/log_file.h"
 #include "tests/support/paths.h"
+#include "tests/support/request_trace.h"
 #include "tests/support/sandbox.h"
-#include "tests/support/trace.h"
 
 #include <algorithm>
 #include <array>

@@ -2,7 +2,7 @@
 #include "tests/recorder/recorded.h"
 
 #include "recorder/request.h"
-#include "tests/support/trace.h"
+#include "tests/support/request_trace.h"
 
 #include <algorithm>
 #include <cstring>

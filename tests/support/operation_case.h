@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "tests/support/request_trace.h"
 #include "tests/support/sandbox.h"
-#include "tests/support/trace.h"
 
 namespace zebtest {
 

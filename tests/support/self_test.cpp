@@ -9,9 +9,9 @@
 #include "storelib/dll_mod.h"
 #include "tests/support/expected.h"
 #include "tests/support/log_file.h"
+#include "tests/support/request_trace.h"
 #include "tests/support/sandbox.h"
 #include "tests/support/scripted_library.h"
-#include "tests/support/trace.h"
 
 namespace zebtest {
 namespace {

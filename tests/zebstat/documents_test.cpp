@@ -1,7 +1,7 @@
 // The document: of every scenario held, key by key, against what the scenario file says; of every request failing in
 // turn against the schema.
 #include "tests/support/expected.h"
-#include "tests/support/trace.h"
+#include "tests/support/request_trace.h"
 #include "tests/zebstat/zebstat_run.h"
 
 #include <gmock/gmock.h>

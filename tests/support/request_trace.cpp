@@ -1,4 +1,4 @@
-#include "tests/support/trace.h"
+#include "tests/support/request_trace.h"
 
 #include <algorithm>
 #include <charconv>

@@ -53,6 +53,11 @@ class Session {
   public:
     Session() : page_(pageOfEnvironment()), real_(page_) {
         const char* file = std::getenv(kFileVariable);
+        lost_ = page_ == nullptr && std::getenv(kPageVariable) != nullptr;
+        if (lost_)
+            std::fputs("zebrec: the program that started the recorder cannot be reached (is /proc there?); "
+                       "no request is handed on\n",
+                       stderr);
         if (page_ != nullptr && page_->mode == Mode::kRecord && file != nullptr)
             writer_ = std::make_unique<LineWriter>(*page_, file);
     }
@@ -70,6 +75,8 @@ class Session {
     void leave();
 
     SessionPage* page_;
+    /// Nobody can tell any more whether this is a preview, so nothing may be handed on.
+    bool lost_ = false;
     RealLibrary real_;
     std::unique_ptr<LineWriter> writer_;
     Forwarder forwarder_;
@@ -133,7 +140,7 @@ bool Session::heldBack() {
 }
 
 std::uint32_t Session::process(wire::_SL_LIB_CMD_PARAM_T& request) {
-    if (real_.entry() == nullptr)
+    if (lost_ || real_.entry() == nullptr)
         return kCannotLoad;
     if (!forwarder_.prepare(request))
         return kNoMemory;

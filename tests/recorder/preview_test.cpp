@@ -2,6 +2,7 @@
 #include "tests/recorder/recorded.h"
 
 #include "recorder/request.h"
+#include "tests/support/paths.h"
 #include "tests/support/request_trace.h"
 
 #include <algorithm>
@@ -118,6 +119,19 @@ TEST_F(Preview, SaysTheListInWords) {
               "nothing was changed; 1 request was held back\n");
     const RunResult reading = box.run(under("zebcli-preview", {}, onState({"-pdinfo -a0"})));
     EXPECT_EQ(reading.err, "nothing was changed; no request was held back\n");
+}
+
+TEST_F(Preview, HandsNothingOnWhenItsProgramCannotBeReached) {
+    // As without /proc: the recorder cannot know that this is a preview.
+    RunOptions options = onState({"-pdoffline -pd[252:3] -a0"});
+    options.env["ZEBREC_PAGE"] = "/proc/self/fd/999";
+    options.env["ZEBREC_LIBRARY"] = std::string(paths::libraryDir) + "/libstorelib.so";
+    options.libraryDir = std::string(paths::recorderDir) + "/lib/zebcli/recorder";
+    const RunResult result = box.run(options);
+    EXPECT_EQ(result.out, "Error - Failed to initialize.\n");
+    EXPECT_EQ(result.err, "zebrec: the program that started the recorder cannot be reached (is /proc there?); "
+                          "no request is handed on\n");
+    EXPECT_EQ(readFile(state()), before_);
 }
 
 } // namespace

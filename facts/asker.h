@@ -7,7 +7,6 @@
 #include <cstdint>
 #include <optional>
 #include <string_view>
-#include <utility>
 
 namespace facts {
 
@@ -23,24 +22,24 @@ class Asker {
     /// Asks by a wrapper that takes the controller's number first. The name is the wrapper's. Returns what went wrong;
     /// it stands in the collection's errors then.
     template <class Wrapper, class... Arguments>
-    std::optional<Failure> ask(Object about, std::string_view name, Wrapper wrapper, Arguments... arguments) {
+    std::optional<Failure> ask(const Object& about, std::string_view name, Wrapper wrapper, Arguments... arguments) {
         ++collection_.requests;
-        return keep(std::move(about), name, wrapper(contNo_, arguments...));
+        return keep(about, name, wrapper(contNo_, arguments...));
     }
 
     /// The same for a command to the drive itself, whose refusal is an answer too: no error, but nothing told.
     template <class Wrapper, class... Arguments>
-    bool tells(Object about, std::string_view name, Wrapper wrapper, Arguments... arguments) {
+    bool tells(const Object& about, std::string_view name, Wrapper wrapper, Arguments... arguments) {
         ++collection_.requests;
         const std::uint32_t status = wrapper(contNo_, arguments...);
-        return status != kSlScsiStatus && !keep(std::move(about), name, status);
+        return status != kSlScsiStatus && !keep(about, name, status);
     }
 
   private:
-    std::optional<Failure> keep(Object about, std::string_view name, std::uint32_t status) {
+    std::optional<Failure> keep(const Object& about, std::string_view name, std::uint32_t status) {
         auto failure = failureOf(status);
         if (failure)
-            collection_.errors.push_back({{contNo_, std::move(about)}, name, *failure});
+            collection_.errors.push_back({{contNo_, about}, name, *failure});
         return failure;
     }
 

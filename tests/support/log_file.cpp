@@ -8,6 +8,7 @@
 #include <optional>
 #include <sys/file.h>
 
+#include "storelib/records/request.h"
 #include "tests/support/sandbox.h"
 
 namespace zebtest {
@@ -47,9 +48,10 @@ std::optional<LogRecord> parseRecord(const std::string& line) {
 /// Where the data pointer lies in the dump that a message announces; an empty range when it announces none.
 std::pair<std::size_t, std::size_t> pointerBytes(std::string_view message) {
     if (message.ends_with("CmdParam >"))
-        return {32, 40};
-    return message.ends_with("DcmdInput >") ? std::pair<std::size_t, std::size_t>{28, 36}
-                                            : std::pair<std::size_t, std::size_t>{0, 0};
+        return {offsetof(wire::_SL_LIB_CMD_PARAM_T, data), sizeof(wire::_SL_LIB_CMD_PARAM_T)};
+    if (message.ends_with("DcmdInput >"))
+        return {offsetof(wire::_SL_DCMD_INPUT_T, data), sizeof(wire::_SL_DCMD_INPUT_T)};
+    return {0, 0};
 }
 
 std::string maskPointer(std::string row, std::pair<std::size_t, std::size_t> range) {

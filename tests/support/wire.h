@@ -45,15 +45,27 @@ inline ExpectedRequest failing(ExpectedRequest wanted, std::uint32_t status) {
     return wanted;
 }
 
-/// A wrapper as a function of its data.
-using Call = std::function<std::uint32_t(void*)>;
+/// A wrapper as a function of its data, which is that large.
+struct Call {
+    std::uint32_t size; ///< bytes
+    std::function<std::uint32_t(void*)> call;
+
+    std::uint32_t operator()(void* data) const { return call(data); }
+};
+
+/// The size of a record, or of a plain number or block that stands for one; nothing for a block of any size.
+template <class Record>
+inline constexpr std::uint32_t kSizeOf = sizeof(Record);
+template <>
+inline constexpr std::uint32_t kSizeOf<void> = 0;
+
 template <class Record>
 Call on(std::uint32_t (*wrapper)(unsigned char, Record*)) {
-    return [=](void* data) { return wrapper(kCont, static_cast<Record*>(data)); };
+    return {kSizeOf<Record>, [=](void* data) { return wrapper(kCont, static_cast<Record*>(data)); }};
 }
 template <class Arg, class Record>
 Call on(std::uint32_t (*wrapper)(unsigned char, Arg, Record*), std::type_identity_t<Arg> arg) {
-    return [=](void* data) { return wrapper(kCont, arg, static_cast<Record*>(data)); };
+    return {kSizeOf<Record>, [=](void* data) { return wrapper(kCont, arg, static_cast<Record*>(data)); }};
 }
 
 /// A hex dump as TempLog::take shows it, none of its rows left out. The pointer bytes are masked.
@@ -92,8 +104,9 @@ inline std::string requestTrace(const std::string& func, const ExpectedRequest& 
     header.ctrlId = wanted.contNo ? ctrlList.ctrl[*wanted.contNo] : 0;
     header.ref.all = wanted.ref;
     std::copy(wanted.param.begin(), wanted.param.end(), header.param.bytes);
-    header.dataSize = wanted.dcmd ? 36 : wanted.size;
-    return "func=" + func + ": CmdParam >\n" + dumpText(bytesOf(header), 32) + statusLine(func, status);
+    header.dataSize = wanted.dcmd ? std::uint32_t{sizeof(_SL_DCMD_INPUT_T)} : wanted.size;
+    return "func=" + func + ": CmdParam >\n" + dumpText(bytesOf(header), offsetof(_SL_LIB_CMD_PARAM_T, data)) +
+           statusLine(func, status);
 }
 
 /// One request of a wrapper.

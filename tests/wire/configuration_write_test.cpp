@@ -40,7 +40,8 @@ struct Creation : WireTest {
         std::vector<ExpectedRequest> all;
         for (std::uint8_t slotNo = kFirstSlot; slotNo < kFirstSlot + 2; ++slotNo) {
             all.push_back(pdList(devices));
-            all.push_back(request(0x02, 0x00, driveIn(slotNo).ref.deviceId, 512, bytesOf(driveIn(slotNo))));
+            all.push_back(
+                request(0x02, 0x00, driveIn(slotNo).ref.deviceId, sizeof(_MR_PD_INFO), bytesOf(driveIn(slotNo))));
         }
         all.push_back(request(0, 0, 0, static_cast<std::uint32_t>(block.size())));
         all.back().dcmd = DcmdInput{kAddConfiguration, 1, {}};
@@ -118,7 +119,8 @@ TEST_F(Creation, ArraysThatAreThereKeepAllButTheSequenceNumbers) {
     written.pd[0].ref.seqNo = driveIn(kFirstSlot).ref.seqNo;
     written.pd[2].ref.seqNo = driveIn(kFirstSlot + 1).ref.seqNo;
     Bytes block = blockOf(written);
-    block[32 + 288 + 36] = 3; // drives of a span, as the array has them
+    block[sizeof(_MR_CONFIG_DATA) + sizeof(_MR_ARRAY) + offsetof(_MR_LD_CONFIG, numDrives)] =
+        3; // drives of a span, as the array has them
     checkEach("SLAddLDToRG", block, [&] { return SLAddLDToRG(kCont, &plan, std::span(&array, 1)); });
 
     array.pd[2].ref.deviceId = 0x0BAD; // another drive than the plan's stands there

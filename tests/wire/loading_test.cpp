@@ -108,12 +108,12 @@ TEST_F(WireLoading, LibraryItselfIsCalledDirectly) {
     _SL_CTRL_LIST_T list = listOf(9, 9, {9});
     const _SL_CTRL_LIST_T answer = listOf(3, 7, {1, 2, 3});
     check(
-        "InitializeLibrary", {{direct(0x00, 68, bytesOf(answer)), {"InitializeLibrary"}}},
+        "InitializeLibrary", {{direct(0x00, sizeof answer, bytesOf(answer)), {"InitializeLibrary"}}},
         [&] { return InitializeLibrary(&list, pfnProcessLibCommandMR); },
         [&](bool succeeded) { EXPECT_EQ(bytesOf(succeeded ? answer : _SL_CTRL_LIST_T{}), bytesOf(list)); });
     _SL_LIB_VER_T version{};
     check(
-        "SLGetLibraryVersion", {{direct(0x04, 12, {'1', '2'}), {"SLGetLibraryVersion"}}},
+        "SLGetLibraryVersion", {{direct(0x04, sizeof version, {'1', '2'}), {"SLGetLibraryVersion"}}},
         [&] { return SLGetLibraryVersion(&(version = {})); },
         [&](bool succeeded) { EXPECT_EQ(succeeded ? '2' : '\0', version.revision[1]); });
 

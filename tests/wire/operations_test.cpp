@@ -46,7 +46,10 @@ const struct Change {
 /// The reads by which a wrapper comes to its target's id and sequence number, 0xA1B2, and the reference that they make.
 std::pair<std::vector<Step>, std::uint32_t> resolve(const std::string& name, Target target) {
     const ExpectedRequest list = pdList({device(1, 2), device(kDevice, kSlot)});
-    const Bytes info{9, 9, 0xB2, 0xA1, 9};
+    _MR_PD_INFO pd{};
+    pd.ref = {9, 0xA1B2};
+    _MR_LD_INFO ld{};
+    ld.config.properties.ref.seqNo = 0xA1B2;
     const Step findPd{list, {"SLGetPDList", "SLGetDeviceId", name}};
     switch (target) {
     case Target::kNone:
@@ -56,14 +59,15 @@ std::pair<std::vector<Step>, std::uint32_t> resolve(const std::string& name, Tar
     case Target::kPd:
         return {{findPd}, kDevice};
     case kLdSeq:
-        return {{{request(0x03, 0x00, kLd, 384, info), {"SLGetLDInfo", "SLGetLDSequenceNumber", name}}},
+        return {{{request(0x03, 0x00, kLd, sizeof ld, bytesOf(ld)), {"SLGetLDInfo", "SLGetLDSequenceNumber", name}}},
                 reference(kLd, 0xA1B2)};
     default:
-        return {{findPd,
-                 {list, {"SLGetPDList", "SLGetSlotNo", "SLGetPDSequenceNumber", name}},
-                 {list, {"SLGetPDList", "SLGetDeviceId", "SLGetPDInfo", "SLGetPDSequenceNumber", name}},
-                 {request(0x02, 0x00, kDevice, 512, info), {"SLGetPDInfo", "SLGetPDSequenceNumber", name}}},
-                reference(kDevice, 0xA1B2)};
+        return {
+            {findPd,
+             {list, {"SLGetPDList", "SLGetSlotNo", "SLGetPDSequenceNumber", name}},
+             {list, {"SLGetPDList", "SLGetDeviceId", "SLGetPDInfo", "SLGetPDSequenceNumber", name}},
+             {request(0x02, 0x00, kDevice, sizeof pd, bytesOf(pd)), {"SLGetPDInfo", "SLGetPDSequenceNumber", name}}},
+            reference(kDevice, 0xA1B2)};
     }
 }
 
@@ -82,57 +86,69 @@ TEST_F(WireOperations, ResolveTheirTargetAndSend) {
     }
 }
 
+/// A record of random bytes.
+template <class Record>
+Record randomRecord(std::uint32_t seed) {
+    Record record{};
+    const Bytes bytes = randomBytes(seed, sizeof record);
+    std::memcpy(&record, bytes.data(), sizeof record);
+    return record;
+}
+
 TEST_F(WireOperations, ControllerPropertiesKeepEveryOtherByte) {
-    const Bytes read = randomBytes(3, 64);
-    const auto change = [&](const std::string& name, const std::string& heading, const Bytes& written, auto call) {
-        const std::uint32_t seqNo =
-            read[offsetof(_MR_CTRL_PROP, seqNo)] + read[offsetof(_MR_CTRL_PROP, seqNo) + 1] * 0x100U;
-        check(
-            name,
-            {{request(0x01, 0x01, 0, 64, read, Bytes{}), {name}},
-             {request(0x01, 0x02, seqNo, 64, {}, written), {name}, "func=" + name + heading + dumpText(written), true}},
-            call);
+    const auto read = randomRecord<_MR_CTRL_PROP>(3);
+    const auto change = [&](const std::string& name, const std::string& heading, const _MR_CTRL_PROP& wanted,
+                            auto call) {
+        const Bytes written = bytesOf(wanted);
+        check(name,
+              {{request(0x01, 0x01, 0, sizeof read, bytesOf(read), Bytes{}), {name}},
+               {request(0x01, 0x02, read.seqNo, sizeof read, {}, written),
+                {name},
+                "func=" + name + heading + dumpText(written),
+                true}},
+              call);
     };
     for (unsigned flags = 0; flags < 8; ++flags) {
-        Bytes written = read;
-        std::fill_n(written.begin() + offsetof(_MR_CTRL_PROP, rebuildRate), 5, std::uint8_t{30});
-        written[offsetof(_MR_CTRL_PROP, onOff)] = static_cast<std::uint8_t>(
-            (read[offsetof(_MR_CTRL_PROP, onOff)] & ~0x23U) | (flags & 3U) | (flags & 4U) << 3U);
+        _MR_CTRL_PROP written = read;
+        written.rebuildRate = written.patrolReadRate = written.bgiRate = written.ccRate = written.reconRate = 30;
+        written.onOff = (read.onOff & ~0x23U) | (flags & 3U) | (flags & 4U) << 3U;
         const auto flag = [&](unsigned bit) { return static_cast<std::uint8_t>(0xA2U | (flags >> bit & 1U)); };
         const SL_CTRL_SETTING_INFO settings{30, flag(0), flag(1), flag(2)}; // of each flag only bit 0 counts
         change("SLSetCtrlProp", ": contNo=1\n", written, [&] { return SLSetCtrlProp(kCont, &settings); });
     }
-    Bytes written = read;
-    written[offsetof(_MR_CTRL_PROP, disableAutoRebuild)] = 0xFD;
+    _MR_CTRL_PROP written = read;
+    written.disableAutoRebuild = 0xFD;
     change("SLSetCtrlRbldMode", ": contNo=1, disableAutoRebuild=253\n", written,
            [] { return SLSetCtrlRbldMode(kCont, 0xFD); });
 }
 
 TEST_F(WireOperations, PatrolReadPropertiesAreTheSecondRecord) {
-    const Bytes sent = randomBytes(4, 208);
-    _MR_PR_PROPERTIES properties{};
-    std::memcpy(&properties, sent.data(), sent.size());
+    auto properties = randomRecord<_MR_PR_PROPERTIES>(4);
+    const auto prop = randomRecord<_MR_CTRL_PROP>(5);
+    const Bytes sent = bytesOf(properties);
     const std::string name = "SLSetPatrolReadProp";
-    check(
-        name,
-        {{request(0x01, 0x01, 0, 64, {0xB2, 0xA1, 7}), {"SLGetCtrlProp", "SLGetCtrlSequenceNumber", name}},
-         {request(0x01, 0x10, 0xA1B2, 208, {}, sent), {name}, "func=" + name + ": contNo=1\n" + dumpText(sent), true}},
-        [&] { return SLSetPatrolReadProp(kCont, nullptr, &properties); });
+    check(name,
+          {{request(0x01, 0x01, 0, sizeof prop, bytesOf(prop)), {"SLGetCtrlProp", "SLGetCtrlSequenceNumber", name}},
+           {request(0x01, 0x10, prop.seqNo, sizeof properties, {}, sent),
+            {name},
+            "func=" + name + ": contNo=1\n" + dumpText(sent),
+            true}},
+          [&] { return SLSetPatrolReadProp(kCont, nullptr, &properties); });
 }
 
 TEST_F(WireOperations, LdPropertiesNameTheirOwnLd) {
-    const Bytes read = randomBytes(5, 32);
-    const std::uint32_t own = reference(read[0], static_cast<std::uint16_t>(read[2] + read[3] * 0x100U));
+    const auto read = randomRecord<_MR_LD_PROPERTIES>(5);
+    const std::uint32_t own = reference(read.ref.targetId, read.ref.seqNo);
     const std::pair<std::pair<unsigned char, unsigned char>, unsigned> cases[] = {
         {{0, 0}, 2}, {{1, 0}, 3}, {{0xFE, 1}, 0}, {{0xFF, 0xFF}, 1}};
     for (const auto& [flags, bits] : cases) {
-        Bytes written = read;
-        written[offsetof(_MR_LD_PROPERTIES, snapshotFlags)] =
-            static_cast<std::uint8_t>((read[offsetof(_MR_LD_PROPERTIES, snapshotFlags)] & ~3U) | bits);
-        check("SLSetSnapshotProp",
-              {{request(0x03, 0x01, kLd, 32, read), {"SLGetLDProperties", "SLSetSnapshotProp"}},
-               {request(0x03, 0x02, own, 32, {}, written), {"SLSetLDProperties", "SLSetSnapshotProp"}}},
-              [&, f = flags] { return SLSetSnapshotProp(kCont, kLd, f.first, f.second); });
+        _MR_LD_PROPERTIES written = read;
+        written.snapshotFlags = static_cast<std::uint8_t>((read.snapshotFlags & ~3U) | bits);
+        check(
+            "SLSetSnapshotProp",
+            {{request(0x03, 0x01, kLd, sizeof read, bytesOf(read)), {"SLGetLDProperties", "SLSetSnapshotProp"}},
+             {request(0x03, 0x02, own, sizeof read, {}, bytesOf(written)), {"SLSetLDProperties", "SLSetSnapshotProp"}}},
+            [&, f = flags] { return SLSetSnapshotProp(kCont, kLd, f.first, f.second); });
     }
 }
 
@@ -144,19 +160,21 @@ TEST_F(WireOperations, DedicatedSpareServesEverySpanOfTheLd) {
         array.ldTargetId[0] = kLd;
         _MR_LD_INFO ld{};
         ld.config.spanDepth = spans;
-        Bytes block{sent};
-        for (std::uint8_t k = 0; k < 8; ++k) {
+        _SL_DEDICATED_SPARE_T served{};
+        served.arrayCount = sent;
+        for (std::uint16_t k = 0; k < std::size(ld.config.span); ++k) {
             ld.config.span[k].arrayRef = static_cast<std::uint16_t>(0x5100 + k);
-            block.insert(block.end(), {k, 0x51});
+            if (k < sent)
+                served.arrayRef[k] = ld.config.span[k].arrayRef;
         }
-        block.resize(1U + 2U * sent);
-        block.resize(33);
+        const Bytes block = bytesOf(served);
         const std::string name = "SLMakeDedicatedHotspare";
         auto [steps, ref] = resolve(name, kPdSeq);
-        steps.insert(steps.begin(), {request(0x03, 0x00, kLd, 384, bytesOf(ld)), {"SLGetLDInfo", name}});
-        steps.insert(steps.begin(), {request(0x04, 0x08, 0x5100, 2368, bytesOf(array)), {"SLGetArrayInfo", name}});
+        steps.insert(steps.begin(), {request(0x03, 0x00, kLd, sizeof ld, bytesOf(ld)), {"SLGetLDInfo", name}});
+        steps.insert(steps.begin(),
+                     {request(0x04, 0x08, 0x5100, sizeof array, bytesOf(array)), {"SLGetArrayInfo", name}});
         const std::string heading = "func=" + name + ": contNo=1 ,slotNo=200, arrayRef=20736\n";
-        steps.push_back({request(0x02, 0x0B, ref, 33, {}, block), {name}, heading + dumpText(block), true});
+        steps.push_back({request(0x02, 0x0B, ref, sizeof served, {}, block), {name}, heading + dumpText(block), true});
         check(name, steps, [] { return SLMakeDedicatedHotspare(kCont, kSlot, 0x5100); });
     }
 }
@@ -172,11 +190,11 @@ TEST_F(WireOperations, DedicatedSpareIsRefusedWhereTheLdLiesOnOtherArrays) {
         array.ldTargetId[0] = kLd;
         _MR_LD_INFO ld{};
         ld.config.spanDepth = c.spans;
-        for (std::uint16_t k = 0; k < 8; ++k)
+        for (std::uint16_t k = 0; k < std::size(ld.config.span); ++k)
             ld.config.span[k].arrayRef = static_cast<std::uint16_t>(0x5100 + k);
-        script.expect(request(0x04, 0x08, c.asked, 2368, bytesOf(array)));
+        script.expect(request(0x04, 0x08, c.asked, sizeof array, bytesOf(array)));
         if (c.lds > 0)
-            script.expect(request(0x03, 0x00, kLd, 384, bytesOf(ld)));
+            script.expect(request(0x03, 0x00, kLd, sizeof ld, bytesOf(ld)));
         EXPECT_EQ(0x0CU, SLMakeDedicatedHotspare(kCont, kSlot, c.asked)) << c.asked;
         script.finish();
         EXPECT_EQ(statusLine("SLMakeDedicatedHotspare", 0x0C), log.take()) << c.asked;
@@ -200,7 +218,7 @@ Step readDrives(std::uint16_t count, const Ids& ids) {
     list.count = count;
     std::fill(std::begin(list.deviceId), std::end(list.deviceId), kNone);
     std::copy(ids.begin(), ids.end(), list.deviceId);
-    return {request(0x03, 0x0B, kLd, 516, bytesOf(list)), {"SLGetPDInLD", kWalk}};
+    return {request(0x03, 0x0B, kLd, sizeof list, bytesOf(list)), {"SLGetPDInLD", kWalk}};
 }
 
 /// The requests by which a drive is looked at, of one that is not there the first.
@@ -216,7 +234,7 @@ void visit(std::vector<Step>& steps, std::uint16_t deviceId) {
     info.copybackPartner = kDrives[deviceId - 10].partner;
     info.fwState = kDrives[deviceId - 10].state;
     steps.push_back({pdList(devices), {"SLGetPDList", "SLGetDeviceId", "SLGetPDInfo", kWalk}});
-    steps.push_back({request(0x02, 0x00, deviceId, 512, bytesOf(info)), {"SLGetPDInfo", kWalk}});
+    steps.push_back({request(0x02, 0x00, deviceId, sizeof info, bytesOf(info)), {"SLGetPDInfo", kWalk}});
 }
 
 TEST_F(WireOperations, WalkStopsAtTheFirstDriveAtWork) {

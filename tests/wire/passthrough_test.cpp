@@ -27,20 +27,23 @@ TEST_F(WirePassThru, ControllerCommands) {
         Call call;
     } cases[] = {
         {"SLGetTime", dcmd(0x01080201, 2, 4, 0), on(SLGetTime)},
-        {"SLGetMFCDefaults", dcmd(0x010E0201, 2, 72, 0), on(SLGetMFCDefaults)},
-        {"SLSetMFCDefaults", dcmd(0x010E0202, 1, 72, 0), on(SLSetMFCDefaults)},
-        {"SLGetSASConnector", dcmd(0x07030000, 2, 168, 0), on(SLGetSASConnector)},
+        {"SLGetMFCDefaults", dcmd(0x010E0201, 2, sizeof(_MR_MFC_DEFAULTS), 0), on(SLGetMFCDefaults)},
+        {"SLSetMFCDefaults", dcmd(0x010E0202, 1, sizeof(_MR_MFC_DEFAULTS), 0), on(SLSetMFCDefaults)},
+        {"SLGetSASConnector", dcmd(0x07030000, 2, sizeof(_MR_SAS_CONNECTORS), 0), on(SLGetSASConnector)},
         {"SLEnableSnapshot", dcmd(0x030F0100, 1, 16, kLd), on(SLEnableSnapshot, kLd)},
-        {"SLDisableSnapshot", dcmd(0x030F0200, 0, 0, kLd), [](void*) { return SLDisableSnapshot(kCont, kLd); }},
-        {"SLCreateSnapshotPIT", dcmd(0x030F0300, 3, 99, kLd),
-         [](void* data) { return SLCreateSnapshotPIT(kCont, kLd, data, 99); }},
+        {"SLDisableSnapshot", dcmd(0x030F0200, 0, 0, kLd), {0, [](void*) { return SLDisableSnapshot(kCont, kLd); }}},
+        {"SLCreateSnapshotPIT",
+         dcmd(0x030F0300, 3, 99, kLd),
+         {99, [](void* data) { return SLCreateSnapshotPIT(kCont, kLd, data, 99); }}},
         {"SLDeleteSnapshotPIT", dcmd(0x030F0400, 1, 8, kLd), on(SLDeleteSnapshotPIT, kLd)},
         {"SLCreateSnapshotView", dcmd(0x030F0500, 3, 72, kLd), on(SLCreateSnapshotView, kLd)},
         {"SLDeleteSnapshotView", dcmd(0x030F0600, 3, 8, kLd), on(SLDeleteSnapshotView, kLd)},
-        {"SLGetSnapshotInfo", dcmd(0x030F0800, 2, 77, kLd),
-         [](void* data) { return SLGetSnapshotInfo(kCont, kLd, data, 77); }},
-        {"SLGetSnapshotRepoSpace", dcmd(0x030F0C00, 2, 55, kLd),
-         [](void* data) { return SLGetSnapshotRepoSpace(kCont, kLd, data, 55); }}};
+        {"SLGetSnapshotInfo",
+         dcmd(0x030F0800, 2, 77, kLd),
+         {77, [](void* data) { return SLGetSnapshotInfo(kCont, kLd, data, 77); }}},
+        {"SLGetSnapshotRepoSpace",
+         dcmd(0x030F0C00, 2, 55, kLd),
+         {55, [](void* data) { return SLGetSnapshotRepoSpace(kCont, kLd, data, 55); }}}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         Bytes data = c.wanted.sends.value_or(Bytes(c.wanted.size));
@@ -51,19 +54,23 @@ TEST_F(WirePassThru, ControllerCommands) {
         script.expect(failing(c.wanted, 0x0C));
         EXPECT_EQ(0x0CU, c.call(data.data()));
         const auto& [opcode, direction, mailbox] = *c.wanted.dcmd;
-        const _SL_DCMD_INPUT_T input{c.wanted.size, opcode, direction, {}, {mailbox[0]}, nullptr};
+        _SL_DCMD_INPUT_T input{};
+        input.dataSize = c.wanted.size;
+        input.opcode = opcode;
+        input.direction = direction;
+        input.mailbox[0] = mailbox[0];
         const std::string trace = log.take();
         EXPECT_TRUE(sameText(trace.substr(0, trace.find("\n\n", 600) + 2),
                              requestTrace("SendDCMDPassThru", c.wanted, 0x0C) + "func=SendDCMDPassThru: DcmdInput >\n" +
-                                 dumpText(bytesOf(input), 28)));
+                                 dumpText(bytesOf(input), offsetof(_SL_DCMD_INPUT_T, data))));
     }
 }
 
 TEST_F(WirePassThru, SmartFailureSettingChangesOneByteOfTheDefaults) {
-    const ExpectedRequest read = dcmd(0x010E0201, 2, 72, 0);
-    ExpectedRequest written = dcmd(0x010E0202, 1, 72, 0);
+    const ExpectedRequest read = dcmd(0x010E0201, 2, sizeof(_MR_MFC_DEFAULTS), 0);
+    ExpectedRequest written = dcmd(0x010E0202, 1, sizeof(_MR_MFC_DEFAULTS), 0);
     written.sends = read.answer;
-    written.sends->at(52) = 0xC3;
+    written.sends->at(offsetof(_MR_MFC_DEFAULTS, failPdOnSmartError)) = 0xC3;
     for (const unsigned failed : {0U, 1U, 2U}) {
         script.expect(failed == 0 ? failing(read, 0x04) : read);
         if (failed != 0)
@@ -79,12 +86,16 @@ TEST_F(WirePassThru, SmartFailureSettingChangesOneByteOfTheDefaults) {
 
 /// A pass-through request for a command that reads.
 ExpectedRequest scsi(std::uint8_t kind, std::uint8_t timeout, Bytes cdb, std::uint16_t length, Bytes answer) {
-    Bytes block = {kDevice & 0xFF, kDevice >> 8, kind, 0, 2, 0, 0, 0, timeout, 0, 0, 10};
-    block.insert(block.end(), cdb.begin(), cdb.end());
-    block.resize(60);
-    block.insert(block.end(), {static_cast<std::uint8_t>(length), static_cast<std::uint8_t>(length >> 8U), 0, 0});
-    ExpectedRequest wanted = request(0x06, 0x00, kDevice, 64U + length, std::move(answer), block);
-    wanted.answerAt = 64;
+    _SL_SCSI_PASSTHRU_T head{};
+    head.deviceId = kDevice;
+    head.kind = kind;
+    head.direction = kDcmdFromController;
+    head.timeout = timeout;
+    head.cdbLength = sizeof head.cdb;
+    std::copy(cdb.begin(), cdb.end(), head.cdb);
+    head.dataLength = length;
+    ExpectedRequest wanted = request(0x06, 0x00, kDevice, sizeof head + length, std::move(answer), bytesOf(head));
+    wanted.answerAt = sizeof head;
     return wanted;
 }
 

@@ -26,44 +26,44 @@ constexpr bool kAsGiven = false;
 constexpr std::size_t kNothingSorted = SIZE_MAX;
 
 Call onConfig(std::uint32_t (*wrapper)(unsigned char, _MR_CONFIG_DATA*, std::uint32_t)) {
-    return [=](void* data) { return wrapper(kCont, static_cast<_MR_CONFIG_DATA*>(data), kConfig); };
+    return {kConfig, [=](void* data) { return wrapper(kCont, static_cast<_MR_CONFIG_DATA*>(data), kConfig); }};
 }
 
 const struct Query {
     const char* name;
     std::uint8_t type, cmd;
-    std::uint32_t ref, size;
+    std::uint32_t ref;
     bool zeroed;
     Call call;
     std::size_t countAt = kNothingSorted; // where the count stands by which the answer is sorted
 } kQueries[] = {
-    {"SLGetCtrlInfo", 0x01, 0x00, 0, 2048, kZeroed, on(SLGetCtrlInfo)},
-    {"SLGetCtrlProp", 0x01, 0x01, 0, 64, kZeroed, on(SLGetCtrlProp)},
-    {"SLGetPDList", 0x01, 0x04, 0, 6152, kAsGiven, on(SLGetPDList), offsetof(_MR_PD_LIST, count)},
-    {"SLGetEnclList", 0x01, 0x05, 0, 4616, kAsGiven, on(SLGetEnclList)},
-    {"SLGetPciInfo", 0x01, 0x0B, 0, 112, kAsGiven, on(SLGetPciInfo)},
-    {"SLGetLDList", 0x01, 0x0D, 0, 1032, kZeroed, on(SLGetLDList), offsetof(_MR_LD_LIST, count)},
-    {"SLGetPatrolReadProp", 0x01, 0x0F, 0, 208, kAsGiven, on(SLGetPatrolReadProp)},
-    {"SLGetDrvVer", 0x01, 0x13, 0, 112, kAsGiven, on(SLGetDrvVer)},
-    {"SLGetPDInfo", 0x02, 0x00, kDevice, 512, kZeroed, on(SLGetPDInfo, kSlot)},
-    {"SLGetPdProggress", 0x02, 0x07, kDevice, 32, kAsGiven, on(SLGetPdProggress, kSlot)},
-    {"SLGetPDAllowedOperation", 0x02, 0x14, kDevice, 4, kAsGiven, on(SLGetPDAllowedOperation, kSlot)},
-    {"SLGetLDInfo", 0x03, 0x00, kLd, 384, kAsGiven, on(SLGetLDInfo, kLd)},
-    {"SLGetLDProperties", 0x03, 0x01, kLd, 32, kAsGiven, on(SLGetLDProperties, kLd)},
-    {"SLGetLdProggress", 0x03, 0x08, kLd, 36, kAsGiven, on(SLGetLdProggress, kLd)},
-    {"SLGetPDInLD", 0x03, 0x0B, kLd, 516, kAsGiven, on(SLGetPDInLD, kLd)},
-    {"SLGetLDAllowedOperation", 0x03, 0x0E, kLd, 4, kAsGiven, on(SLGetLDAllowedOperation, kLd)},
-    {"SLReadConfig", 0x04, 0x00, 0, kConfig, kZeroed, onConfig(SLReadConfig), offsetof(_MR_CONFIG_DATA, ldCount)},
-    {"SLScanForForeignConfig", 0x04, 0x03, 0, 196, kAsGiven, on(SLScanForForeignConfig)},
-    {"SLReadConfigAfterImport", 0x04, 0x05, ~0U, kConfig, kAsGiven, onConfig(SLReadConfigAfterImport),
+    {"SLGetCtrlInfo", 0x01, 0x00, 0, kZeroed, on(SLGetCtrlInfo)},
+    {"SLGetCtrlProp", 0x01, 0x01, 0, kZeroed, on(SLGetCtrlProp)},
+    {"SLGetPDList", 0x01, 0x04, 0, kAsGiven, on(SLGetPDList), offsetof(_MR_PD_LIST, count)},
+    {"SLGetEnclList", 0x01, 0x05, 0, kAsGiven, on(SLGetEnclList)},
+    {"SLGetPciInfo", 0x01, 0x0B, 0, kAsGiven, on(SLGetPciInfo)},
+    {"SLGetLDList", 0x01, 0x0D, 0, kZeroed, on(SLGetLDList), offsetof(_MR_LD_LIST, count)},
+    {"SLGetPatrolReadProp", 0x01, 0x0F, 0, kAsGiven, on(SLGetPatrolReadProp)},
+    {"SLGetDrvVer", 0x01, 0x13, 0, kAsGiven, on(SLGetDrvVer)},
+    {"SLGetPDInfo", 0x02, 0x00, kDevice, kZeroed, on(SLGetPDInfo, kSlot)},
+    {"SLGetPdProggress", 0x02, 0x07, kDevice, kAsGiven, on(SLGetPdProggress, kSlot)},
+    {"SLGetPDAllowedOperation", 0x02, 0x14, kDevice, kAsGiven, on(SLGetPDAllowedOperation, kSlot)},
+    {"SLGetLDInfo", 0x03, 0x00, kLd, kAsGiven, on(SLGetLDInfo, kLd)},
+    {"SLGetLDProperties", 0x03, 0x01, kLd, kAsGiven, on(SLGetLDProperties, kLd)},
+    {"SLGetLdProggress", 0x03, 0x08, kLd, kAsGiven, on(SLGetLdProggress, kLd)},
+    {"SLGetPDInLD", 0x03, 0x0B, kLd, kAsGiven, on(SLGetPDInLD, kLd)},
+    {"SLGetLDAllowedOperation", 0x03, 0x0E, kLd, kAsGiven, on(SLGetLDAllowedOperation, kLd)},
+    {"SLReadConfig", 0x04, 0x00, 0, kZeroed, onConfig(SLReadConfig), offsetof(_MR_CONFIG_DATA, ldCount)},
+    {"SLScanForForeignConfig", 0x04, 0x03, 0, kAsGiven, on(SLScanForForeignConfig)},
+    {"SLReadConfigAfterImport", 0x04, 0x05, ~0U, kAsGiven, onConfig(SLReadConfigAfterImport),
      offsetof(_MR_CONFIG_DATA, ldCount)},
-    {"SLGetArrayInfo", 0x04, 0x08, kArray, 2368, kAsGiven, on(SLGetArrayInfo, kArray)},
-    {"SLGetCacheBkupStatus", 0x05, 0x00, 0, 64, kAsGiven, on(SLGetCacheBkupStatus)},
-    {"SLGetCacheBkupCapacityInfo", 0x05, 0x01, 0, 48, kAsGiven, on(SLGetCacheBkupCapacityInfo)},
-    {"SLGetCacheBkupDesignInfo", 0x05, 0x02, 0, 64, kAsGiven, on(SLGetCacheBkupDesignInfo)},
-    {"SLGetCacheBkupProperties", 0x05, 0x04, 0, 32, kAsGiven, on(SLGetCacheBkupProperties)},
-    {"SLGetEnclConfig", 0x08, 0x00, kEncl, 1024, kAsGiven, on(SLGetEnclConfig, kEncl)},
-    {"SLGetEnclStatus", 0x08, 0x05, kEncl, 2048, kAsGiven, on(SLGetEnclStatus, kEncl)},
+    {"SLGetArrayInfo", 0x04, 0x08, kArray, kAsGiven, on(SLGetArrayInfo, kArray)},
+    {"SLGetCacheBkupStatus", 0x05, 0x00, 0, kAsGiven, on(SLGetCacheBkupStatus)},
+    {"SLGetCacheBkupCapacityInfo", 0x05, 0x01, 0, kAsGiven, on(SLGetCacheBkupCapacityInfo)},
+    {"SLGetCacheBkupDesignInfo", 0x05, 0x02, 0, kAsGiven, on(SLGetCacheBkupDesignInfo)},
+    {"SLGetCacheBkupProperties", 0x05, 0x04, 0, kAsGiven, on(SLGetCacheBkupProperties)},
+    {"SLGetEnclConfig", 0x08, 0x00, kEncl, kAsGiven, on(SLGetEnclConfig, kEncl)},
+    {"SLGetEnclStatus", 0x08, 0x05, kEncl, kAsGiven, on(SLGetEnclStatus, kEncl)},
 };
 
 using WireQueries = WireTest;
@@ -90,15 +90,15 @@ class GuardedBlock {
 TEST_F(WireQueries, SendTheirRequestAndHandBackTheAnswerAsItCame) {
     std::uint32_t seed = 0;
     for (const Query& query : kQueries) {
-        Bytes answer = randomBytes(++seed, query.size);
+        Bytes answer = randomBytes(++seed, query.call.size);
         if (query.countAt != kNothingSorted)
             std::fill_n(answer.begin() + static_cast<std::ptrdiff_t>(query.countAt), 4, std::uint8_t{0});
-        const Bytes untouched(query.size, query.zeroed ? std::uint8_t{0} : kOld);
+        const Bytes untouched(query.call.size, query.zeroed ? std::uint8_t{0} : kOld);
         std::vector<Step> steps;
         if (query.ref == kDevice)
             steps.push_back({pdList({device(kDevice, kSlot)}), {"SLGetPDList", "SLGetDeviceId", query.name}});
-        steps.push_back({request(query.type, query.cmd, query.ref, query.size, answer, untouched), {query.name}});
-        const GuardedBlock block(query.size);
+        steps.push_back({request(query.type, query.cmd, query.ref, query.call.size, answer, untouched), {query.name}});
+        const GuardedBlock block(query.call.size);
         const std::span<std::uint8_t> data = block.bytes();
         check(
             query.name, steps,
@@ -115,7 +115,7 @@ TEST_F(WireQueries, SlotWithoutDiskIsNotAskedFor) {
     list.answer[offsetof(_MR_PD_LIST, count)] = 2; // the third is beyond the count
     for (const Query& query : kQueries)
         if (query.ref == kDevice) {
-            Bytes data(query.size);
+            Bytes data(query.call.size);
             script.expect(list);
             EXPECT_EQ(0x0CU, query.call(data.data())) << query.name;
             EXPECT_TRUE(
@@ -136,57 +136,67 @@ TEST_F(WireQueries, ListsAreSortedAsFarAsTheyReach) {
         _MR_PD_LIST pds{};
         Bytes bytes = randomBytes(count, sizeof pds);
         put(bytes, offsetof(_MR_PD_LIST, count), count);
-        pass({request(0x01, 0x04, 0, 6152, bytes)}, [&] { return SLGetPDList(kCont, &pds); });
-        const std::size_t sorted = std::min(count, 256U);
-        EXPECT_TRUE(std::is_sorted(pds.addr, pds.addr + sorted, [](auto& a, auto& b) { return a.slotNo < b.slotNo; }));
-        EXPECT_EQ(0, std::memcmp(pds.addr + sorted, bytes.data() + 8 + 24 * sorted, 24 * (256 - sorted)));
+        pass({request(0x01, 0x04, 0, sizeof pds, bytes)}, [&] { return SLGetPDList(kCont, &pds); });
+        _MR_PD_ADDRESS* const end = pds.addr + std::min<std::size_t>(count, std::size(pds.addr));
+        EXPECT_TRUE(std::is_sorted(pds.addr, end, [](auto& a, auto& b) { return a.slotNo < b.slotNo; }));
+        const Bytes got = bytesOf(pds);
+        const auto behind = reinterpret_cast<const std::uint8_t*>(end) - reinterpret_cast<std::uint8_t*>(&pds);
+        EXPECT_TRUE(std::equal(got.begin() + behind, got.end(), bytes.begin() + behind));
 
         _MR_LD_LIST lds{};
         bytes = randomBytes(count, sizeof lds);
         put(bytes, offsetof(_MR_LD_LIST, count), count);
         pass(
-            {request(0x01, 0x0D, 0, 1032, bytes)}, [&] { return SLGetLDList(kCont, &lds); });
-        EXPECT_TRUE(std::is_sorted(lds.ld, lds.ld + std::min(count, 64U),
+            {request(0x01, 0x0D, 0, sizeof lds, bytes)}, [&] { return SLGetLDList(kCont, &lds); });
+        EXPECT_TRUE(std::is_sorted(lds.ld, lds.ld + std::min(count, kMaxLds),
                                    [](auto& a, auto& b) { return a.targetId < b.targetId; }));
         unsigned char number = 0;
-        pass({request(0x01, 0x0D, 0, 1032, bytes)}, [&] { return SLGetLdNum(kCont, &number); });
+        pass({request(0x01, 0x0D, 0, sizeof lds, bytes)}, [&] { return SLGetLdNum(kCont, &number); });
         EXPECT_EQ(count & 0xFFU, number);
     }
 }
 
 TEST_F(WireQueries, ConfigurationSortsItsLdsOnlyInsideTheBlock) {
+    constexpr std::size_t kHead = sizeof(_MR_CONFIG_DATA);
+    constexpr std::size_t kLdSize = sizeof(_MR_LD_CONFIG);
+    constexpr std::size_t kBehindArray = kHead + sizeof(_MR_ARRAY);
     const struct {
-        std::uint32_t size; // bytes of the block
+        std::size_t size; // bytes of the block
         std::uint16_t arrays, lds;
-        unsigned whole; // LDs that lie whole in the block
-    } cases[] = {{32 + 288 + 768, 1, 3, 3}, {32 + 288 + 768, 1, 4, 3}, {32 + 288 + 767, 1, 3, 2},
-                 {32 + 1280, 0, 65535, 5},  {616, 65535, 65535, 0},    {31, 0, 1, 0}};
+        std::size_t whole; // LDs that lie whole in the block
+    } cases[] = {{kBehindArray + 3 * kLdSize, 1, 3, 3},     {kBehindArray + 3 * kLdSize, 1, 4, 3},
+                 {kBehindArray + 3 * kLdSize - 1, 1, 3, 2}, {kHead + 5 * kLdSize, 0, 65535, 5},
+                 {kSmallestConfigSize, 65535, 65535, 0},    {kHead - 1, 0, 1, 0}};
     for (const auto& c : cases) {
-        Bytes bytes = randomBytes(c.size, c.size);
+        const auto size = static_cast<std::uint32_t>(c.size);
+        Bytes bytes = randomBytes(size, size);
         put(bytes, offsetof(_MR_CONFIG_DATA, arrayCount), c.arrays);
         put(bytes, offsetof(_MR_CONFIG_DATA, ldCount), c.lds);
-        const std::size_t first = 32 + std::size_t{c.arrays} * 288;
-        for (unsigned i = 0; i < c.whole; ++i)
-            bytes[first + i * 256] = static_cast<std::uint8_t>(200 - i); // target ids in descending order
+        const std::size_t first = kHead + c.arrays * sizeof(_MR_ARRAY);
+        for (std::size_t i = 0; i < c.whole; ++i) // target ids in descending order
+            put(bytes, first + i * kLdSize + offsetof(_MR_LD_CONFIG, properties.ref.targetId),
+                static_cast<std::uint8_t>(200 - i));
         Bytes wanted = bytes;
-        for (unsigned i = 0; i < c.whole; ++i)
-            std::memcpy(&wanted[first + i * 256], &bytes[first + (c.whole - 1 - i) * 256], 256);
-        Bytes block(c.size);
-        pass({request(0x04, 0x00, 0, c.size, bytes)},
-             [&] { return SLReadConfig(kCont, reinterpret_cast<_MR_CONFIG_DATA*>(block.data()), c.size); });
-        EXPECT_EQ(wanted, block) << c.size << " bytes, " << c.lds << " LDs";
+        for (std::size_t i = 0; i < c.whole; ++i)
+            std::copy_n(&bytes[first + (c.whole - 1 - i) * kLdSize], kLdSize, &wanted[first + i * kLdSize]);
+        Bytes block(size);
+        pass({request(0x04, 0x00, 0, size, bytes)},
+             [&] { return SLReadConfig(kCont, reinterpret_cast<_MR_CONFIG_DATA*>(block.data()), size); });
+        EXPECT_EQ(wanted, block) << size << " bytes, " << c.lds << " LDs";
     }
 }
 
-TEST_F(WireQueries, ConfigurationSizeIsTheFirstWordOfAShortRead) {
+TEST_F(WireQueries, ConfigurationSizeIsReadFromAShortRead) {
+    Bytes configuration = randomBytes(7, kSmallestConfigSize);
+    put(configuration, offsetof(_MR_CONFIG_DATA, size), 0xF2345678U);
     unsigned size = 7;
     const auto after = [&](bool succeeded) { EXPECT_EQ(succeeded ? 0xF2345678U : 0U, std::exchange(size, 7)); };
     check(
-        "SLGetConfigSize", {{request(0x04, 0x00, 0, 616, {0x78, 0x56, 0x34, 0xF2}), {"SLGetConfigSize"}}},
+        "SLGetConfigSize", {{request(0x04, 0x00, 0, kSmallestConfigSize, configuration), {"SLGetConfigSize"}}},
         [&] { return SLGetConfigSize(kCont, &size); }, after);
     check(
         "SLGetForeignConfigSize",
-        {{request(0x04, 0x05, ~0U, 616, {0x78, 0x56, 0x34, 0xF2}), {"SLGetForeignConfigSize"}}},
+        {{request(0x04, 0x05, ~0U, kSmallestConfigSize, configuration), {"SLGetForeignConfigSize"}}},
         [&] { return SLGetForeignConfigSize(kCont, &size); }, after);
 }
 
@@ -229,7 +239,7 @@ TEST_F(WireQueries, SlotCountAddsOneOnlyAmongSeveralEnclosures) {
         std::tie(list.encl[1].slotCount, list.encl[1].type) = c.second;
         std::uint16_t slots = 999;
         check(
-            "SLGetSlotNum", {{request(0x01, 0x05, 0, 4616, bytesOf(list)), {"SLGetEnclList", "SLGetSlotNum"}}},
+            "SLGetSlotNum", {{request(0x01, 0x05, 0, sizeof list, bytesOf(list)), {"SLGetEnclList", "SLGetSlotNum"}}},
             [&] { return SLGetSlotNum(kCont, &slots); },
             [&](bool succeeded) { EXPECT_EQ(succeeded ? c.wanted : 0, slots) << c.count << int{c.first.first}; });
     }
@@ -240,7 +250,7 @@ ExpectedRequest osMap(std::uint32_t count, const std::vector<_SL_LD_OS_MAP_ENTRY
     _SL_LD_OS_MAP_T map{};
     map.count = count;
     std::copy(entries.begin(), entries.end(), map.entry);
-    return request(0x01, 0x0C, 0, 9220, bytesOf(map), Bytes{});
+    return request(0x01, 0x0C, 0, sizeof map, bytesOf(map), Bytes{});
 }
 
 TEST_F(WireQueries, OsDriveNameIsThatOfTheLastEntry) {
@@ -289,13 +299,20 @@ TEST_F(WireQueries, AllOsDriveNamesInTheOrderOfTheMapping) {
     }
 }
 
+/// What is kept of the answer to a partition request.
+Bytes headOf(const Bytes& answer) {
+    return {answer.begin(), answer.begin() + sizeof(_SL_PARTITION_INFO_T)};
+}
+
 TEST_F(WireQueries, PartitionIsAskedInTwoStepsAndAlwaysTraced) {
-    for (const std::size_t nonZero : {7U, 8U, 15U, 16U}) {
+    constexpr std::size_t kFirst = offsetof(_SL_PARTITION_INFO_T, osInstalled);
+    constexpr std::size_t kLast = kFirst + sizeof(_SL_PARTITION_INFO_T::osInstalled) - 1;
+    for (const std::size_t nonZero : {kFirst - 1, kFirst, kLast, kLast + 1}) {
         _SL_PARTITION_INFO_T partition{};
         const Bytes old = randomBytes(1, sizeof partition);
-        Bytes answer(14344, 0);
+        Bytes answer(kPartitionReplySize, 0);
         answer[nonZero] = 1;
-        ExpectedRequest second = request(0x00, 0x08, 0, 14344, answer, Bytes{});
+        ExpectedRequest second = request(0x00, 0x08, 0, kPartitionReplySize, answer, Bytes{});
         second.param = {0x34, kLd};
         const std::vector<Step> steps = {
             {osMap(3, {{0x100U + kLd, 0x77, ""}, {kLd, 0x1234, ""}, {kLd, 0x56, ""}}), {"SLGetLDPartition"}},
@@ -306,10 +323,10 @@ TEST_F(WireQueries, PartitionIsAskedInTwoStepsAndAlwaysTraced) {
                 std::memcpy(&partition, old.data(), old.size());
                 return SLGetLDPartition(kCont, kLd, &partition);
             },
-            [&](bool succeeded) { EXPECT_EQ(succeeded ? Bytes(&answer[0], &answer[120]) : old, bytesOf(partition)); });
+            [&](bool succeeded) { EXPECT_EQ(succeeded ? headOf(answer) : old, bytesOf(partition)); });
         script.expect(steps[0].request);
         script.expect(second);
-        EXPECT_EQ(nonZero == 8 || nonZero == 15, IsOSInstallLD(kCont, kLd, nullptr)) << nonZero;
+        EXPECT_EQ(nonZero == kFirst || nonZero == kLast, IsOSInstallLD(kCont, kLd, nullptr)) << nonZero;
         log.take();
         pass({osMap(1, {{kLd + 1, 0, ""}})}, [&] { return IsOSInstallLD(kCont, kLd, nullptr); });
         script.expect(failing(osMap(0, {}), 0x04));
@@ -334,27 +351,25 @@ TEST_F(WireQueries, QuestionsWithoutALookUpTakeOneRequest) {
     check("SLGetLDOSMap", {{mapping, {"SLGetLDOSMap"}}}, [&] { return SLGetLDOSMap(kCont, &(map = {})); });
 
     _SL_PARTITION_INFO_T partition{};
-    const Bytes answer = randomBytes(9, 14344);
-    ExpectedRequest wanted = request(0x00, 0x08, 0, 14344, answer, Bytes{});
+    const Bytes answer = randomBytes(9, kPartitionReplySize);
+    ExpectedRequest wanted = request(0x00, 0x08, 0, kPartitionReplySize, answer, Bytes{});
     wanted.param = {0x34, kLd};
     check(
         "SLGetMappedPartition", {{wanted, {"SLGetMappedPartition"}, {}, true}},
         [&] { return SLGetMappedPartition(kCont, kLd, 0x1234, &(partition = {})); },
-        [&](bool succeeded) {
-            EXPECT_EQ(succeeded ? Bytes(&answer[0], &answer[120]) : Bytes(120), bytesOf(partition));
-        });
+        [&](bool succeeded) { EXPECT_EQ(succeeded ? headOf(answer) : Bytes(sizeof partition), bytesOf(partition)); });
 }
 
 TEST_F(WireQueries, SoftwareRaidIsToldByTheNameOfTheFirstController) {
     const std::pair<const char*, int> cases[] = {
         {"LSI Embedded MegaRAID", 1}, {"", 1}, {"LSI", 1}, {"LSI Embedded MegaRAID X", 0}, {"lsi", 0}};
     for (const auto& [name, wanted] : cases) {
-        Bytes info(2048);
+        Bytes info(sizeof(_MR_CTRL_INFO));
         std::copy_n(name, std::strlen(name), info.begin() + offsetof(_MR_CTRL_INFO, productName));
-        script.expect({.type = 0x01, .cmd = 0x00, .size = 2048, .answer = info});
+        script.expect({.type = 0x01, .cmd = 0x00, .size = sizeof(_MR_CTRL_INFO), .answer = info});
         EXPECT_EQ(wanted, IsSoftwareRAID()) << name;
     }
-    script.expect({.type = 0x01, .cmd = 0x00, .size = 2048, .status = 0x04});
+    script.expect({.type = 0x01, .cmd = 0x00, .size = sizeof(_MR_CTRL_INFO), .status = 0x04});
     EXPECT_EQ(0, IsSoftwareRAID());
     EXPECT_TRUE(log.take().ends_with("\n!ERR func=IsSoftwareRAID: SLGetCtrlInfo error, contNo=0\n"));
 }

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <string>
 
 namespace zebstat {
 
@@ -16,9 +17,13 @@ class Deadline {
     Deadline(const Deadline&) = delete;
     Deadline& operator=(const Deadline&) = delete;
 
+    /// Why nothing watches over the run; empty when something does.
+    const std::string& problem() const { return problem_; }
+
   private:
     struct Watch;
     std::unique_ptr<Watch> watch_;
+    std::string problem_;
 };
 
 } // namespace zebstat

@@ -38,6 +38,9 @@ Collected collectNow(const Options& options, facts::Scope scope, const std::func
         untold(options.command, timeoutSentence(options.timeout));
     });
     Collected collected;
+    collected.problem = deadline.problem();
+    if (!collected.problem.empty())
+        return collected;
     const Library library(options.controllers);
     collected.problem = library.problem();
     if (collected.problem.empty())

@@ -120,9 +120,9 @@ class Watching {
                 return untold(options_.command, collected.problem);
             }
             const std::vector<Work> works = workOf(*collected.collection);
+            const int status = statusOf(*collected.collection, findingsOf(*collected.collection));
             if (!show(*collected.collection, works))
                 return kUntold;
-            const int status = statusOf(*collected.collection, findingsOf(*collected.collection));
             Terminal::setEndStatus(status);
             const bool done = works.empty() && collected.collection->complete();
             if (options_.once || (options_.untilDone && done) || terminal_.endKeyWithin(options_.interval))

@@ -19,6 +19,17 @@ using namespace zebstat;
     _exit(kUntold);
 }
 
+[[noreturn]] void endCheckWithoutMemory() {
+    constexpr char kWords[] = "ZEB UNKNOWN - no memory is left\n";
+    [[maybe_unused]] const ssize_t written = write(STDOUT_FILENO, kWords, sizeof kWords - 1);
+    _exit(kUntold);
+}
+
+/// Runs before the constants of the libraries are made, which take memory as well.
+[[gnu::constructor(101)]] void prepareForLackOfMemory() {
+    std::set_new_handler(endWithoutMemory);
+}
+
 int run(const Options& options) {
     switch (options.command) {
     case Command::Json:
@@ -42,8 +53,6 @@ int run(const Options& options) {
 int main(int argc, char** argv) {
     occupyStandardDescriptors();
     surviveWriteSignals();
-    std::set_new_handler(endWithoutMemory);
-
     const Reading reading = readOptions(argc, argv);
     if (!reading.answer.empty())
         return writeOutput(reading.answer) ? kDone : kUntold;
@@ -53,6 +62,8 @@ int main(int argc, char** argv) {
             writeOutput(unknownLine(reading.complaint));
         return kUntold;
     }
+    if (reading.options->command == Command::Check)
+        std::set_new_handler(endCheckWithoutMemory);
     if (reading.options->command != Command::Schema && geteuid() != 0)
         return untold(reading.options->command, "only root can ask the controllers; run it as root");
     return run(*reading.options);

@@ -10,6 +10,7 @@
 #include <cstring>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <pthread.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <termios.h>
@@ -100,6 +101,14 @@ EXPORT int open(const char* path, int flags, ...) {
     return fails("open", EMFILE) ? -1 : next<int(const char*, int, ...)>("open")(path, flags, mode);
 }
 
+EXPORT int openat(int folder, const char* path, int flags, ...) {
+    va_list args;
+    va_start(args, flags);
+    const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(args, mode_t) : 0;
+    va_end(args);
+    return fails("open", EMFILE) ? -1 : next<int(int, const char*, int, ...)>("openat")(folder, path, flags, mode);
+}
+
 EXPORT FILE* fopen(const char* path, const char* mode) {
     return fails("open", EMFILE) ? nullptr : next<FILE*(const char*, const char*)>("fopen")(path, mode);
 }
@@ -124,6 +133,24 @@ EXPORT int fstat(int fd, struct stat* info) {
 
 EXPORT int fchmod(int fd, mode_t mode) {
     return fails("fchmod", EPERM) ? -1 : next<int(int, mode_t)>("fchmod")(fd, mode);
+}
+
+EXPORT ssize_t write(int fd, const void* data, std::size_t size) {
+    return fails("write", ENOSPC) ? -1 : next<ssize_t(int, const void*, std::size_t)>("write")(fd, data, size);
+}
+
+EXPORT int fsync(int fd) {
+    return fails("fsync", EIO) ? -1 : next<int(int)>("fsync")(fd);
+}
+
+EXPORT int renameat(int from, const char* old, int to, const char* name) {
+    using Rename = int(int, const char*, int, const char*);
+    return fails("rename", EIO) ? -1 : next<Rename>("renameat")(from, old, to, name);
+}
+
+EXPORT int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*run)(void*), void* argument) {
+    using Create = int(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*);
+    return fails("thread", EAGAIN) ? EAGAIN : next<Create>("pthread_create")(thread, attributes, run, argument);
 }
 
 EXPORT int tcgetattr(int fd, termios* mode) {

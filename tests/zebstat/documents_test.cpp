@@ -120,58 +120,6 @@ TEST_F(DocumentForm, IsAsKept) {
     }
 }
 
-/// Runs a program of the system over the folder of documents.
-void expectAccepted(Sandbox& box, const std::string& program, std::vector<std::string> args) {
-    RunOptions options;
-    options.program = program;
-    options.args = std::move(args);
-    options.argv0 = program;
-    options.timeLimit = std::chrono::minutes(2);
-    const RunResult result = box.run(options);
-    EXPECT_EQ(result.exitStatus, 0) << result.out.substr(0, 4000) << result.err.substr(0, 4000);
-}
-
-TEST_F(DocumentForm, HoldsForEveryScenarioAndEveryRequestThatFails) {
-    if (!fs::exists("/usr/bin/jq") || !fs::exists("/usr/lib/python3/dist-packages/jsonschema"))
-        GTEST_SKIP() << "jq and python3-jsonschema are not installed";
-    const fs::path folder = box.root() / "documents";
-    std::vector<std::string> files;
-    const auto keep = [&](const std::string& name, const std::string& text) {
-        files.push_back(folder / (name + ".json"));
-        writeFile(files.back(), text);
-    };
-    for (const std::string& scenario : scenarioNames())
-        if (isServed(scenario)) {
-            keep(scenario, box.run(zebstatRun("json", scenario)).out);
-            keep(scenario + "_redacted", box.run(zebstatRun("json --redact", scenario)).out);
-        }
-    RunOptions clean = zebstatRun("json");
-    clean.trace = true;
-    const RunResult whole = box.run(clean);
-    const auto requests = parseTrace(whole.trace);
-    for (std::size_t n = 2; n < requests.size(); ++n) { // all but initialisation and exit
-        SCOPED_TRACE("request " + std::to_string(n) + ": " + requests[n - 1].brief());
-        RunOptions failing = zebstatRun("json");
-        failing.env["ZEBSIM_FAULTS"] = R"([{"nth": )" + std::to_string(n) + R"(, "status": "0x04"}])";
-        const RunResult result = box.run(failing);
-        const Json document = Json::parse(result.out);
-        EXPECT_EQ(result.exitStatus, 2) << result; // as in the clean run
-        EXPECT_EQ(document["complete"], false);
-        ASSERT_EQ(document["errors"].size(), 1U) << document["errors"];
-        EXPECT_EQ(document["errors"][0]["status"], 4);
-        EXPECT_EQ(document["controllers"].size(), 2U);
-        keep("failing_" + std::to_string(n), result.out);
-    }
-    EXPECT_GT(requests.size(), 80U);
-    std::vector<std::string> args{std::string(paths::zebstatExpectedDir) + "/../validate.py", paths::zebstatSchema};
-    args.insert(args.end(), files.begin(), files.end());
-    expectAccepted(box, "/usr/bin/python3", args);
-    args = files;
-    args.insert(args.begin(), "empty");
-    expectAccepted(box, "/usr/bin/jq", args);
-    EXPECT_EQ(box.run(zebstatRun("schema")).out, readFile(paths::zebstatSchema));
-}
-
 /// A request that fails marks its object and takes nothing else away.
 TEST_F(DocumentForm, AFailureIsMarkedWhereItBelongs) {
     const struct {

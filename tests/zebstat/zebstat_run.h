@@ -32,6 +32,16 @@ inline RunOptions zebstatRun(const std::string& line, const std::string& scenari
     return options;
 }
 
+/// The same by the release build, where one was named: it runs in a tenth of the time.
+inline RunOptions quickRun(const std::string& line, const std::string& scenario = "built_in") {
+    RunOptions options = zebstatRun(line, scenario);
+    if (*paths::releaseZebstat != '\0') {
+        options.program = paths::releaseZebstat;
+        options.libraryDir = paths::releaseLibraryDir;
+    }
+    return options;
+}
+
 /// The same on a scenario that is written here.
 inline RunOptions zebstatRunOn(Sandbox& box, const Json& scenario, const std::string& line) {
     const std::filesystem::path file = box.root() / "scenario.json";
@@ -39,6 +49,11 @@ inline RunOptions zebstatRunOn(Sandbox& box, const Json& scenario, const std::st
     RunOptions options = zebstatRun(line);
     options.env["ZEBSIM_SCENARIO"] = file;
     return options;
+}
+
+/// Scenarios whose number of controllers is not served.
+inline bool isServed(const std::string& scenario) {
+    return scenario != "controllers_none" && scenario != "controllers_five";
 }
 
 /// The names of all kept scenarios, the built-in one first.
@@ -51,9 +66,11 @@ inline std::vector<std::string> scenarioNames() {
     return names;
 }
 
-/// Scenarios whose number of controllers is not served.
-inline bool isServed(const std::string& scenario) {
-    return scenario != "controllers_none" && scenario != "controllers_five";
+/// Those that are served.
+inline std::vector<std::string> servedScenarios() {
+    std::vector<std::string> names = scenarioNames();
+    std::erase_if(names, [](const std::string& name) { return !isServed(name); });
+    return names;
 }
 
 } // namespace zebtest

@@ -18,3 +18,7 @@ most_memory=3 # MB of peak resident memory above the floor's
 most_growth=1.1 # exponent, with controllers and with drives
 most_refusal=1.5 # wall time of a refused command word, times the floor's
 most_positioning=1.5 # first positioning in a full ring, times reading the file once
+
+most_companion_requests=4199 # of zebstat json on the largest topology
+most_companion_cpu=20 # ms of its processor time there above the floor's
+most_companion_start=1.3 # wall time of zebstat --version, times an empty C++ program's

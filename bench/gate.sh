@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Holds the instructions and the system calls of each command against those of its floor; both repeat from run to run.
+# Holds the instructions and the system calls of each command against those of its floor, and the requests of the companion
+# against their bound; all repeat from run to run.
 # Prints what misses its bound, or all of it with ZEB_BENCH_VERBOSE=1, and ends with 1 when anything does.
 # gate.sh [BUILD-FOLDER]. Needs valgrind and strace.
 # shellcheck source-path=SCRIPTDIR source=support.sh
@@ -20,7 +21,7 @@ gate() {
   read -ra words <<<"$2"
   mkdir "$folder"
   cd "$folder"
-  record "${words[@]}"
+  record "$zebcli" "${words[@]}"
   read -ra tool <<<"$(instructions "$zebcli" "${words[@]}")"
   read -ra base <<<"$(instructions "$floor" "$log" recording)"
   text=$(compute "$per_byte * $(wc -c <out) / ${base[1]}")
@@ -38,6 +39,17 @@ gate() {
   } >"../result.$folder"
 }
 
+# The same for the companion: how many requests it sends on the largest topology.
+gate_companion() {
+  mkdir companion
+  cd companion
+  "$bench/topology.pl" 4 240 64 >largest.json
+  extra=(ZEBSIM_SCENARIO=largest.json)
+  record "$zebstat" json
+  check 'zebstat json, largest topology: requests' "$(wc -l <trace)" $most_companion_requests >../result.companion
+}
+
+(gate_companion) &
 number=100
 while IFS= read -r args; do
   [ "$(jobs -pr | wc -l)" -lt "$(nproc)" ] || wait -n
@@ -46,5 +58,5 @@ while IFS= read -r args; do
 done < <(commands)
 wait
 cat result.*
-[ "$(find . -maxdepth 1 -name 'result.*' | wc -l)" -eq "$(commands | wc -l)" ] || { echo "a measurement failed"; exit 1; }
+[ "$(find . -maxdepth 1 -name 'result.*' | wc -l)" -eq $(($(commands | wc -l) + 1)) ] || { echo "a measurement failed"; exit 1; }
 ! grep -q MISSED result.*

@@ -6,6 +6,7 @@
 
 latency=1000 # microseconds a call
 reports=(-ctrlinfo -ldpdinfo -pdinfo)
+same_facts=("${reports[@]}" -ldpdprog -cbinfo -enclinfo) # that hold what zebstat json tells
 missed=0
 
 heading() { printf '| %-78s | %8s | %6s |\n' "$1" "$2" "$3"; }
@@ -36,22 +37,22 @@ compare() {
   local count=$1
   shift
   rm -f "$log"
-  record "$@"
+  record "$zebcli" "$@"
   rm -f "$log"
   measure "$count" "$zebcli" "$@" -- "$floor" "$log" recording
 }
 
 # The requests that a report must send: C controllers of D drives, L LDs and A arrays without enclosures.
 requests_due() {
-  local c=4 d=240 l=64 a=8 more
+  local c=4 d=240 l=64 a=8 once=0 more=0
   case $1 in
     -ctrlinfo) more=6 ;; # six records of the controller
-    -ldpdinfo) more=$a ;; # one question for each RAID group
+    -ldpdinfo) once=1 ;; # which kind of controller it is
     -pdinfo) more=$((4 * d)) ;; # two log pages of each drive, each behind a look-up
   esac
   # Start, end and enclosure list; then of each controller five records, the drives behind a look-up each, LDs, arrays,
   # and what is the command's own.
-  echo $((3 + c * (5 + 2 * d + l + a + more)))
+  echo $((3 + once + c * (5 + 2 * d + l + a + more)))
 }
 
 largest() {
@@ -60,7 +61,7 @@ largest() {
   local report sent
   for report in "${reports[@]}"; do
     extra+=("ZEBSIM_LATENCY_US=0")
-    record "$report" -aAll
+    record "$zebcli" "$report" -aAll
     sent=$(wc -l <trace)
     row "$report, largest topology: requests" "$sent" "=$(requests_due "$report")"
     extra[-1]="ZEBSIM_LATENCY_US=$latency"
@@ -72,6 +73,33 @@ largest() {
     row "$report, instant: processor time - floor, ms" "$(compute "(${cpu[0]} - ${cpu[1]}) / 1000")" $most_report_cpu
   done
   extra=()
+}
+
+# zebstat on the same topology.
+companion() {
+  local report sent told=0
+  extra=(ZEBSIM_SCENARIO=largest.json)
+  for report in "${same_facts[@]}"; do
+    record "$zebcli" "$report" -aAll
+    told=$((told + $(wc -l <trace)))
+  done
+  record "$zebstat" json
+  sent=$(wc -l <trace)
+  row 'zebstat json, largest topology: requests' "$sent" $most_companion_requests
+  row "  those of zebcli's ${#same_facts[@]} reports with the same facts" $told -
+  extra+=("ZEBSIM_LATENCY_US=$latency")
+  measure 3 "$zebstat" json -- "$floor" "$log" recording
+  row 'zebstat json, 1 ms a call: wall time / (requests x latency)' \
+    "$(compute "${wall[0]} / ($sent * $latency)" %.3f)" $most_latency
+  row "  the floor's" "$(compute "${wall[1]} / ($sent * $latency)" %.3f)" -
+  unset 'extra[-1]'
+  measure 21 "$zebstat" json -- "$floor" "$log" recording
+  row 'zebstat json, instant: processor time - floor, ms' "$(compute "(${cpu[0]} - ${cpu[1]}) / 1000")" \
+    $most_companion_cpu
+  extra=()
+  measure 1000 "$zebstat" --version -- "$build/bench/bench_empty"
+  row "zebstat --version, start to exit: wall time / an empty C++ program's" "$(compute "${wall[0]} / ${wall[1]}")" \
+    $most_companion_start
 }
 
 # For each command a line of its own in built_in: the figures, then the command.
@@ -147,6 +175,7 @@ command_log() {
 heading 'what' 'figure' 'bound'
 heading "$(printf -- '-%.0s' {1..78})" '-------:' '-----:'
 largest
+companion
 built_in
 worst 'each command: instructions / floor' built_in 1 6 $most_instructions
 worst '  with the library taken out of both' built_in 2 6 $most_own_of_all

@@ -35,6 +35,7 @@ fi
 cd "$work"
 
 zebcli=$build/zebcli
+zebstat=$build/zebstat/zebstat
 floor=$build/bench/bench_floor
 log=zebcli.log
 # No time zone file is read: how many calls that takes, once per run, is a matter of the machine.
@@ -61,11 +62,11 @@ run() {
   [ $status -eq 0 ] || [ $status -eq 255 ]
 }
 
-# record ARGUMENT...: a run of zebcli. Leaves its trace, its output, and what the floor of that run replays.
+# record PROGRAM ARGUMENT...: such a run. Leaves its trace, its output, and what the floor of that run replays.
 record() {
   rm -f trace
   extra+=(ZEBSIM_TRACE=trace)
-  run "$zebcli" "$@" >out
+  run "$@" >out
   unset 'extra[-1]'
   "$bench/recording.pl" "$(wc -c <out)" <trace >recording
 }

@@ -1,7 +1,6 @@
 #include "zebstat/metric_families.h"
 
-#include <array>
-#include <charconv>
+#include <nlohmann/json.hpp>
 
 namespace zebstat {
 
@@ -20,10 +19,9 @@ std::string escaped(std::string_view text) {
     return out;
 }
 
+/// As the document writes it.
 std::string written(double value) {
-    std::array<char, 64> text{};
-    const auto result = std::to_chars(text.data(), text.data() + text.size(), value);
-    return {text.data(), result.ptr};
+    return nlohmann::json(value).dump();
 }
 
 } // namespace

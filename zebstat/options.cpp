@@ -7,23 +7,25 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstdlib>
 
 namespace zebstat {
 
 namespace {
 
+const std::string kVersion = "zebstat " ZEB_VERSION;
 constexpr double kShortest = 0.1;
 constexpr double kLongest = 86400;
 constexpr double kLongestWait = 31536000;
 
 /// A number as a whole text, with or without decimals. Nothing for anything else.
 std::optional<double> numberOf(const std::string& text) {
-    double number = 0;
-    const char* const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, number, std::chars_format::fixed);
-    if (error != std::errc{} || stop != end || !(number >= 0))
+    constexpr char kDigits[] = "0123456789";
+    const bool isDecimal = text.find_first_not_of("0123456789.") == text.npos &&
+                           text.find_first_of(kDigits) != text.npos && std::ranges::count(text, '.') <= 1;
+    if (!isDecimal)
         return std::nullopt;
-    return number;
+    return std::strtod(text.c_str(), nullptr);
 }
 
 std::string plain(double number) {
@@ -206,7 +208,7 @@ void addWatch(CLI::App& app, Options& options) {
 }
 
 void addAll(CLI::App& app, Options& options, Seconds& longest) {
-    app.set_version_flag("--version", "zebstat " ZEB_VERSION, "Print the version");
+    app.set_version_flag("--version", kVersion, "Print the version");
     app.set_help_flag("-h,--help", "Print this help");
     app.add_option("-a", options.controllers, "The controllers: numbers such as 0,2, or all (default)")
         ->type_name("LIST")
@@ -241,6 +243,11 @@ std::string complaintOf(const CLI::App& app, const CLI::ParseError& error) {
 
 Reading readOptions(int argc, const char* const* argv) {
     Reading reading;
+    if (argc == 2 &&
+        std::string_view(argv[1]) == "--version") { // what is asked most often need not wait for the parser
+        reading.answer = kVersion + "\n";
+        return reading;
+    }
     Options options;
     Seconds longest{0};
     CLI::App app("Facts about hardware RAID controllers, for programs and for eyes. It changes nothing.", "zebstat");

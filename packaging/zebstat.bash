@@ -3,7 +3,7 @@
 
 _zebstat() {
   local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} command='' words='' word
-  local commands='json metrics check wait watch schema'
+  local commands='json metrics check wait watch html schema'
   COMPREPLY=()
   for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
     case " $commands " in
@@ -27,6 +27,7 @@ _zebstat() {
         check) words='--warn-temperature --critical-temperature --no-spare-is --help' ;;
         wait) words='--for --for-logical-drive --max --interval --help' ;;
         watch) words='--interval --once --until-done --help' ;;
+        html) words='--output --redact --help' ;;
         schema) words='--help' ;;
       esac
       ;;

@@ -115,20 +115,35 @@ std::optional<LdTarget> ldTarget(const std::string& text) {
     return target;
 }
 
+void addRedact(CLI::App& command, Options& options) {
+    command.add_flag("--redact", options.redact,
+                     "Replace serial numbers, SAS addresses, host name, LD names and logical ids by words");
+}
+
+void addOutput(CLI::App& command, Options& options) {
+    command.add_option("--output", options.output, "Replace this file, whole, instead of printing")
+        ->type_name("FILE")
+        ->check([](const std::string& text) { return text.empty() ? "an empty name; give the name of a file" : ""; });
+}
+
 void addJson(CLI::App& app, Options& options) {
     CLI::App* command = app.add_subcommand("json", "Print the facts as one JSON document");
     command->add_flag("--pretty", options.pretty, "Lay the document out for a person");
-    command->add_flag("--redact", options.redact,
-                      "Replace serial numbers, SAS addresses, host name, LD names and logical ids by words");
+    addRedact(*command, options);
     command->callback([&options] { options.command = Command::Json; });
 }
 
 void addMetrics(CLI::App& app, Options& options) {
     CLI::App* command = app.add_subcommand("metrics", "Print metrics in the text format of Prometheus");
-    command->add_option("--output", options.output, "Replace this file, whole, instead of printing")
-        ->type_name("FILE")
-        ->check([](const std::string& text) { return text.empty() ? "an empty name; give the name of a file" : ""; });
+    addOutput(*command, options);
     command->callback([&options] { options.command = Command::Metrics; });
+}
+
+void addHtml(CLI::App& app, Options& options) {
+    CLI::App* command = app.add_subcommand("html", "Print one self-contained page for a browser");
+    addOutput(*command, options);
+    addRedact(*command, options);
+    command->callback([&options] { options.command = Command::Html; });
 }
 
 void addCheck(CLI::App& app, Options& options) {
@@ -222,6 +237,7 @@ void addAll(CLI::App& app, Options& options, Seconds& longest) {
     addCheck(app, options);
     addWait(app, options, longest);
     addWatch(app, options);
+    addHtml(app, options);
     app.add_subcommand("schema", "Print the JSON schema of the document of json")->callback([&options] {
         options.command = Command::Schema;
     });
@@ -232,8 +248,8 @@ std::string complaintOf(const CLI::App& app, const CLI::ParseError& error) {
     const auto unknown = app.remaining();
     if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr && app.get_subcommands().empty())
         return unknown.empty()
-                   ? "a command is missing; give json, metrics, check, wait, watch or schema"
-                   : "'" + unknown.front() + "' is no command; give json, metrics, check, wait, watch or schema";
+                   ? "a command is missing; give json, metrics, check, wait, watch, html or schema"
+                   : "'" + unknown.front() + "' is no command; give json, metrics, check, wait, watch, html or schema";
     std::string text = error.what();
     std::ranges::replace(text, '\n', ' ');
     return text.find(';') == text.npos ? text + "; see zebstat --help" : text;

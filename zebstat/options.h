@@ -14,7 +14,7 @@ namespace zebstat {
 
 using Seconds = std::chrono::duration<double>;
 
-enum class Command { Json, Metrics, Check, Wait, Watch, Schema };
+enum class Command { Json, Metrics, Check, Wait, Watch, Html, Schema };
 
 /// An LD of one controller, or of every chosen one.
 struct LdTarget {

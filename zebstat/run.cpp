@@ -6,6 +6,7 @@
 #include "zebstat/library.h"
 #include "zebstat/metrics.h"
 #include "zebstat/output.h"
+#include "zebstat/page.h"
 #include "zebstat/redact.h"
 #include "zebstat/schema.h"
 
@@ -19,6 +20,26 @@ std::string timeoutSentence(Seconds limit) {
     std::ostringstream text;
     text << "the library did not answer within " << limit.count() << " s; look after it, or give a longer --timeout";
     return text.str();
+}
+
+/// Tells everything in one form, to the file that the options name or to standard output.
+template <class Write>
+int tellAll(const Options& options, Write write) {
+    Collected collected = collectNow(options, facts::Scope::Everything);
+    if (!collected.collection)
+        return untold(options.command, collected.problem);
+    facts::Collection& collection = *collected.collection;
+    if (options.redact)
+        redact(collection, findingsOf(collection));
+    const auto findings = findingsOf(collection);
+    const std::string text = write(collection, findings);
+    if (!options.output.empty()) {
+        if (const std::string problem = replaceFile(options.output, text); !problem.empty())
+            return untold(options.command, problem);
+    } else if (!writeOutput(text)) {
+        return kUntold;
+    }
+    return statusOf(collection, findings);
 }
 
 } // namespace
@@ -49,29 +70,17 @@ Collected collectNow(const Options& options, facts::Scope scope, const std::func
 }
 
 int runJson(const Options& options) {
-    Collected collected = collectNow(options, facts::Scope::Everything);
-    if (!collected.collection)
-        return untold(options.command, collected.problem);
-    facts::Collection& collection = *collected.collection;
-    if (options.redact)
-        redact(collection, findingsOf(collection));
-    const auto findings = findingsOf(collection);
-    return writeOutput(jsonDocument(collection, findings, options.pretty)) ? statusOf(collection, findings) : kUntold;
+    return tellAll(options, [&](const auto& collection, const auto& findings) {
+        return jsonDocument(collection, findings, options.pretty);
+    });
 }
 
 int runMetrics(const Options& options) {
-    const Collected collected = collectNow(options, facts::Scope::Everything);
-    if (!collected.collection)
-        return untold(options.command, collected.problem);
-    const auto findings = findingsOf(*collected.collection);
-    const std::string text = metricsText(*collected.collection, findings);
-    if (!options.output.empty()) {
-        if (const std::string problem = replaceFile(options.output, text); !problem.empty())
-            return untold(options.command, problem);
-    } else if (!writeOutput(text)) {
-        return kUntold;
-    }
-    return statusOf(*collected.collection, findings);
+    return tellAll(options, metricsText);
+}
+
+int runHtml(const Options& options) {
+    return tellAll(options, htmlPage);
 }
 
 int runCheck(const Options& options) {

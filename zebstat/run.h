@@ -29,6 +29,7 @@ int runMetrics(const Options& options);
 int runCheck(const Options& options);
 int runWait(const Options& options);
 int runWatch(const Options& options);
+int runHtml(const Options& options);
 int runSchema();
 
 } // namespace zebstat

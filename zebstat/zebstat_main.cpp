@@ -42,6 +42,8 @@ int run(const Options& options) {
         return runWait(options);
     case Command::Watch:
         return runWatch(options);
+    case Command::Html:
+        return runHtml(options);
     case Command::Schema:
         return runSchema();
     }

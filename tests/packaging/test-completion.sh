@@ -68,6 +68,7 @@ wanted: $wanted"
 companion_offers 'zebstat w' wait watch
 companion_offers 'zebstat -a 0 js' json
 companion_offers 'zebstat json --' --pretty --redact --help
+companion_offers 'zebstat html --' --output --redact --help
 companion_offers 'zebstat check --no-spare-is ' warning critical
 companion_offers 'zebstat wait --for re' rebuild reconstruction
 companion_offers 'zebstat wait --max ' ''

@@ -55,6 +55,8 @@ TEST_F(Outcomes, WrongInputIsNamedWithItsMend) {
         {"metrics --output /nowhere/file", "/nowhere/file cannot be written: No such file or directory"},
         {"metrics --output /dev/null", "/dev/null is no regular file"},
         {"metrics --output /", "'/' names no file"},
+        {"html --output /nowhere/page.html", "/nowhere/page.html cannot be written: No such file or directory"},
+        {"html --pretty", "--pretty; see zebstat --help"},
         {"schema --pretty", "--pretty; see zebstat --help"}};
     for (const auto& [line, words] : cases) {
         SCOPED_TRACE(line);
@@ -100,7 +102,7 @@ TEST_F(Outcomes, WithoutLibraryControllerOrRightNothingIsTold) {
 }
 
 TEST_F(Outcomes, LostOutputIsNoticed) {
-    for (const char* line : {"json", "metrics", "check", "watch --once", "schema", "--help", "--version"})
+    for (const char* line : {"json", "metrics", "check", "html", "watch --once", "schema", "--help", "--version"})
         for (const Output output : {Output::kFull, Output::kBrokenPipe, Output::kClosed}) {
             SCOPED_TRACE(line);
             RunOptions options = zebstatRun(line);
@@ -138,6 +140,8 @@ TEST_F(Outcomes, StatusesTellTheWorst) {
                  {"check", "built_in", "[]", 2},
                  {"-a 1 check", "built_in", "[]", 2},
                  {"-a 0 watch --once", "built_in", "[]", 2},
+                 {"html", "built_in", "[]", 2},
+                 {"html", "drive_foreign", R"([{"type":1,"cmd":11,"status":"0x32"}])", 4},
                  {"metrics", "built_in", "[]", 2}};
     for (const auto& c : cases) {
         RunOptions options = zebstatRun(c.line, c.scenario);

@@ -32,11 +32,16 @@ maker's StoreLib library, libstorelib.so, which is not part of this package.")
 
 set(CPACK_DEBIAN_COMPANION_PACKAGE_NAME zebstat)
 set(CPACK_DEBIAN_COMPANION_PACKAGE_SUGGESTS "zebcli, jq, prometheus-node-exporter")
+foreach(script postinst prerm postrm)
+  list(APPEND CPACK_DEBIAN_COMPANION_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_SOURCE_DIR}/debian/companion/${script})
+endforeach()
 set(CPACK_COMPONENT_COMPANION_DESCRIPTION "facts about hardware RAID controllers, for programs
 zebstat tells the state of RAID controllers as JSON with a schema, as metrics,
 as the line of a monitoring plugin, and as progress bars, and waits for
-background work. It changes nothing. It needs the controller maker's StoreLib
-library, libstorelib.so, which is not part of this package.")
+background work. It changes nothing. With it come a timer for the node exporter,
+alert rules for Prometheus and a fact for Ansible, off until enabled. It needs
+the controller maker's StoreLib library, libstorelib.so, which is not part of
+this package.")
 
 set(CPACK_DEBIAN_SIMULATOR_PACKAGE_NAME zebcli-simulator)
 set(CPACK_DEBIAN_SIMULATOR_PACKAGE_DEPENDS "zebcli (>= ${PROJECT_VERSION})")

@@ -38,8 +38,8 @@ endforeach()
 set(CPACK_COMPONENT_COMPANION_DESCRIPTION "facts about hardware RAID controllers, for programs
 zebstat tells the state of RAID controllers as JSON with a schema, as metrics,
 as the line of a monitoring plugin, and as progress bars, and waits for
-background work. It changes nothing. With it come a timer for the node exporter,
-alert rules for Prometheus and a fact for Ansible, off until enabled. It needs
+background work. It changes nothing. A timer for the node exporter, alert rules
+for Prometheus and a fact for Ansible come with it, off until enabled. It needs
 the controller maker's StoreLib library, libstorelib.so, which is not part of
 this package.")
 

@@ -5,10 +5,10 @@
 packages_to_build=(g++ cmake ninja-build nlohmann-json3-dev libcli11-dev libgtest-dev libgmock-dev)
 # shellcheck disable=SC2034
 packages_to_check=(clang-format cppcheck shellcheck binutils util-linux bsdutils mandoc groff bash-completion dpkg-dev file
-  gzip jq perl prometheus prometheus-node-exporter python3-jsonschema valgrind strace tidy)
+  gzip jq perl prometheus prometheus-node-exporter python3-jsonschema systemd valgrind strace tidy)
 # What "./check --all" needs besides.
 # shellcheck disable=SC2034
-packages_to_check_all=(clang clang-tidy libclang-rt-dev debootstrap ansible-core chromium poppler-utils)
+packages_to_check_all=(clang clang-tidy libclang-rt-dev debootstrap ansible-core lintian chromium poppler-utils)
 
 # Ends with the one message that says why, unless the tests can have what no package brings: root's rights and mount
 # namespaces.

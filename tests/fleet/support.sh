@@ -21,7 +21,15 @@ in_namespaces() {
   mkdir -p /opt/quorvel/zeb/log
 }
 
-# make_host NAME SCENARIO: a simulated machine of its own in $hosts/NAME. on_host NAME COMMAND... runs there, with zebcli
+# Says where the sources and the build are, and makes room for simulated machines.
+simulated_machines() {
+  source=$1
+  build=$2
+  scratch_folder
+  hosts=$scratch/hosts
+}
+
+# make_host NAME SCENARIO [SPEED]: a simulated machine of its own in $hosts/NAME. on_host NAME COMMAND... runs there, with zebcli
 # and zebstat of the build $build on the search path.
 make_host() {
   local host=$hosts/$1
@@ -30,7 +38,7 @@ make_host() {
   cat >"$host/run" <<EOS
 #!/bin/sh
 export PATH="$host/bin:/usr/sbin:/usr/bin:/sbin:/bin" LD_LIBRARY_PATH="$build/simulator"
-export ZEBSIM_SCENARIO="$source/simulator/scenarios/$2.json" ZEBSIM_STATE="$host/state.json" ZEBSIM_SPEED=1
+export ZEBSIM_SCENARIO="$source/simulator/scenarios/$2.json" ZEBSIM_STATE="$host/state.json" ZEBSIM_SPEED="${3-1}"
 EOS
   { cat -- "$host/run" && echo 'exec /usr/bin/python3 "$@"'; } >"$host/python"
   echo 'exec "$@"' >>"$host/run"

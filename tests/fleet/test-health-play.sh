@@ -6,9 +6,7 @@ set -euo pipefail
 . "$(dirname -- "$0")/support.sh"
 need ansible-playbook jq unshare
 in_namespaces -- "$@"
-source=$1 build=$2
-scratch_folder
-hosts=$scratch/hosts
+simulated_machines "$@"
 
 healthy=(controllers_one hot_spares raid_levels spans_two cachecade drive_copying_back)
 for number in {01..15}; do
@@ -23,10 +21,10 @@ inventory >"$scratch/inventory"
 on_host db20 zebcli -pdhsp -rmv '-pd[252:5,252:6]' -a0 >"$scratch/output" < <(yes) || fail 'no spare is released' "$scratch/output"
 on_host db20 zebcli -pdoffline '-pd[252:3]' -a0 >"$scratch/output" < <(yes) || fail 'no drive is taken offline' "$scratch/output"
 
-# run_play FILE HOST...: the play fails for these hosts and no other; what each host's zebstat finds is named, and a host
+# run_play CHANGES HOST...: the play fails for these hosts and no other; what each host's zebstat finds is named, and a host
 # that has no finding is ok.
 run_play() {
-  local changes=$1 host health text failed
+  local changes=$1 host text failed
   shift
   if play "$source/share/zebstat/ansible/zebstat-health.yml"; then fail 'the play passes' "$scratch/output"; fi
   for host in db{01..20}; do
@@ -37,7 +35,7 @@ run_play() {
     # What the play shows of the host, as lines
     awk -v host="[$host]" '/^TASK/ { task = $0 } task ~ /Show the health/ && /^ok: / { mine = $2 == host } mine' \
       "$scratch/output" | sed -nE 's/^        "(.*)",?$/\1/p' >"$scratch/shown"
-    on_host "$host" zebstat json >"$scratch/json" || true
+    on_host "$host" zebstat json >"$scratch/json" 2>"$scratch/complaint" || true
     jq -r 'if has("health") then .health, .findings[].text else empty end' "$scratch/json" >"$scratch/wanted"
     [ -s "$scratch/wanted" ] || echo unknown >"$scratch/wanted"
     diff "$scratch/wanted" "$scratch/shown" >"$scratch/difference" || fail "$host: shown (>) is not what is (<)" "$scratch/difference"

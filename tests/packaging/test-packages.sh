@@ -122,6 +122,16 @@ says 'https://json-schema.org/draft/2020-12/schema'
 if inside env LD_LIBRARY_PATH=/usr/lib/zebcli/simulator zebstat check; then fail 'all is well' "$scratch/output"; fi
 says 'ZEB CRITICAL - '
 
+echo '* its timer is off; one that an administrator enables is remembered until the package is purged'
+timer=etc/systemd/system/timers.target.wants/zebstat-metrics.timer
+metrics=var/lib/prometheus/node-exporter
+lacks "$timer"
+has usr/lib/systemd/system/zebstat-metrics.timer
+mkdir -p -- "$root/${timer%/*}" "$root/$metrics"
+ln -s /usr/lib/systemd/system/zebstat-metrics.timer "$root/$timer"
+must 'zebstat writes no metrics' sh -c 'LD_LIBRARY_PATH=/usr/lib/zebcli/simulator zebstat metrics \
+  --output /var/lib/prometheus/node-exporter/zeb.prom || [ $? -eq 2 ]'
+
 echo '* a scenario'
 must 'zebcli-sim does not run a scenario' env \
   ZEBSIM_SCENARIO=/usr/share/zebcli-simulator/scenarios/drive_failed.json zebcli-sim -ldpdprog
@@ -145,6 +155,8 @@ says 2.3.1
 cmp -s -- "$scratch/log" "$root/opt/quorvel/zeb/log/zebcli.log" || fail 'the upgrade changes the command log'
 grep -q administrator "$root/opt/quorvel/zeb/zeb_config.csv" || fail 'the upgrade overwrites a configuration file'
 must 'the upgraded tool does not run' zebcli-sim -v
+has "$timer"
+has "$metrics/zeb.prom"
 
 echo '* remove'
 must 'the packages cannot be removed' dpkg --remove zebcli-recorder zebcli-simulator zebcli zebstat
@@ -154,10 +166,14 @@ has opt/quorvel/zeb/confpat1.csv
 lacks opt/quorvel/zeb/zebcli
 lacks usr/sbin/zebcli
 lacks usr/lib/zebcli
+has "$timer"
+lacks "$metrics/zeb.prom"
 
 echo '* purge'
 must 'the packages cannot be purged' dpkg --purge zebcli-recorder zebcli-simulator zebcli zebstat
 lacks opt/quorvel
+lacks "$timer"
+(cd "$root" && rmdir -p -- "$metrics" "${timer%/*}" 2>/dev/null) || true # the test's own folders
 list_files >"$scratch/after"
 diff "$scratch/before" "$scratch/after" >"$scratch/output" || fail 'files are left behind' "$scratch/output"
 echo 'ok'

@@ -1,5 +1,5 @@
 // The life of a configuration on one state file, each step by the tool, from an empty controller to an empty one.
-#include "tests/support/creation_case.h"
+#include "tests/support/operation_test.h"
 
 #include <algorithm>
 #include <filesystem>

@@ -1,13 +1,21 @@
-// Creation where everything is full, in a strange place, or a lie.
-#include "tests/support/creation_case.h"
+// Creation where everything is full or a lie.
+#include <array>
+#include <cstring>
 
 #include <gmock/gmock.h>
+
+#include "storelib/records/configuration.h"
+#include "storelib/records/physical_drive.h"
+#include "tests/support/answers.h"
+#include "tests/support/operation_test.h"
 
 namespace zebtest {
 namespace {
 
 using testing::EndsWith;
 using testing::HasSubstr;
+
+constexpr std::uint32_t kAddConfiguration = 0x04020000;
 
 std::string joined(unsigned first, unsigned last, const std::string& item) {
     std::string all;
@@ -68,11 +76,20 @@ TEST_F(CreationLimits, SpansOfARaid10TakeArraysInARowWhereThereAreSome) {
         auto options = optionsFor(scenario, "-ldc -r10 -array0[:8,:9] -array1[:10,:11]");
         options.input = Input::kPipe;
         options.inputText = "y\n";
-        const std::string block = blockOf(box.run(options));
-        return block.size() > 662 ? block.substr(84, 4) + " " + block.substr(660, 4) : block;
+        std::string given;
+        for (const auto& request : parseTrace(box.run(options).trace)) {
+            std::array<_MR_ARRAY, 2> made{};
+            const auto dcmd = request.dcmd();
+            if (!dcmd || dcmd->opcode != kAddConfiguration ||
+                request.payload.size() < sizeof(_MR_CONFIG_DATA) + sizeof made)
+                continue;
+            std::memcpy(made.data(), &request.payload[sizeof(_MR_CONFIG_DATA)], sizeof made);
+            given += number(made[0].arrayRef) + " " + number(made[1].arrayRef);
+        }
+        return given;
     };
-    EXPECT_EQ("0000 0100", refs(R"({"ref": 2, "drives": [0]})"));
-    EXPECT_EQ("0300 0400", refs(R"({"ref": 0, "drives": [0]}, {"ref": 2, "drives": [1]})"));
+    EXPECT_EQ("0 1", refs(R"({"ref": 2, "drives": [0]})"));
+    EXPECT_EQ("3 4", refs(R"({"ref": 0, "drives": [0]}, {"ref": 2, "drives": [1]})"));
 }
 
 TEST_F(CreationLimits, TwoHundredAndFiftyFiveDrives) {
@@ -82,37 +99,24 @@ TEST_F(CreationLimits, TwoHundredAndFiftyFiveDrives) {
                                                                EndsWith("LD(Logical Drive) 0 has been created.\n")));
 }
 
-TEST_F(CreationLimits, TwoEnclosuresWithTheSameSlots) {
-    constexpr char kShared[] =
-        R"({"controllers": [{"enclosures": [{"deviceId": 252, "slots": 2}, {"deviceId": 253, "slots": 2}],
-        "drives": [{"slot": 1, "enclosure": 252}, {"slot": 1, "enclosure": 253, "deviceId": 77}]}]})";
-    for (const char* args : {"-ldc -r0[252:1]", "-ldc -r0[:1]"})
-        EXPECT_EQ("Error - Controller[0] PD(Physical Drive) 1 cannot be used: the slot number is not unique.\n",
-                  run(kShared, args, ""));
-    EXPECT_EQ("Error - Controller[0] The specified Physical Drive 1: doesn't exist.\n",
-              run(kShared, "-ldc -r0[253:1]", ""));
-}
-
-TEST_F(CreationLimits, OneControllerOfTwoRefusesBoth) {
-    constexpr char kTwo[] =
-        R"({"controllers": [{"id": 3, "drives": [{"repeat": 2}]}, {"id": 9, "drives": [{}, {"state": "bad"}]}]})";
-    check(kTwo,
-          {.args = "-ldc -r0[:0,:1] -aAll",
-           .lines = error("Error - Controller[1] PD(Physical Drive) 1 cannot be used: the state is Unconfig BAD."),
-           .requests = Wire{3}.request("01/00", 0, " size=2048")});
-}
-
 TEST_F(CreationLimits, CountsThatLieAreCut) {
     constexpr char kPlain[] =
         R"({"controllers": [{"id": 3, "maxPds": 4, "drives": [{"repeat": 4}], "arrays": [{"drives": [0, 1]}],
         "lds": [{"level": 1, "spans": [{"blocks": 204800}]}]}]})";
-    const auto patched = [](const char* code, unsigned offset, const char* hex) {
-        return std::string(R"([{"type": )") + std::string(code, 1) + R"(, "cmd": )" + (code + 2) +
-               R"(, "patch": [{"offset": )" + number(offset) + R"(, "hex": ")" + hex + R"("}]}])";
+    const auto patched = [](const char* code, std::initializer_list<std::pair<Place, std::uint64_t>> changes) {
+        return std::string("[{") + code + patch(changes) + "}]";
     };
     for (const auto& faults :
-         {patched("1/4", 4, "ffffffff"), patched("1/13", 0, "ffffffff"), patched("4/0", 4, "ffffffffffffffff"),
-          patched("4/8", 2, "ffffff"), patched("3/0", 36, "ffff"), patched("4/0", 40, "ff")}) {
+         {patched(R"("type":1,"cmd":4,)", {{ZEB_AT(_MR_PD_LIST, count), ~0U}}),
+          patched(R"("type":1,"cmd":13,)", {{ZEB_AT(_MR_LD_LIST, count), ~0U}}),
+          patched(R"("type":4,"cmd":0,)",
+                  {{ZEB_AT(_MR_CONFIG_DATA, arrayCount), 0xFFFF}, {ZEB_AT(_MR_CONFIG_DATA, ldCount), 0xFFFF}}),
+          patched(R"("type":4,"cmd":0,)", {{ZEB_AT(_MR_ARRAY, numDrives).behind(sizeof(_MR_CONFIG_DATA)), 255}}),
+          patched(R"("type":4,"cmd":8,)", {{ZEB_AT(_SL_ARRAY_INFO_T, ldCount), 255},
+                                           {ZEB_AT(_SL_ARRAY_INFO_T, pdCount), 255},
+                                           {ZEB_AT(_SL_ARRAY_INFO_T, freeCount), 255}}),
+          patched(R"("type":3,"cmd":0,)",
+                  {{ZEB_AT(_MR_LD_INFO, config.numDrives), 255}, {ZEB_AT(_MR_LD_INFO, config.spanDepth), 255}})}) {
         SCOPED_TRACE(faults);
         for (const char* args : {"-ldc -r0[:2,:3] -sz1", "-ldc -r1[:0,:1] -sz1", "-lde"}) {
             auto options = optionsFor(kPlain, args);
@@ -129,8 +133,14 @@ TEST_F(CreationLimits, OverlappingAndEmptyFreeSegmentsAreCut) {
         R"({"controllers": [{"id": 3, "maxPds": 2, "drives": [{"repeat": 2}], "arrays": [{"drives": [0, 1]}],
         "lds": [{"level": 1, "spans": [{"blocks": 204800}]}]}]})";
     // 100 blocks into the array and far beyond its end; empty; beyond its end.
-    const std::string lies = R"([{"type": 4, "cmd": 8, "patch": [{"offset": 4, "hex": "03"}, {"offset": 336, "hex":
-        "6400000000000000ffffffffffffffff00000000000000000000000000000000ffffffffffffff000100000000000000"}]}])";
+    const std::string lies = R"([{"type":4,"cmd":8,)" +
+                             patch({{ZEB_AT(_SL_ARRAY_INFO_T, freeCount), 3},
+                                    {ZEB_AT(_SL_ARRAY_INFO_T, freeSegment[0].startBlock), 100},
+                                    {ZEB_AT(_SL_ARRAY_INFO_T, freeSegment[0].size), ~0ULL},
+                                    {ZEB_AT(_SL_ARRAY_INFO_T, freeSegment[1]), 0},
+                                    {ZEB_AT(_SL_ARRAY_INFO_T, freeSegment[2].startBlock), ~0ULL},
+                                    {ZEB_AT(_SL_ARRAY_INFO_T, freeSegment[2].size), 1}}) +
+                             "}]";
     const std::string out = run(kPlain, "-ldc -r1[:0,:1]", "n\n", lies);
     EXPECT_THAT(out, HasSubstr(">LD1 (LD_1, 278.874GB, RAID1)\n")) << "584,843,264 less the 128 up to the first stripe";
     EXPECT_THAT(out, HasSubstr("  Free Space     : 0.000GB\n"));

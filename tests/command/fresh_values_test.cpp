@@ -1,7 +1,7 @@
 // What a change is computed from is read right before it, not taken from the snapshot of the start, which may be old by
 // the time a question is answered: a first reading that says something else changes nothing.
 #include "tests/support/expected.h"
-#include "tests/support/operation_case.h"
+#include "tests/support/operation_test.h"
 
 namespace zebtest {
 namespace {

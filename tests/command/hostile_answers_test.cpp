@@ -11,7 +11,7 @@
 #include "tests/support/answers.h"
 #include "tests/support/expected.h"
 #include "tests/support/log_file.h"
-#include "tests/support/operation_case.h"
+#include "tests/support/operation_test.h"
 
 namespace zebtest {
 namespace {

@@ -1,5 +1,5 @@
 // Many runs on one state file: the life of drives and spares, overlapping runs, killed runs.
-#include "tests/support/operation_case.h"
+#include "tests/support/operation_test.h"
 
 #include <algorithm>
 #include <map>

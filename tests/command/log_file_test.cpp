@@ -9,7 +9,7 @@
 
 #include "tests/support/expected.h"
 #include "tests/support/log_file.h"
-#include "tests/support/operation_case.h"
+#include "tests/support/operation_test.h"
 #include "tests/support/paths.h"
 
 namespace fs = std::filesystem;

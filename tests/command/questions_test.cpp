@@ -1,5 +1,5 @@
 // Questions to the operator on a terminal and on a pipe: which answers count, and what becomes of the terminal's mode.
-#include "tests/support/operation_case.h"
+#include "tests/support/operation_test.h"
 #include "tests/support/paths.h"
 
 #include <gmock/gmock.h>

@@ -1,5 +1,5 @@
 // Collection of the RAID log with stand-ins for the maker's tool on the search path.
-#include "tests/support/operation_case.h"
+#include "tests/support/operation_test.h"
 #include "tests/support/paths.h"
 
 #include <gmock/gmock.h>

@@ -7,7 +7,7 @@
 #include "storelib/records/enclosure.h"
 #include "tests/support/answers.h"
 #include "tests/support/expected.h"
-#include "tests/support/operation_case.h"
+#include "tests/support/operation_test.h"
 #include "tests/support/paths.h"
 
 namespace fs = std::filesystem;

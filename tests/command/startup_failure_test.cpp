@@ -4,7 +4,7 @@
 
 #include "tests/support/expected.h"
 #include "tests/support/log_file.h"
-#include "tests/support/operation_case.h"
+#include "tests/support/operation_test.h"
 
 namespace zebtest {
 namespace {

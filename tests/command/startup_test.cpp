@@ -9,7 +9,7 @@
 #include "tests/support/answers.h"
 #include "tests/support/expected.h"
 #include "tests/support/log_file.h"
-#include "tests/support/operation_case.h"
+#include "tests/support/operation_test.h"
 #include "tests/support/paths.h"
 
 namespace zebtest {
@@ -240,13 +240,6 @@ TEST_F(StartUp, EachWordRunsItsHandler) {
     }
 }
 
-TEST_F(StartUp, SnapshotCommandsSendNothingWhateverTheirArguments) {
-    for (const std::string typed : {"-sse", "-SSE -a0", "sse", "-snapshot", "-Snapshot -list -L0 -a7", "x-snapshot"})
-        check(kOneController, {.args = typed,
-                               .lines = {error("Error - The command " + typed.substr(0, typed.find(' ')) +
-                                               " is not available in this version.")}});
-}
-
 /// The interrupt key is typed between the blocks of two drives, where no question has changed the mode.
 TEST_F(StartUp, OnlyEchoAndSignalKeysAreOffDuringTheRun) {
     auto options = optionsFor(R"({"controllers":[{"drives":[{"repeat":2}]}]})", "-pdinfo");
@@ -299,11 +292,6 @@ TEST_F(StartUp, VersionShowsTheLibrarysOwn) {
         EXPECT_TRUE(matchesKept(std::string("start_up/") + kept, box.run(options).out));
         EXPECT_EQ(logged, loggedMessages());
     }
-}
-
-TEST_F(StartUp, HelpAndVersionTakeNoArgument) {
-    for (const std::string typed : {"-help", "-h", "?", "-V", "x-v"})
-        check(kOneController, {.args = typed + " -a0 -x", .lines = {badToken(typed)}});
 }
 
 TEST_F(StartUp, RequestsOfARun) {

@@ -1,6 +1,6 @@
 #include "tests/recorder/recorded.h"
 
-#include "tests/support/operation_case.h"
+#include "tests/support/operation_test.h"
 #include "tests/support/paths.h"
 
 #include <algorithm>

@@ -56,7 +56,8 @@ set(CPACK_DEBIAN_RECORDER_PACKAGE_SUGGESTS zebcli-simulator)
 set(CPACK_COMPONENT_RECORDER_DESCRIPTION "record, preview and replay of zebcli's requests
 A libstorelib.so that stands between a command and the real library:
 zebcli-record keeps what was asked and answered, zebcli-preview shows what a
-command would change, and zebcli-replay runs a command against a recording,
-for which it needs zebcli-simulator.")
+command would change, zebcli-probe tells whether the record layouts fit the
+real library, and zebcli-replay runs a command against a recording, for which
+it needs zebcli-simulator.")
 
 include(CPack)

@@ -26,13 +26,24 @@ constexpr Nested kNested[] = {
     {"_MR_CTRL_INFO", "properties", kLayout<_MR_CTRL_PROP>},
     {"_SL_LD_OS_MAP_T", "entry", kLayout<_SL_LD_OS_MAP_ENTRY>},
     {"_MR_PD_LIST", "addr", kLayout<_MR_PD_ADDRESS>},
+    {"_MR_PD_PROGRESS", "rebuild", kLayout<_MR_PROGRESS>},
+    {"_MR_PD_PROGRESS", "patrolRead", kLayout<_MR_PROGRESS>},
+    {"_MR_PD_PROGRESS", "clear", kLayout<_MR_PROGRESS>},
+    {"_MR_PD_INFO", "ref", kLayout<_MR_PD_REF>},
     {"_MR_PD_INFO", "inquiry", kLayout<_MR_INQUIRY_DATA>},
     {"_MR_PD_INFO", "progress", kLayout<_MR_PD_PROGRESS>},
+    {"_MR_LD_PROPERTIES", "ref", kLayout<_MR_LD_REF>},
     {"_MR_LD_CONFIG", "properties", kLayout<_MR_LD_PROPERTIES>},
     {"_MR_LD_CONFIG", "span", kLayout<_MR_SPAN>},
+    {"_MR_LD_PROGRESS", "cc", kLayout<_MR_PROGRESS>},
+    {"_MR_LD_PROGRESS", "bgi", kLayout<_MR_PROGRESS>},
+    {"_MR_LD_PROGRESS", "init", kLayout<_MR_PROGRESS>},
+    {"_MR_LD_PROGRESS", "recon", kLayout<_MR_PROGRESS>},
     {"_MR_LD_INFO", "config", kLayout<_MR_LD_CONFIG>},
     {"_MR_LD_INFO", "progress", kLayout<_MR_LD_PROGRESS>},
     {"_MR_LD_LIST", "ld", kLayout<_MR_LD_LIST_ENTRY>},
+    {"_MR_ARRAY_PD", "ref", kLayout<_MR_PD_REF>},
+    {"_MR_SPARE", "ref", kLayout<_MR_PD_REF>},
     {"_MR_ARRAY", "pd", kLayout<_MR_ARRAY_PD>},
     {"_SL_ARRAY_INFO_T", "pd", kLayout<_MR_ARRAY_PD>},
     {"_SL_ARRAY_INFO_T", "freeSegment", kLayout<_MR_FREE_SEGMENT>},
@@ -70,9 +81,9 @@ const Row* rowOf(const wire::RecordLayout& record, const wire::FieldLayout& fiel
 
 void addPieces(const wire::RecordLayout& layout, std::size_t base, std::vector<FieldPiece>& pieces) {
     for (const wire::FieldLayout& field : layout.fields) {
-        if (const Nested* nested = rowOf(layout, field, std::begin(kNested), std::end(kNested))) {
-            for (std::size_t at = 0; at + nested->inner->size <= field.size; at += nested->inner->size)
-                addPieces(*nested->inner, base + field.offset + at, pieces);
+        if (const wire::RecordLayout* inner = recordIn(layout, field)) {
+            for (std::size_t at = 0; at + inner->size <= field.size; at += inner->size)
+                addPieces(*inner, base + field.offset + at, pieces);
             continue;
         }
         const Identifying* row = rowOf(layout, field, std::begin(kIdentifying), std::end(kIdentifying));
@@ -87,6 +98,11 @@ void addPieces(const wire::RecordLayout& layout, std::size_t base, std::vector<F
 }
 
 } // namespace
+
+const wire::RecordLayout* recordIn(const wire::RecordLayout& layout, const wire::FieldLayout& field) {
+    const Nested* nested = rowOf(layout, field, std::begin(kNested), std::end(kNested));
+    return nested != nullptr ? nested->inner : nullptr;
+}
 
 const std::vector<FieldPiece>& piecesOf(const wire::RecordLayout& layout) {
     static std::map<std::string_view, std::vector<FieldPiece>> known;

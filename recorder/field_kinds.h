@@ -22,6 +22,9 @@ struct FieldPiece {
     FieldKind kind;
 };
 
+/// The record that a field holds, or of which it holds a table; null for a field of numbers or text.
+const wire::RecordLayout* recordIn(const wire::RecordLayout& layout, const wire::FieldLayout& field);
+
 /// The covered pieces of a record, ascending, without overlap.
 const std::vector<FieldPiece>& piecesOf(const wire::RecordLayout& layout);
 

@@ -10,12 +10,11 @@ namespace {
 
 constexpr std::size_t kPage = 4096;
 
-/// The guard's bytes: no two neighbours are alike, none is zero.
 const std::array<std::uint8_t, GuardedBuffer::kGuard>& pattern() {
     static const auto bytes = [] {
         std::array<std::uint8_t, GuardedBuffer::kGuard> made{};
         for (std::size_t i = 0; i < made.size(); ++i)
-            made[i] = static_cast<std::uint8_t>(0xA5U ^ (i % 89));
+            made[i] = patternByte(i);
         return made;
     }();
     return bytes;

@@ -7,6 +7,11 @@
 
 namespace zebrec {
 
+/// The bytes with which untouched memory is filled: no two neighbours are alike, none is zero.
+constexpr std::uint8_t patternByte(std::size_t index) {
+    return static_cast<std::uint8_t>(0xA5U ^ (index % 89));
+}
+
 class GuardedBuffer {
   public:
     GuardedBuffer() = default;

@@ -127,6 +127,11 @@ void sayHowItEnded(const std::string& program, const SessionPage& page) {
                      page.failure);
 }
 
+std::optional<std::string> Arguments::value(const char* option) const {
+    const auto found = options.find(option);
+    return found == options.end() ? std::nullopt : std::optional(found->second);
+}
+
 Arguments parseArguments(int argc, char** argv, const std::map<std::string, bool>& known) {
     Arguments arguments;
     for (int i = 1; i < argc; ++i) {

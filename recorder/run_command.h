@@ -40,6 +40,10 @@ struct Arguments {
     std::vector<std::string> words; ///< before "--"
     std::vector<std::string> command; ///< behind "--"
     std::string error; ///< not empty: what is wrong
+
+    bool has(const char* option) const { return options.count(option) != 0; }
+    /// What stands behind an option, or nothing without it.
+    std::optional<std::string> value(const char* option) const;
 };
 
 /// `known` says of each option whether it takes a value.

@@ -59,6 +59,7 @@ struct SessionPage {
     std::uint32_t magic;
     Mode mode;
     bool redacted;
+    char time[32]; ///< when the recording began
     RedactionKey key;
     std::atomic<std::uint64_t> lines; ///< number of the last line
     std::atomic<int> stopped; ///< the errno with which writing ended, 0 = it goes on

@@ -1,6 +1,5 @@
 // zebcli-preview: runs a command, lets it read and keeps its changes from the controllers.
-#include "recorder/real_library.h"
-#include "recorder/run_command.h"
+#include "recorder/start.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -33,21 +32,14 @@ void sayHeldBack(const SessionPage& page) {
 }
 
 int preview(const std::vector<std::string>& command, const std::optional<std::string>& library) {
-    const Folders folders = Folders::ofThisProgram();
-    std::string reason;
-    const auto real = findRealLibrary(library, folders, reason);
-    if (!real)
-        return refuse(kProgram, reason);
-    int pageFile = -1;
-    SessionPage* page = makePage(pageFile);
-    if (page == nullptr)
-        return refuse(kProgram, std::string("no shared memory: ") + std::strerror(errno));
-    page->mode = Mode::kPreview;
-    const std::optional<int> status = runCommand(command, recorderEnvironment(folders.recorder, *real, pageFile));
+    const auto start = beginSession(kProgram, Mode::kPreview, library);
+    if (!start)
+        return kCannotStart;
+    const std::optional<int> status = runCommand(command, start->environment());
     if (!status)
         return refuse(kProgram, command.front() + " cannot be started: " + std::strerror(errno));
-    sayHowItEnded(kProgram, *page);
-    sayHeldBack(*page);
+    sayHowItEnded(kProgram, *start->page);
+    sayHeldBack(*start->page);
     return *status;
 }
 
@@ -61,8 +53,5 @@ int main(int argc, char** argv) {
         return refuse(kProgram, arguments.error);
     if (!arguments.words.empty() || arguments.command.empty())
         return refuse(kProgram, kUsage);
-    std::optional<std::string> library;
-    if (const auto named = arguments.options.find("--library"); named != arguments.options.end())
-        library = named->second;
-    return preview(arguments.command, library);
+    return preview(arguments.command, arguments.value("--library"));
 }

@@ -145,6 +145,8 @@ says '### General Information ###'
 must 'a preview fails' zebcli-preview --library $library -- zebcli -pdoffline '-pd[252:3]' -a0
 says 'nothing was changed; 1 request was held back'
 rm -- "$root/root/recording"
+must 'the probe does not run' zebcli-probe --library $library
+says 'no layout is contradicted'
 
 echo '* upgrade'
 echo '# changed by the administrator' >>"$root/opt/quorvel/zeb/zeb_config.csv"

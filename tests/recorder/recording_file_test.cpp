@@ -3,9 +3,11 @@
 
 #include "recorder/hex.h"
 #include "recorder/recording.h"
+#include "recorder/show.h"
 #include "tests/support/paths.h"
 
 #include <algorithm>
+#include <sstream>
 
 namespace zebtest {
 namespace {
@@ -66,6 +68,37 @@ TEST(RecordingFile, BytesComeBackFromTheirText) {
     EXPECT_EQ(zebrec::bytesOfHex(zebrec::hexOf(bytes), bytes.size()), bytes);
     for (const char* bad : {"0", "[", "[5", "[]", "[-1]", "[99999999999999999999999]", "[3001]", "0g", "AA"})
         EXPECT_FALSE(zebrec::bytesOfHex(bad, bytes.size())) << bad;
+}
+
+TEST(RecordingFile, TheWorkedExampleOfTheDocumentIsTrue) {
+    const std::string document = readFile(std::filesystem::path(paths::sourceDir) / "doc/recording_format.md");
+    std::string text;
+    std::string shown;
+    bool inJson = false;
+    std::istringstream lines(document);
+    for (std::string line; std::getline(lines, line);)
+        if (line.rfind("```", 0) == 0)
+            inJson = line == "```json";
+        else if (inJson)
+            text += line + "\n";
+        else if (line.rfind("4  ", 0) == 0)
+            shown = line + "\n";
+    std::string reason;
+    const auto read = zebrec::readRecording(text, reason);
+    ASSERT_TRUE(read) << reason;
+    ASSERT_EQ(read->lines.size(), 4U);
+    EXPECT_EQ(read->answerOf(read->lines[0].in, false)->size(), sizeof(_SL_CTRL_LIST_T));
+    const auto* enclosures = read->answerOf(read->lines[2].in, false);
+    ASSERT_TRUE(enclosures);
+    EXPECT_EQ(*enclosures, read->lines[1].in->bytes);
+    EXPECT_EQ(enclosures->size(), 4616U);
+    // What the writer makes of it is the same text.
+    std::string written;
+    for (const auto& line : read->lines)
+        written += zebrec::writeLine(line);
+    EXPECT_EQ(written, text.substr(text.find('\n') + 1));
+    EXPECT_NE(zebrec::showRecording(*read).find(shown), std::string::npos) << shown;
+    EXPECT_FALSE(shown.empty());
 }
 
 class RecordingPrograms : public RecorderTest {};

@@ -8,6 +8,6 @@ command -v clang-tidy >/dev/null || { echo "left out: clang-tidy is not installe
 # The commands are those of g++, whose warnings it need not know.
 shallow=(--extra-arg=-Wno-unknown-warning-option
   --extra-arg=-Xclang --extra-arg=-analyzer-config --extra-arg=-Xclang --extra-arg=mode=shallow)
-find main commands log console storelib facts zebstat -name '*.cpp' -print0 |
+find main commands log console storelib facts zebstat recorder -name '*.cpp' -print0 |
   xargs -0 -n 1 -P 2 clang-tidy -p "$1" --quiet "${shallow[@]}" 2>&1 | grep -v "warnings generated"
 exit "${PIPESTATUS[1]}"

@@ -68,6 +68,7 @@ layers 'zebcli knows nothing of its companion' commands 'facts|zebstat'
 layers 'Of the rooms input, text, model, base each knows only those behind it' $com/base "$com/(input|text|model)"
 layers 'Of the rooms input, text, model, base each knows only those behind it' $com/model "$com/(input|text)"
 layers 'Of the rooms input, text, model, base each knows only those behind it' $com/text "$com/input"
+layers 'The recorder knows the records and nothing else of the tool' recorder 'main|commands|console|log/|storelib/[^r]|facts|zebstat|simulator'
 layers 'The simulator knows the records and nothing else of the tool' simulator 'main|commands|console|log/|storelib/[^r]'
 
 # Each record states its layout and stands in the list of all.

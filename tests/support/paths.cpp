@@ -15,14 +15,17 @@ const char* const libNoEntryDir = ZEB_LIB_NO_ENTRY;
 const char* const failingCalls = ZEB_FAILING_CALLS;
 const char* const recorderDir = ZEB_RECORDER_DIR;
 const char* const libRoughDir = ZEB_LIB_ROUGH;
+const char* const libRearrangedDir = ZEB_LIB_REARRANGED;
 #ifdef ZEB_RELEASE_DIR
 const char* const releaseZebcli = ZEB_RELEASE_DIR "/zebcli";
 const char* const releaseZebstat = ZEB_RELEASE_DIR "/zebstat/zebstat";
 const char* const releaseLibraryDir = ZEB_RELEASE_DIR "/simulator";
+const char* const releaseRecorderDir = ZEB_RELEASE_DIR "/recorder";
 #else
 const char* const releaseZebcli = "";
 const char* const releaseZebstat = "";
 const char* const releaseLibraryDir = "";
+const char* const releaseRecorderDir = "";
 #endif
 
 } // namespace paths

@@ -17,8 +17,10 @@ extern const char* const libNoEntryDir; ///< of a library without the entry poin
 extern const char* const failingCalls; ///< preloaded to let calls of the C library fail
 extern const char* const recorderDir; ///< of the recorder, laid out as it is installed
 extern const char* const libRoughDir; ///< of a library that misbehaves
+extern const char* const libRearrangedDir; ///< of the simulated library with one record laid out differently
 extern const char* const releaseZebcli; ///< of a release build; empty where there is none
 extern const char* const releaseZebstat;
 extern const char* const releaseLibraryDir;
+extern const char* const releaseRecorderDir;
 
 } // namespace paths

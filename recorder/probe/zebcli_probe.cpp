@@ -1,0 +1,90 @@
+// zebcli-probe: asks the library each reading question once and judges from the answers whether the records are laid
+// out as they are declared.
+#include "recorder/probe/checks.h"
+#include "recorder/probe/report.h"
+#include "recorder/start.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+using namespace zebrec;
+
+constexpr char kProgram[] = "zebcli-probe";
+constexpr char kUsage[] = "usage: zebcli-probe [--library PATH] [--record FILE]";
+
+/// Asks and judges, in a process of its own. Returns the status of the program.
+int probe(const Start& start, const char* recording) {
+    const LoadedLibrary library(start.realLibrary.c_str());
+    if (library.entry() == nullptr)
+        return refuse(kProgram, start.realLibrary + " cannot be loaded: " + library.failure());
+    Session session(start.page, library.entry(), recording);
+    zebprobe::Survey survey(session);
+    if (!survey.run()) {
+        char status[96];
+        const std::uint32_t answered = survey.all().front().status;
+        std::snprintf(status, sizeof status, "the library did not start (status 0x%08X)", answered);
+        return refuse(kProgram, std::string("nothing could be asked: ") +
+                                    (answered != 0 ? status : "the library lists no controller"));
+    }
+    const zebprobe::Verdicts verdicts = zebprobe::judge(survey);
+    const std::string report = zebprobe::reportOf(verdicts);
+    std::fwrite(report.data(), 1, report.size(), stdout);
+    if (std::fflush(stdout) != 0)
+        return refuse(kProgram, std::string("standard output: ") + std::strerror(errno));
+    return zebprobe::isContradicted(verdicts) ? 1 : 0;
+}
+
+/// Lets a child ask, so that a library that ends its program ends the child alone.
+int probeInChild(const Start& start, const char* recording) {
+    const pid_t child = ::fork();
+    if (child < 0)
+        return refuse(kProgram, std::string("no process: ") + std::strerror(errno));
+    if (child == 0) {
+        int status = kCannotStart;
+        try {
+            status = probe(start, recording);
+        } catch (const std::exception& error) {
+            refuse(kProgram, error.what());
+        }
+        std::exit(status);
+    }
+    int status = 0;
+    while (::waitpid(child, &status, 0) != child)
+        if (errno != EINTR)
+            return kCannotStart;
+    sayHowItEnded(kProgram, *start.page);
+    return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
+}
+
+int run(const std::optional<std::string>& library, const std::optional<std::string>& path) {
+    const auto start = beginSession(kProgram, Mode::kRecord, library);
+    if (!start)
+        return kCannotStart;
+    if (!path)
+        return probeInChild(*start, nullptr);
+    const int file = makeRecording(kProgram, *path, *start, true);
+    if (file < 0)
+        return kCannotStart;
+    const int status = probeInChild(*start, pathOfFile(file).c_str());
+    endRecording(kProgram, *path, file, *start->page);
+    return status;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const Arguments arguments =
+        parseArguments(argc, argv, {{"--library", true}, {"--record", true}, {"--help", false}});
+    if (arguments.has("--help"))
+        return std::puts(kUsage) < 0 ? kCannotStart : 0;
+    if (!arguments.error.empty())
+        return refuse(kProgram, arguments.error);
+    if (!arguments.words.empty() || !arguments.command.empty())
+        return refuse(kProgram, kUsage);
+    return run(arguments.value("--library"), arguments.value("--record"));
+}

@@ -40,13 +40,17 @@ class Stage {
 
   private:
     std::optional<Finding> playCommand(const Step& step);
+    std::optional<Finding> lookAtAll();
     std::optional<Finding> readState();
+    std::optional<Finding> compareDocument();
+    std::optional<Finding> run(const zebtest::RunOptions& options, zebtest::RunResult& result);
     std::filesystem::path stateFile() const { return box_.root() / "state.json"; }
 
     Program program_;
     zebtest::Sandbox box_;
     zebsim::Model hardware_;
     std::string printed_;
+    std::string compared_; ///< the hardware, as text, that the last document was of
 };
 
 } // namespace zebstorm

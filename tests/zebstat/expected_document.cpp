@@ -263,4 +263,20 @@ Json expectedDocument(const Json& scenario) {
     return expectedOf("", scenario);
 }
 
+std::string differences(Json document, Json expected) {
+    std::string text;
+    for (Json& finding : document["findings"])
+        finding.erase("text");
+    std::sort(document["findings"].begin(), document["findings"].end());
+    std::sort(expected["findings"].begin(), expected["findings"].end());
+    for (const char* key : {"controllers", "errors", "findings"})
+        for (const Json& change : Json::diff(document[key], expected[key])) {
+            const Json::json_pointer at(change["path"].get<std::string>());
+            text += key + change["path"].get<std::string>() + ": " +
+                    (document[key].contains(at) ? document[key][at].dump() : "nothing") + ", wanted " +
+                    change.value("value", Json("nothing")).dump() + "\n";
+        }
+    return text;
+}
+
 } // namespace zebtest

@@ -20,4 +20,8 @@ Json expectedDocument(const std::string& name);
 /// The same for a scenario that is no kept one, such as a state file.
 Json expectedDocument(const Json& scenario);
 
+/// Where a document differs from the expected one, a line for each key; empty when it does not. The findings may stand
+/// in any order.
+std::string differences(Json document, Json expected);
+
 } // namespace zebtest

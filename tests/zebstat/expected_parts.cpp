@@ -326,7 +326,8 @@ Json ExpectedParts::enclosure(const Json& form, std::size_t index) const {
     out["vendor"] = text(form, "vendor", "QUORVEL", 8);
     out["product"] = text(form, "product", "Pellucor Bay 16", 16);
     out["revision"] = text(form, "revision", "0007", 4);
-    out["logical_id"] = hex(number(form, "logicalId", 0x50A0B0C0E0000000 + deviceId), 16);
+    if (const std::uint64_t id = number(form, "logicalId", 0x50A0B0C0E0000000 + deviceId); id != 0)
+        out["logical_id"] = hex(id, 16);
     out["location"] = nullptr;
     const auto connectors = list(c_, "connectors");
     if (const std::uint64_t at = number(form, "connector", index); at < connectors.size()) {

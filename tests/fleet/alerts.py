@@ -6,25 +6,19 @@ usage: alerts.py SOURCE_FOLDER HOST_FOLDER SCRATCH_FOLDER
 Runs in namespaces of its own, where the network is empty and what is started ends with the script. Everything stands as
 shipped but for the rules' patience and Prometheus's intervals, which are of seconds instead of minutes.
 """
-import fcntl
 import json
 import os
 import pathlib
 import re
 import shlex
-import socket
-import struct
 import subprocess
 import sys
 import threading
 import time
-import urllib.error
-import urllib.parse
-import urllib.request
+
+from monitoring import EXPORTER, ask, bring_up_loopback, samples, start_exporter, start_prometheus
 
 SOURCE, HOST, SCRATCH = map(pathlib.Path, sys.argv[1:])
-EXPORTER = "127.0.0.1:9100"
-PROMETHEUS = "127.0.0.1:9090"
 RULES = SOURCE / "share/zebstat/prometheus/zeb.rules.yml"
 SERVICE = SOURCE / "share/zebstat/systemd/zebstat-metrics.service"
 PATIENCE = 1  # seconds, in place of each "for"
@@ -54,52 +48,15 @@ class Timer(threading.Thread):
                 self.failures.append(result)
 
 
-def bring_up_loopback():
-    siocsifflags, up_and_running = 0x8914, 0x41
-    with socket.socket() as any_socket:
-        fcntl.ioctl(any_socket, siocsifflags, struct.pack("16sH22x", b"lo", up_and_running))
-
-
-def start(name, *command):
-    with open(SCRATCH / f"{name}.log", "wb") as log:
-        return subprocess.Popen(command, stdout=log, stderr=log, stdin=subprocess.DEVNULL)
-
-
-def start_prometheus():
+def start_monitoring():
     rules = re.sub(r"\bfor: \w+", f"for: {PATIENCE}s", RULES.read_text())
     rules = re.sub(r"\binterval: \w+", "interval: 1s", rules)
-    (SCRATCH / "zeb.rules.yml").write_text(rules)
-    (SCRATCH / "prometheus.yml").write_text(
-        json.dumps(
-            {
-                "global": {"scrape_interval": "500ms", "scrape_timeout": "500ms", "evaluation_interval": "500ms"},
-                "rule_files": ["zeb.rules.yml"],
-                "scrape_configs": [{"job_name": "node", "static_configs": [{"targets": [EXPORTER]}]}],
-            }
-        )
-    )
-    start(
-        "prometheus",
-        "prometheus",
-        f"--config.file={SCRATCH}/prometheus.yml",
-        f"--storage.tsdb.path={SCRATCH}/tsdb",
-        f"--web.listen-address={PROMETHEUS}",
-    )
-
-
-def ask(path, **arguments):
-    """The data that Prometheus answers with; nothing while it does not answer."""
-    query = urllib.parse.urlencode(arguments)
-    try:
-        with urllib.request.urlopen(f"http://{PROMETHEUS}/api/v1/{path}?{query}", timeout=5) as answer:
-            return json.load(answer)["data"]
-    except (urllib.error.URLError, ConnectionError, TimeoutError):
-        return None
-
-
-def samples(query):
-    data = ask("query", query=query)
-    return data["result"] if data else []
+    configuration = {
+        "global": {"scrape_interval": "500ms", "scrape_timeout": "500ms", "evaluation_interval": "500ms"},
+        "scrape_configs": [{"job_name": "node", "static_configs": [{"targets": [EXPORTER]}]}],
+    }
+    start_exporter(SCRATCH)
+    start_prometheus(SCRATCH, configuration, rules)
 
 
 def alerts():
@@ -136,9 +93,7 @@ def zebcli(*arguments):
 
 def main():
     bring_up_loopback()
-    start("exporter", "prometheus-node-exporter", "--collector.disable-defaults", "--collector.textfile",
-          f"--web.listen-address={EXPORTER}")
-    start_prometheus()
+    start_monitoring()
     timer = Timer()
     timer.start()
 

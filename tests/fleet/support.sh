@@ -32,13 +32,14 @@ simulated_machines() {
 # make_host NAME SCENARIO [SPEED]: a simulated machine of its own in $hosts/NAME. on_host NAME COMMAND... runs there, with zebcli
 # and zebstat of the build $build on the search path.
 make_host() {
-  local host=$hosts/$1
+  local host=$hosts/$1 scenario=$source/simulator/scenarios/$2.json
+  [ "$2" != built_in ] || scenario=$source/simulator/built_in.json
   mkdir -p -- "$host/bin"
   ln -s -- "$build/zebcli" "$build/zebstat/zebstat" "$host/bin"
   cat >"$host/run" <<EOS
 #!/bin/sh
 export PATH="$host/bin:/usr/sbin:/usr/bin:/sbin:/bin" LD_LIBRARY_PATH="$build/simulator"
-export ZEBSIM_SCENARIO="$source/simulator/scenarios/$2.json" ZEBSIM_STATE="$host/state.json" ZEBSIM_SPEED="${3-1}"
+export ZEBSIM_SCENARIO="$scenario" ZEBSIM_STATE="$host/state.json" ZEBSIM_SPEED="${3-1}"
 EOS
   { cat -- "$host/run" && echo 'exec /usr/bin/python3 "$@"'; } >"$host/python"
   echo 'exec "$@"' >>"$host/run"

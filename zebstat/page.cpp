@@ -15,8 +15,6 @@ namespace {
 
 using namespace facts;
 
-constexpr char kDot[] = " \xC2\xB7 ";
-
 std::string counted(std::size_t count, std::string_view what) {
     return std::to_string(count) + " " + std::string(what) + (count == 1 ? "" : "s");
 }

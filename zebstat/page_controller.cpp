@@ -46,7 +46,7 @@ FactTable settingsOf(const Controller& controller) {
     const auto& settings = controller.settings;
     const auto flag = [&](bool Settings::*member) { return settings ? plainText(*settings.*member) : kUntoldText; };
     const auto rate = [&](unsigned Settings::*member) {
-        return settings ? std::to_string(*settings.*member) + " %" : kUntoldText;
+        return settings ? std::to_string(*settings.*member) + kNoBreak + "%" : kUntoldText;
     };
     const auto& patrol = controller.patrolRead;
     const bool hasAlarm = controller.info && controller.info->alarmPresent;
@@ -76,7 +76,7 @@ FactTable capabilitiesOf(const Capabilities& capabilities) {
     };
     Cells levels;
     for (const std::string_view level : capabilities.raidLevels)
-        levels.push_back(levelText(Word{level, {}}));
+        levels.push_back(upperText(Word{level, {}}));
     return {"Capabilities",
             {{"RAID levels", joined(levels, ", ")},
              {"Snapshot", plainText(capabilities.snapshot)},
@@ -96,13 +96,14 @@ void addImages(Table& table, const std::vector<FirmwareImage>& images, const cha
 } // namespace
 
 void writeBackupTable(ControllerPart& part, const CacheBackup& unit) {
-    writeFacts(part.out, {"Cache backup unit",
-                          {{"Full capacity by design", numberText(unit.fullCapacityJoules, " J")},
-                           {"Remaining capacity", numberText(unit.remainingCapacityJoules, " J")},
-                           {"Current", unit.currentAmperes ? numberText(*unit.currentAmperes, 3) + " A" : kUntoldText},
-                           {"Automatic learn cycle", wordText(unit.autoLearn)},
-                           {"Learn period", secondsText(unit.learnPeriodSeconds)},
-                           {"Next learn cycle", plainText(unit.nextLearn)}}});
+    writeFacts(part.out,
+               {"Cache backup unit",
+                {{"Full capacity by design", numberText(unit.fullCapacityJoules, "J")},
+                 {"Remaining capacity", numberText(unit.remainingCapacityJoules, "J")},
+                 {"Current", unit.currentAmperes ? numberText(*unit.currentAmperes, 3) + kNoBreak + "A" : kUntoldText},
+                 {"Automatic learn cycle", wordText(unit.autoLearn)},
+                 {"Learn period", secondsText(unit.learnPeriodSeconds)},
+                 {"Next learn cycle", plainText(unit.nextLearn)}}});
 }
 
 void writeControllerTables(ControllerPart& part) {

@@ -55,13 +55,11 @@ std::string titleOf(const PhysicalDrive& drive) {
     if (info.raidGroup)
         title += ", " + *info.raidGroup;
     title += ". " + joined({plainText(info.vendor), plainText(info.product), plainText(info.revision)}, " ");
-    title += ", " + wordText(info.interface) + " " + wordText(info.media);
+    title += ", " + upperText(info.interface) + " " + upperText(info.media);
     title += ", " + sizeText(info.usableBytes);
     title += ". Media errors " + std::to_string(info.mediaErrors) + ", other errors " +
              std::to_string(info.otherErrors) + ", predicted failures " + std::to_string(info.predictiveFailures);
-    title += ". " + (info.temperatureCelsius ? std::to_string(*info.temperatureCelsius) + " \xC2\xB0"
-                                                                                          "C"
-                                             : "No temperature");
+    title += ". " + (info.temperatureCelsius ? numberText(info.temperatureCelsius, kCelsius) : "No temperature");
     return title + (info.foreign ? ". Carries a foreign configuration" : "");
 }
 
@@ -92,10 +90,11 @@ class BayWriter {
     void writeDrive(const PhysicalDrive& drive) {
         const StateLook look = lookOf(drive);
         const auto group = drive.info ? drive.info->raidGroup : std::nullopt;
-        const auto item = out_.element("li", {{"id", part_.claim(drive.object())},
-                                              {"class", std::string(look.look) + " " + part_.edgeClass(group)}});
-        out_.raw(shape_.viewBox);
         const std::string severity = part_.severityClass(drive.object());
+        const auto item =
+            out_.element("li", {{"id", part_.claim(drive.object())},
+                                {"class", joined({std::string(look.look), part_.edgeClass(group), severity}, " ")}});
+        out_.raw(shape_.viewBox);
         out_.leaf("title", titleOf(drive) + (severity.empty() ? "" : ". Finding: " + severity));
         out_.raw(shape_.frame);
         out_.raw(shape_.badge);
@@ -103,7 +102,7 @@ class BayWriter {
         write(shape_.slot, std::to_string(drive.slot));
         write(shape_.word, wordOf(drive, look));
         if (drive.info)
-            write(shape_.detail, joined({group.value_or(""), sizeText(drive.info->usableBytes)}, " \xC2\xB7 "));
+            write(shape_.detail, joined({group.value_or(""), sizeText(drive.info->usableBytes)}, kDot));
         if (!severity.empty())
             out_.raw(shape_.flag);
         out_.raw("</svg>");
@@ -139,9 +138,9 @@ void writeHead(ControllerPart& part, const Enclosure& enclosure) {
         part.out.leaf("span", joined({plainText(enclosure.vendor), plainText(enclosure.product)}, " "),
                       {{"class", "soft"}});
     }
-    std::vector<std::string> words{wordText(enclosure.type), wordText(enclosure.location),
+    std::vector<std::string> words{typeText(enclosure.type), wordText(enclosure.location),
                                    plainText(enclosure.connector), std::to_string(enclosure.slots) + " slots"};
-    part.out.leaf("p", joined(words, " \xC2\xB7 "), {{"class", "sub"}});
+    part.out.leaf("p", joined(words, kDot), {{"class", "sub"}});
     if (enclosure.error)
         part.note("Not all of this enclosure could be read: " + enclosure.error->text);
 }
@@ -155,7 +154,7 @@ void writeBays(ControllerPart& part, std::vector<const PhysicalDrive*> drives, u
     const auto count = std::max<std::size_t>(slots == 0 ? 0 : end - first, drives.size());
     const bool isFlat = count <= kMostFlat;
     const auto list = part.out.element(
-        "ul", {{"class", isFlat ? "bays flat" : "bays tall"},
+        "ul", {{"class", joined({"bays", isFlat ? "flat" : "tall", slots == 0 ? "loose" : ""}, " ")},
                {"style", isFlat ? "" : "--columns:" + std::to_string(std::min<std::size_t>(count, kMostColumns))}});
     BayWriter writer(part, isFlat ? kFlat : kTall);
     auto drive = drives.begin();

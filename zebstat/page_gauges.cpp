@@ -11,9 +11,8 @@ namespace {
 
 using namespace facts;
 
-constexpr char kCelsius[] = " \xC2\xB0"
-                            "C";
 constexpr double kMostCelsius = 80; ///< where the dials of temperatures end, unless one reads more
+constexpr double kMostVolts = 15; ///< the same of voltages
 
 struct Gauge {
     std::string name;
@@ -28,32 +27,34 @@ struct Gauge {
 void writeGauge(Markup& out, const Gauge& gauge) {
     const auto item = out.element("li", {{"class", "gauge " + gauge.look}, {"id", gauge.anchor}});
     {
-        const auto dial = out.element("svg", {{"viewBox", "0 0 100 58"}, {"role", "img"}});
+        const auto dial = out.element("svg", {{"viewBox", "0 0 100 62"}, {"role", "img"}});
         out.leaf("title", gauge.name + ": " + joined({gauge.reading, gauge.status}, ", ") +
                               (gauge.share ? "; the dial shows " + gauge.scale : ""));
         if (gauge.share) {
-            out.raw("<path class=\"dial\" d=\"M10 52A40 40 0 0 1 90 52\"/>");
+            out.raw("<path class=\"dial\" d=\"M12 44A38 38 0 0 1 88 44\"/>");
             out.empty("path", {{"class", "needle"},
-                               {"d", "M10 52A40 40 0 0 1 90 52"},
+                               {"d", "M12 44A38 38 0 0 1 88 44"},
                                {"pathLength", "100"},
                                {"stroke-dasharray", numberText(*gauge.share * 100, 1) + " 200"}});
         } else {
-            out.raw("<circle class=\"lamp\" cx=\"50\" cy=\"22\" r=\"12\"/>");
+            out.raw("<circle class=\"lamp\" cx=\"50\" cy=\"30\" r=\"13\"/>");
         }
-        out.raw("<text x=\"50\" y=\"52\" text-anchor=\"middle\">");
-        out.text(gauge.reading.empty() ? "" : gauge.reading);
-        out.raw("</text>");
+        out.leaf("text", gauge.reading, {{"x", "50"}, {"y", "57"}, {"text-anchor", "middle"}});
     }
     out.leaf("strong", gauge.name);
     if (!gauge.status.empty())
         out.leaf("span", gauge.status, {{"class", "status"}});
 }
 
-/// Where on a dial that ends at most something stands; the dial ends later for more.
-void setDial(Gauge& gauge, double value, double most, const std::string& unit) {
-    const double end = std::max(most, value);
-    gauge.share = end > 0 ? std::clamp(value / end, 0.0, 1.0) : 0;
-    gauge.scale = "0 to " + numberText(end, 0) + unit;
+/// A gauge whose dial shows the value, without its sign; it ends at most there, or where the value is.
+Gauge dialOf(std::string name, double value, int decimals, double most, const std::string& unit) {
+    const double end = std::max(most, std::abs(value));
+    Gauge gauge;
+    gauge.name = std::move(name);
+    gauge.reading = numberText(value, decimals) + kNoBreak + unit;
+    gauge.share = std::abs(value) / end;
+    gauge.scale = "0 to " + numberText(end, 0) + kNoBreak + unit;
+    return gauge;
 }
 
 std::string lookOf(const Word& status) {
@@ -66,21 +67,17 @@ std::string lookOf(const Word& status) {
 
 Gauge gaugeOf(const Sensor& sensor) {
     constexpr double kMostRpm = 10230; // the largest speed that a sensor can tell
-    constexpr double kMostVolts = 15;
+    const std::string name = wordText(sensor.type) + " " + std::to_string(sensor.index);
     Gauge gauge;
-    gauge.name = wordText(sensor.type) + " " + std::to_string(sensor.index);
+    if (sensor.celsius)
+        gauge = dialOf(name, *sensor.celsius, 0, kMostCelsius, kCelsius);
+    else if (sensor.rpm)
+        gauge = dialOf(name, *sensor.rpm, 0, kMostRpm, "rpm");
+    else if (sensor.volts)
+        gauge = dialOf(name, *sensor.volts, 2, kMostVolts, "V");
+    gauge.name = name;
     gauge.look = lookOf(sensor.status);
     gauge.status = wordText(sensor.status);
-    if (sensor.celsius) {
-        gauge.reading = std::to_string(*sensor.celsius) + kCelsius;
-        setDial(gauge, *sensor.celsius, kMostCelsius, kCelsius);
-    } else if (sensor.rpm) {
-        gauge.reading = std::to_string(*sensor.rpm) + " rpm";
-        setDial(gauge, *sensor.rpm, kMostRpm, " rpm");
-    } else if (sensor.volts) {
-        gauge.reading = numberText(*sensor.volts, 2) + " V";
-        setDial(gauge, std::abs(*sensor.volts), kMostVolts, " V, without the sign");
-    }
     return gauge;
 }
 
@@ -97,41 +94,24 @@ std::string statusText(const CacheBackup& unit) {
 
 void writeBackupGauges(ControllerPart& part, const CacheBackup& unit) {
     const auto severity = part.severityOf(CacheBackupObject{});
-    const std::string look = !severity ? "good" : *severity == Severity::Critical ? "bad" : "weak";
     const auto list = part.out.element("ul", {{"class", "gauges"}});
+    const auto write = [&](Gauge gauge, std::string_view flag, const char* word) {
+        const bool isSet = unit.status && std::ranges::count(*unit.status, flag) != 0;
+        gauge.look = isSet ? "weak" : "good";
+        gauge.status = isSet ? word : "";
+        writeGauge(part.out, gauge);
+    };
     if (unit.remainingCapacityJoules && unit.fullCapacityJoules && *unit.fullCapacityJoules != 0) {
-        const double share = static_cast<double>(*unit.remainingCapacityJoules) / *unit.fullCapacityJoules;
-        Gauge gauge{"capacity",
-                    look,
-                    std::to_string(*unit.remainingCapacityJoules) + " of " + std::to_string(*unit.fullCapacityJoules) +
-                        " J",
-                    numberText(std::floor(share * 100), 0) + " %",
-                    std::min(share, 1.0),
-                    "0 to 100 % of the design",
-                    ""};
+        const double percent = 100.0 * *unit.remainingCapacityJoules / *unit.fullCapacityJoules;
+        Gauge gauge = dialOf("capacity", std::floor(percent), 0, 100, "%");
+        gauge.look = !severity ? "good" : *severity == Severity::Critical ? "bad" : "weak";
+        gauge.status = std::to_string(*unit.remainingCapacityJoules) + " / " + numberText(unit.fullCapacityJoules, "J");
         writeGauge(part.out, gauge);
     }
-    if (unit.temperatureCelsius) {
-        const bool isHot = unit.status && std::ranges::count(*unit.status, "temperature_high") != 0;
-        Gauge gauge{"temperature",
-                    isHot ? "weak" : "good",
-                    isHot ? "high" : "",
-                    std::to_string(*unit.temperatureCelsius) + kCelsius,
-                    {},
-                    "",
-                    ""};
-        setDial(gauge, *unit.temperatureCelsius, kMostCelsius, kCelsius);
-        writeGauge(part.out, gauge);
-    }
-    if (unit.voltageVolts) {
-        constexpr double kMostVolts = 15;
-        const bool isLow = unit.status && std::ranges::count(*unit.status, "voltage_low") != 0;
-        Gauge gauge{
-            "voltage", isLow ? "weak" : "good", isLow ? "low" : "", numberText(*unit.voltageVolts, 2) + " V", {}, "",
-            ""};
-        setDial(gauge, std::abs(*unit.voltageVolts), kMostVolts, " V");
-        writeGauge(part.out, gauge);
-    }
+    if (unit.temperatureCelsius)
+        write(dialOf("temperature", *unit.temperatureCelsius, 0, kMostCelsius, kCelsius), "temperature_high", "high");
+    if (unit.voltageVolts)
+        write(dialOf("voltage", *unit.voltageVolts, 2, kMostVolts, "V"), "voltage_low", "low");
 }
 
 } // namespace
@@ -168,7 +148,7 @@ void writeCacheBackup(ControllerPart& part) {
         const auto line = out.element("p", {{"class", "sub"}});
         out.text(joined(
             {wordText(unit.type), unit.serial ? "serial number " + *unit.serial : "", "status: " + statusText(unit)},
-            " \xC2\xB7 "));
+            kDot));
     }
     writeBackupGauges(part, unit);
     writeBackupTable(part, unit);

@@ -10,8 +10,6 @@ namespace {
 
 using namespace facts;
 
-constexpr char kDot[] = " \xC2\xB7 ";
-
 /// A part of a group's bar.
 struct Segment {
     std::string label;
@@ -38,7 +36,7 @@ class GroupWriter {
             out_.text(group_.name + " ");
             out_.leaf(
                 "span",
-                joined({levelText(group_.level), group_.cachecade ? "CacheCade" : "", sizeText(group_.usableBytes)},
+                joined({upperText(group_.level), group_.cachecade ? "CacheCade" : "", sizeText(group_.usableBytes)},
                        kDot),
                 {{"class", "soft"}});
         }
@@ -98,7 +96,7 @@ class GroupWriter {
             out_.text(" ");
             std::vector<std::string> words{std::string(look.word)};
             if (ld != nullptr && ld->info) {
-                words.push_back(levelText(ld->info->level));
+                words.push_back(upperText(ld->info->level));
                 words.push_back(sizeText(ld->info->sizeBytes));
                 words.push_back(ld->info->osDevice.value_or(""));
             }

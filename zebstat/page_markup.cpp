@@ -10,9 +10,8 @@ namespace zebstat {
 namespace {
 
 // The marks, embeddings, overrides and isolates of the Unicode bidirectional algorithm (UAX #9).
-constexpr std::array<std::string_view, 12> kDirections{"\xE2\x80\x8E", "\xE2\x80\x8F", "\xE2\x80\xAA", "\xE2\x80\xAB",
-                                                       "\xE2\x80\xAC", "\xE2\x80\xAD", "\xE2\x80\xAE", "\xE2\x81\xA6",
-                                                       "\xE2\x81\xA7", "\xE2\x81\xA8", "\xE2\x81\xA9", "\xD8\x9C"};
+constexpr std::array<std::string_view, 12> kDirections{"\u200E", "\u200F", "\u202A", "\u202B", "\u202C", "\u202D",
+                                                       "\u202E", "\u2066", "\u2067", "\u2068", "\u2069", "\u061C"};
 
 std::string_view escapeOf(char c) {
     switch (c) {
@@ -37,7 +36,7 @@ void appendEscaped(std::string& page, std::string_view outside) {
         const std::string_view rest = std::string_view(text).substr(i);
         const auto* turn = std::ranges::find_if(kDirections, [&](std::string_view d) { return rest.starts_with(d); });
         if (turn != kDirections.end()) {
-            page += "\xEF\xBF\xBD";
+            page += "\uFFFD";
             i += turn->size() - 1;
         } else if (const std::string_view escape = escapeOf(text[i]); !escape.empty()) {
             page += escape;

@@ -5,7 +5,8 @@ namespace zebstat {
 void writeTable(Markup& out, const Table& table) {
     const auto place =
         out.element("div", {{"class", "scroll"}, {"role", "region"}, {"aria-label", table.caption}, {"tabindex", "0"}});
-    const auto whole = out.element("table");
+    constexpr std::size_t kMany = 10;
+    const auto whole = out.element("table", {{"class", table.headings.size() > kMany ? "many" : ""}});
     out.leaf("caption", table.caption);
     {
         const auto head = out.element("thead");

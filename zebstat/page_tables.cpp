@@ -15,7 +15,7 @@ std::string speedText(const std::optional<double>& gbps) {
     if (!gbps)
         return kUntoldText;
     const bool isWhole = *gbps == static_cast<double>(static_cast<int>(*gbps));
-    return numberText(*gbps, isWhole ? 0 : 1) + " Gb/s";
+    return numberText(*gbps, isWhole ? 0 : 1);
 }
 
 std::string ldList(const std::vector<std::uint8_t>& numbers) {
@@ -50,12 +50,10 @@ Cells rowOf(const PhysicalDrive& drive) {
         cells.end(),
         {joined({wordText(info.state), role, info.foreign ? "foreign" : "", workList(info.operations)}, kComma),
          joined({plainText(info.vendor), plainText(info.product), plainText(info.revision)}, " "),
-         joined({wordText(info.interface), wordText(info.media)}, " "), sizeText(info.usableBytes),
+         joined({upperText(info.interface), upperText(info.media)}, kNoBreak), sizeText(info.usableBytes),
          sizeText(info.rawBytes), joined({std::to_string(info.mediaErrors), std::to_string(info.otherErrors)}, " / "),
-         std::to_string(info.predictiveFailures),
-         numberText(info.temperatureCelsius, " \xC2\xB0"
-                                             "C"),
-         wordText(info.power), speedText(info.deviceSpeedGbps) + " / " + speedText(info.linkSpeedGbps),
+         std::to_string(info.predictiveFailures), numberText(info.temperatureCelsius, kCelsius), wordText(info.power),
+         speedText(info.deviceSpeedGbps) + " / " + speedText(info.linkSpeedGbps) + kNoBreak + "Gb/s",
          joined(info.sasAddresses, " "),
          joined({info.raidGroup.value_or(""), ldList(info.logicalDrives.value_or(std::vector<std::uint8_t>{}))},
                 kComma)});
@@ -65,7 +63,7 @@ Cells rowOf(const PhysicalDrive& drive) {
 Cells rowOf(const LogicalDrive& ld) {
     Cells cells{"LD" + std::to_string(ld.number)};
     if (!ld.info) {
-        cells.push_back(failureText(ld.error));
+        cells.insert(cells.end(), {kUntoldText, failureText(ld.error)});
         cells.resize(13, kUntoldText);
         return cells;
     }
@@ -73,7 +71,7 @@ Cells rowOf(const LogicalDrive& ld) {
     const auto count = [&](unsigned LogicalDriveInfo::*member) { return std::to_string(info.*member); };
     cells.insert(
         cells.end(),
-        {plainText(info.name), joined({wordText(info.state), workList(info.operations)}, kComma), levelText(info.level),
+        {plainText(info.name), joined({wordText(info.state), workList(info.operations)}, kComma), upperText(info.level),
          sizeText(info.sizeBytes), plainText(info.raidGroup),
          (info.stripeBytes ? sizeText(std::uint64_t{*info.stripeBytes}) : kUntoldText) + kComma +
              count(&LogicalDriveInfo::spanDepth) + " x " + count(&LogicalDriveInfo::drivesPerSpan),
@@ -105,8 +103,8 @@ void writeDriveTable(ControllerPart& part) {
     if (!drives || drives->empty())
         return;
     Table table{"Physical drives",
-                {"Place", "Device id", "State", "Drive", "Kind", "Usable", "Raw", "Media / other errors",
-                 "Predicted failures", "Temperature", "Power", "Speed of device / link", "SAS addresses", "Group"},
+                {"Place", "Device id", "State", "Drive", "Kind", "Usable", "Raw", "Errors, media / other",
+                 "Predicted failures", "Temperature", "Power", "Speed, device / link", "SAS addresses", "Group"},
                 {}};
     for (const PhysicalDrive& drive : *drives)
         table.rows.push_back(rowOf(drive));
@@ -139,7 +137,7 @@ void writeGroupTable(ControllerPart& part) {
         Cells arrays;
         for (const std::uint16_t array : group.arrays)
             arrays.push_back(std::to_string(array));
-        table.rows.push_back({group.name, levelText(group.level), sizeText(group.usableBytes),
+        table.rows.push_back({group.name, upperText(group.level), sizeText(group.usableBytes),
                               sizeText(group.freeBytes), segmentList(group.freeSegments), joined(arrays, kComma),
                               ldList(group.logicalDrives)});
     }
@@ -156,7 +154,7 @@ void writeEnclosureTable(ControllerPart& part) {
         {}};
     for (const Enclosure& enclosure : *enclosures)
         table.rows.push_back({std::to_string(enclosure.deviceId), std::to_string(enclosure.index),
-                              wordText(enclosure.type), plainText(enclosure.vendor), plainText(enclosure.product),
+                              typeText(enclosure.type), plainText(enclosure.vendor), plainText(enclosure.product),
                               plainText(enclosure.revision), plainText(enclosure.logicalId),
                               wordText(enclosure.location), plainText(enclosure.connector),
                               std::to_string(enclosure.slots)});

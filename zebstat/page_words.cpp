@@ -24,14 +24,14 @@ std::string numberText(double number, int decimals) {
 }
 
 std::string sizeText(std::uint64_t bytes) {
-    constexpr std::array<const char*, 7> kUnits{" B", " KiB", " MiB", " GiB", " TiB", " PiB", " EiB"};
+    constexpr std::array<const char*, 7> kUnits{"B", "KiB", "MiB", "GiB", "TiB", "PiB", "EiB"};
     constexpr double kStep = 1024;
     auto number = static_cast<double>(bytes);
     std::size_t unit = 0;
     for (; number >= kStep && unit + 1 < kUnits.size(); ++unit)
         number /= kStep;
     const bool isWhole = number == static_cast<double>(static_cast<std::uint64_t>(number));
-    return numberText(number, isWhole ? 0 : 1) + kUnits[unit];
+    return numberText(number, isWhole ? 0 : 1) + kNoBreak + kUnits[unit];
 }
 
 std::string sizeText(const std::optional<std::uint64_t>& bytes) {
@@ -52,12 +52,18 @@ std::string wordText(const std::optional<Word>& word) {
     return word ? wordText(*word) : kUntoldText;
 }
 
-std::string levelText(const std::optional<Word>& level) {
-    if (!level || level->code)
-        return wordText(level);
-    std::string text(level->text);
+std::string upperText(const std::optional<Word>& word) {
+    if (!word || word->code)
+        return wordText(word);
+    std::string text(word->text);
     std::ranges::transform(text, text.begin(), [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
     return text;
+}
+
+std::string typeText(const Word& enclosureType) {
+    if (enclosureType == "safte")
+        return "SAF-TE";
+    return enclosureType == "ses" ? "SES" : wordText(enclosureType);
 }
 
 std::string plainText(bool yes) {
@@ -85,10 +91,10 @@ std::string spanText(std::uint32_t seconds) {
     constexpr std::uint32_t kHour = 3600;
     constexpr std::uint32_t kMinute = 60;
     if (seconds != 0)
-        for (const auto& [unit, name] : {std::pair{kDay, " d"}, {kHour, " h"}, {kMinute, " min"}})
+        for (const auto& [unit, name] : {std::pair{kDay, "d"}, {kHour, "h"}, {kMinute, "min"}})
             if (seconds % unit == 0)
-                return std::to_string(seconds / unit) + name;
-    return std::to_string(seconds) + " s";
+                return std::to_string(seconds / unit) + kNoBreak + name;
+    return std::to_string(seconds) + kNoBreak + "s";
 }
 
 std::string placeText(const std::optional<std::uint16_t>& enclosureId, std::uint8_t slot) {

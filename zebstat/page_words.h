@@ -12,7 +12,13 @@
 namespace zebstat {
 
 /// What stands where the hardware does not tell.
-inline constexpr char kUntoldText[] = "\xE2\x80\x93";
+inline constexpr char kUntoldText[] = "\u2013";
+
+/// A blank at which no line ends, between a number and its unit.
+inline constexpr char kNoBreak[] = "\u00A0";
+
+inline constexpr char kCelsius[] = "\u00B0C";
+inline constexpr char kDot[] = " \u00B7 "; ///< between the parts of a line
 
 /// "278.9 GiB": in the largest unit of 1024 that leaves a whole number before the point.
 std::string sizeText(std::uint64_t bytes);
@@ -23,8 +29,11 @@ std::string wordText(std::string_view word);
 std::string wordText(const facts::Word& word);
 std::string wordText(const std::optional<facts::Word>& word);
 
-/// "RAID5"
-std::string levelText(const std::optional<facts::Word>& level);
+/// A word that is an abbreviation: "RAID5", "SAS".
+std::string upperText(const std::optional<facts::Word>& word);
+
+/// The type of an enclosure: "SES", "SAF-TE", "backplane".
+std::string typeText(const facts::Word& enclosureType);
 
 /// A number with as many decimals.
 std::string numberText(double number, int decimals);
@@ -38,7 +47,7 @@ std::string plainText(bool yes);
 /// The number and its unit, "28 °C".
 template <class T>
 std::string numberText(const std::optional<T>& number, std::string_view unit) {
-    return number ? std::to_string(*number) + std::string(unit) : kUntoldText;
+    return number ? std::to_string(*number) + kNoBreak + std::string(unit) : kUntoldText;
 }
 
 /// The parts that are told, with something between them; what stands for nothing where none is.

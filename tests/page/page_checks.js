@@ -58,8 +58,9 @@
   const wide = () => {
     const width = document.documentElement.clientWidth;
     const complaints = document.documentElement.scrollWidth > width ? [`the page is ${document.documentElement.scrollWidth} wide`] : [];
+    const scrolls = element => element && getComputedStyle(element).overflowX === "auto";
     for (const element of document.body.querySelectorAll("*"))
-      if (!element.parentElement.closest(".scroll, svg") && element.getBoundingClientRect().right > width + 0.5)
+      if (!element.parentElement.closest("svg") && !scrolls(element.parentElement.closest(".scroll")) && element.getBoundingClientRect().right > width + 0.5)
         complaints.push(`${element.tagName}.${element.className} ends at ${element.getBoundingClientRect().right}`);
     return complaints;
   };

@@ -64,7 +64,6 @@ class GroupWriter {
 
     /// The lengths are those of the bytes, whatever the names need: a name that has no room is cut, and stands below.
     void writeBar() {
-        constexpr double kWhole = 1000;
         const std::vector<Segment> all = segments();
         double sum = 0;
         for (const Segment& segment : all)
@@ -76,10 +75,10 @@ class GroupWriter {
         for (const Segment& segment : all) {
             if (segment.bytes == 0)
                 continue;
-            const double share = static_cast<double>(segment.bytes) / whole * kWhole;
+            const double percent = 100 * static_cast<double>(segment.bytes) / whole;
             out_.leaf("div", segment.label,
                       {{"class", segment.look},
-                       {"style", "flex-basis:" + numberText(share / 10, 2) + "%"},
+                       {"style", "flex-basis:" + numberText(percent, 2) + "%"},
                        {"title", segment.label + ", " + sizeText(segment.bytes)}});
         }
     }

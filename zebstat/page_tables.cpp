@@ -77,8 +77,10 @@ Cells rowOf(const LogicalDrive& ld) {
              count(&LogicalDriveInfo::spanDepth) + " x " + count(&LogicalDriveInfo::drivesPerSpan),
          wordText(info.access),
          joined({wordText(info.readPolicy), wordText(info.ioPolicy), "disk cache " + wordText(info.diskCache)}, kComma),
-         wordText(info.currentWritePolicy) +
-             (info.writeBackLost() ? ", set to " + wordText(info.defaultWritePolicy) : ""),
+         joined({wordText(info.currentWritePolicy), info.currentWritePolicy == info.defaultWritePolicy.text
+                                                        ? ""
+                                                        : "set to " + wordText(info.defaultWritePolicy)},
+                kComma),
          joined({plainText(info.osDevice), info.osInstalled.value_or(false) ? "holds the system" : ""}, kComma),
          wordText(info.initialization) + (info.consistent ? ", consistent" : ", not consistent"),
          joined({info.cachecade ? "CacheCade" : "", info.snapshotSource ? "snapshot source" : "",

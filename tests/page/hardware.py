@@ -1,7 +1,7 @@
 """The simulated hardware on which the page is looked at, and runs of zebstat on it."""
 
 import json
-import os
+import re
 import subprocess
 import tempfile
 
@@ -143,6 +143,12 @@ SCENARIOS = {
     "hostile texts": ([hostile()], []),
     "unreadable parts": ([{"id": number, **rebuilding()} for number in (1, 2, 3, 4)], UNREADABLE),
 }
+
+
+def shown(text):
+    """A text of the hardware as the page shows it: control characters as blanks, what turns the direction of words replaced."""
+    text = re.sub("[\x00-\x1f\x7f-\x9f]", " ", text)
+    return re.sub("[\u200e\u200f\u202a-\u202e\u2066-\u2069\u061c]", "\ufffd", text)
 
 
 def run(build, name, *arguments):

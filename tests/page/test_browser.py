@@ -1,16 +1,17 @@
 """The page in a real browser, on screens and on paper, light and dark. usage: test_browser.py BUILD-FOLDER [PICTURES-FOLDER]
 With a folder for pictures each page is also drawn there, for somebody to look at."""
 
+import json
 import os
 import re
 import subprocess
 import sys
 import tempfile
 import unittest
-import json
 
 import hardware
 from browser import Browser
+from hardware import shown
 from skipping import need
 
 HERE = os.path.dirname(os.path.abspath(__file__))
@@ -39,7 +40,7 @@ class InABrowser(unittest.TestCase):
         self.browser.load(f"file://{file}")
         self.on_screens(name)
         self.for_screen_readers(document)
-        self.on_paper(document)
+        self.on_paper()
         self.alone(f"file://{file}")
 
     def complaints(self, check, where):
@@ -60,19 +61,18 @@ class InABrowser(unittest.TestCase):
 
     def for_screen_readers(self, document):
         names = self.browser.accessible_names()
-        said = [bare(name) for _, name in names]
+        said = [(role, bare(name)) for role, name in names]
         verdict = {"ok": "All is well", "warning": "Warning", "critical": "Critical"}[document["health"]]
         with self.subTest("accessibility tree"):
-            self.assertIn(bare(verdict), said)
+            self.assertIn(("StaticText", bare(verdict)), said)
             for finding in document["findings"]:
-                link = ("link", finding["text"])
-                self.assertIn((link[0], bare(shown(link[1]))), [(role, bare(name)) for role, name in names])
+                self.assertIn(("link", bare(shown(finding["text"]))), said)
             for controller in document["controllers"]:
                 self.assertTrue(any(role == "heading" and name.startswith(f"Controller {controller['number']} ") for role, name in names))
                 for drive in controller["physical_drives"] or []:
                     self.assertTrue(any(role == "image" and name.startswith(f"Slot {drive['slot']}: ") for role, name in names))
 
-    def on_paper(self, document):
+    def on_paper(self):
         self.browser.look(718, media="print")
         self.complaints("wide", "paper")
         self.complaints("faint", "paper")
@@ -90,12 +90,10 @@ class InABrowser(unittest.TestCase):
                 self.assertNotEqual(boxes, [], "an empty page")
                 for left, top, right, bottom in (map(float, box) for box in boxes):
                     self.assertTrue(20 < left and right < A4[0] - 20 and 20 < top and bottom < A4[1] - 20, "a word leaves its page")
-            if "\ufffd" not in "".join(cells):  # what a font lacks is no text of the paper
-                for cell in cells:
-                    for line in cell.splitlines():
-                        self.assertIn(bare(line), text)
+            for line in (line for cell in cells for line in cell.splitlines()):
+                if "\ufffd" not in line:  # which the font may lack
+                    self.assertIn(bare(line), text)
             self.assertTrue(text.rstrip("\f").endswith("requests"), "the end is missing")
-            self.assertGreaterEqual(len(pages), len(document["controllers"]) and 1)
 
     def alone(self, url):
         """Nothing was asked for but the page, and the browser had nothing to say about it."""
@@ -105,10 +103,6 @@ class InABrowser(unittest.TestCase):
         with self.subTest("alone"):
             self.assertEqual([u for u in asked if u != "data:,"], [url])
             self.assertEqual(words, [])
-
-
-def shown(text):
-    return re.sub("[\x00-\x1f\x7f-\x9f]", " ", re.sub("[\u202a-\u202e]", "\ufffd", text))
 
 
 def examination(name):

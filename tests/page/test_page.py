@@ -11,6 +11,7 @@ import unittest
 from html.parser import HTMLParser
 
 import hardware
+from hardware import shown
 from skipping import need
 
 MOST_BYTES = 500_000  # of a page of 255 drives
@@ -58,12 +59,6 @@ class Page(HTMLParser):
             self.style += data
         else:
             self.lines.append(data)
-
-
-def shown(text):
-    """A text as the page shows it."""
-    text = re.sub("[\x00-\x1f\x7f-\x9f]", " ", text)
-    return re.sub("[\u200e\u200f\u202a-\u202e\u2066-\u2069\u061c]", "\ufffd", text)
 
 
 def texts_of(value, key=""):

@@ -10,4 +10,4 @@ make_host any "$3"
 on_host any zebstat metrics >"$scratch/metrics" || true
 mkdir "$scratch/textfile"
 mount --bind "$scratch/textfile" /var/lib/prometheus/node-exporter
-python3 "$(dirname -- "$0")/measure.py" "$source" "$scratch" "$scratch/metrics" "$4" "$5"
+python3 -B "$(dirname -- "$0")/measure.py" "$source" "$scratch" "$scratch/metrics" "$4" "$5"

@@ -9,5 +9,5 @@ simulated_machines "$@"
 make_host db1 controllers_one 80 # a rebuild takes thirteen seconds
 mkdir "$scratch/textfile"
 mount --bind "$scratch/textfile" /var/lib/prometheus/node-exporter
-python3 "$(dirname -- "$0")/alerts.py" "$source" "$hosts/db1" "$scratch" >"$scratch/output" 2>&1 ||
+python3 -B "$(dirname -- "$0")/alerts.py" "$source" "$hosts/db1" "$scratch" >"$scratch/output" 2>&1 ||
   fail 'the alerts are not what they should be' "$scratch/output"

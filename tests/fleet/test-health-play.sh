@@ -18,6 +18,11 @@ make_host db18 ld_degraded
 make_host db19 backup_unit_dead
 make_host db20 hot_spares # a drive will fail, with the spares released
 inventory >"$scratch/inventory"
+# One has its facts where every machine has them, in an /etc of its own.
+sed -i '/^db02 /s/ zebstat_facts=[^ ]*//' "$scratch/inventory"
+cp -a /etc "$scratch/etc"
+rm -rf -- "$scratch/etc/ansible"
+mount --bind "$scratch/etc" /etc
 on_host db20 zebcli -pdhsp -rmv '-pd[252:5,252:6]' -a0 >"$scratch/output" < <(yes) || fail 'no spare is released' "$scratch/output"
 on_host db20 zebcli -pdoffline '-pd[252:3]' -a0 >"$scratch/output" < <(yes) || fail 'no drive is taken offline' "$scratch/output"
 
@@ -47,6 +52,7 @@ run_play() {
 }
 
 run_play 2 db18 db19 db20
+[ "$(readlink /etc/ansible/facts.d/zeb.fact)" = "$source/share/zebstat/ansible/zeb.fact" ] || fail 'the fact is not in its place'
 grep -q "LD1 'OS' (RAID1) is degraded" "$scratch/output" || fail 'the failure of the drive is not told' "$scratch/output"
 
 # db20 is mended, db01 loses its library; nothing is changed by a further run.

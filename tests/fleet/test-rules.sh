@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # The alert rules are well formed, every alert fires when and only when it should, and none is without its test.
-# usage: test-rules.sh SOURCE_FOLDER
+# usage: test-rules.sh SOURCE_FOLDER BUILD_FOLDER
 set -euo pipefail
 . "$(dirname -- "$0")/support.sh"
 need promtool
@@ -28,3 +28,13 @@ grep -v '^ *#' "$rules" | grep -oE '\b(zeb|node)_[a-z_]+' | sort -u | while IFS=
   esac
   grep -rqF "\"$metric\"" "$1/zebstat" || fail "the rules ask for $metric, which zebstat does not write"
 done
+
+# doc/fleet.md has each alert with its severity and its patience.
+awk '/- alert:/ { alert = $3; patience = "at once" } / for: / { patience = $2; sub("m$", " min", patience); sub("h$", " h", patience) }
+  / severity: / { print "| `" alert "` | " $2 " | " patience " |" }' "$rules" | sort >"$scratch/wanted"
+sed -nE 's/^(\| `Zeb[^|]*\|[^|]*\|[^|]*\|).*/\1/p' "$1/doc/fleet.md" | sort >"$scratch/got"
+diff "$scratch/wanted" "$scratch/got" >"$scratch/difference" || fail 'doc/fleet.md (>) has other alerts (<)' "$scratch/difference"
+
+# A drive is hot where zebstat says so.
+limits=$({ LD_LIBRARY_PATH=$2/simulator "$2/zebstat/zebstat" check || true; } | grep -oE "temperature=[0-9;]*" | cut -d ";" -f 2-)
+[ "$(sed -nE 's/.*celsius > ([0-9]+) .*/\1/p' "$rules" | paste -sd ';')" = "$limits" ] || fail "zebstat's temperatures are $limits"

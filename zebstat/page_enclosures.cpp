@@ -109,7 +109,7 @@ class BayWriter {
     }
 
   private:
-    void write(Literal text, std::string_view words) {
+    void write(const Literal& text, std::string_view words) {
         out_.raw(text);
         out_.text(words);
         out_.raw("</text>");

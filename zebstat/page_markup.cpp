@@ -54,7 +54,7 @@ Markup::Element::~Element() {
     markup_.page_ += '>';
 }
 
-void Markup::tag(Literal name, Attributes attributes, std::string_view end) {
+void Markup::tag(const Literal& name, Attributes attributes, std::string_view end) {
     page_ += '<';
     page_ += name.text();
     for (const Attribute& attribute : attributes) {
@@ -69,17 +69,17 @@ void Markup::tag(Literal name, Attributes attributes, std::string_view end) {
     page_ += end;
 }
 
-Markup::Element Markup::element(Literal name, Attributes attributes) {
+Markup::Element Markup::element(const Literal& name, Attributes attributes) {
     tag(name, attributes, ">");
     return {*this, name};
 }
 
-void Markup::leaf(Literal name, std::string_view text, Attributes attributes) {
+void Markup::leaf(const Literal& name, std::string_view text, Attributes attributes) {
     const Element here = element(name, attributes);
     appendEscaped(page_, text);
 }
 
-void Markup::empty(Literal name, Attributes attributes) {
+void Markup::empty(const Literal& name, Attributes attributes) {
     tag(name, attributes, "/>");
 }
 

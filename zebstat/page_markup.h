@@ -29,7 +29,7 @@ class Markup {
     /// An element that is open while this lives.
     class [[nodiscard]] Element {
       public:
-        Element(Markup& markup, Literal name) : markup_(markup), name_(name) {}
+        Element(Markup& markup, const Literal& name) : markup_(markup), name_(name) {}
         ~Element();
         Element(const Element&) = delete;
         Element& operator=(const Element&) = delete;
@@ -39,20 +39,20 @@ class Markup {
         Literal name_;
     };
 
-    Element element(Literal name, Attributes attributes = {});
+    Element element(const Literal& name, Attributes attributes = {});
     /// An element with nothing but a text in it.
-    void leaf(Literal name, std::string_view text, Attributes attributes = {});
+    void leaf(const Literal& name, std::string_view text, Attributes attributes = {});
     /// An element that has no content.
-    void empty(Literal name, Attributes attributes);
+    void empty(const Literal& name, Attributes attributes);
     /// A text as it is to be read. Control characters become blanks; what is no UTF-8, and what would turn the
     /// direction of the words around it, becomes U+FFFD.
     void text(std::string_view text);
-    void raw(Literal markup) { page_ += markup.text(); }
+    void raw(const Literal& markup) { page_ += markup.text(); }
 
     const std::string& page() const { return page_; }
 
   private:
-    void tag(Literal name, Attributes attributes, std::string_view end);
+    void tag(const Literal& name, Attributes attributes, std::string_view end);
 
     std::string page_;
 };

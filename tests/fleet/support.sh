@@ -29,11 +29,14 @@ simulated_machines() {
   hosts=$scratch/hosts
 }
 
-# make_host NAME SCENARIO [SPEED]: a simulated machine of its own in $hosts/NAME. on_host NAME COMMAND... runs there, with zebcli
-# and zebstat of the build $build on the search path.
+# make_host NAME SCENARIO [SPEED]: a simulated machine of its own in $hosts/NAME; the scenario is a kept one or a file.
+# on_host NAME COMMAND... runs there, with zebcli and zebstat of the build $build on the search path.
 make_host() {
   local host=$hosts/$1 scenario=$source/simulator/scenarios/$2.json
-  [ "$2" != built_in ] || scenario=$source/simulator/built_in.json
+  case $2 in
+    built_in) scenario=$source/simulator/built_in.json ;;
+    */*) scenario=$2 ;;
+  esac
   mkdir -p -- "$host/bin"
   ln -s -- "$build/zebcli" "$build/zebstat/zebstat" "$host/bin"
   cat >"$host/run" <<EOS

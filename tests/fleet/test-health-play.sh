@@ -14,7 +14,9 @@ for number in {01..15}; do
 done
 make_host db16 drives_predict_failure # warnings
 make_host db17 drive_foreign
-make_host db18 ld_degraded
+# An operator's name for an LD is a text and no program.
+jq '.controllers[0].lds[0].name = "{{ 6 * 7 }}"' "$source/simulator/scenarios/ld_degraded.json" >"$scratch/hostile.json"
+make_host db18 "$scratch/hostile.json"
 make_host db19 backup_unit_dead
 make_host db20 hot_spares # a drive will fail, with the spares released
 inventory >"$scratch/inventory"
@@ -52,6 +54,7 @@ run_play() {
 }
 
 run_play 2 db18 db19 db20
+grep -qF "LD0 '{{ 6 * 7 }}' (RAID10) is degraded" "$scratch/output" || fail 'the name of an LD is not told as it stands' "$scratch/output"
 [ "$(readlink /etc/ansible/facts.d/zeb.fact)" = "$source/share/zebstat/ansible/zeb.fact" ] || fail 'the fact is not in its place'
 grep -q "LD1 'OS' (RAID1) is degraded" "$scratch/output" || fail 'the failure of the drive is not told' "$scratch/output"
 

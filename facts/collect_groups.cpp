@@ -89,10 +89,11 @@ class Grouping {
                                              [&](const _MR_SPAN& span) { return isIn(number, span.arrayRef); });
             if (!onGroup || std::ranges::count(group.logicalDrives, ldNo) != 0)
                 continue;
-            if (group.logicalDrives.empty())
+            if (group.logicalDrives.empty() || ldNo < std::ranges::min(group.logicalDrives))
                 group.level = raidLevelWord(ld);
             group.logicalDrives.push_back(ldNo);
         }
+        std::ranges::sort(group.logicalDrives);
         for (const _MR_SPARE& spare : configuration_.spares()) {
             const std::uint16_t deviceId = spare.ref.deviceId;
             const auto served = arrayRefsOf(spare);

@@ -18,7 +18,7 @@ struct FreeSegment {
 struct RaidGroup {
     std::string name; ///< "RG0", of a CacheCade group "scRG0"
     bool cachecade = false;
-    std::optional<Word> level; ///< of its first LD
+    std::optional<Word> level; ///< of its first LD by number
     std::vector<std::uint16_t> arrays;
     std::vector<std::optional<std::uint16_t>> physicalDrives; ///< device ids, array by array; nothing = empty position
     std::optional<std::uint64_t> usableBytes;

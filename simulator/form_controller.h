@@ -132,6 +132,8 @@ void describeIdentity(Io& io, Controller& ctrl) {
     io.text("packageVersion", ctrl.packageVersion, usual.packageVersion, 96);
     io.objects("images", ctrl.images, 255,
                [](auto& element, ImageComponent& image, std::size_t) { describeImage(element, image); });
+    io.objects("pendingImages", ctrl.pendingImages, 255,
+               [](auto& element, ImageComponent& image, std::size_t) { describeImage(element, image); });
     io.object("driver", ctrl.driver, [](auto& element, Driver& driver) { describeDriver(element, driver); });
     io.number("devicePorts", ctrl.devicePorts, usual.devicePorts);
     io.numbers("portAddresses", ctrl.portAddresses, usual.portAddresses, 8);

@@ -266,6 +266,7 @@ struct Controller {
     std::string serial = "QV00000001";
     std::string packageVersion;
     std::vector<ImageComponent> images;
+    std::vector<ImageComponent> pendingImages; ///< flashed, run after the next start
     Driver driver;
     std::uint8_t devicePorts = 8;
     std::vector<std::uint64_t> portAddresses;

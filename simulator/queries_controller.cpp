@@ -95,6 +95,8 @@ std::uint32_t getCtrlInfo(Call& call) {
         info.devicePortAddr[i] = ctrl.portAddresses[i];
     info.imageComponentCount = static_cast<std::uint32_t>(ctrl.images.size());
     encodeImages(info.imageComponent, ctrl.images);
+    info.pendingImageComponentCount = static_cast<std::uint32_t>(ctrl.pendingImages.size());
+    encodeImages(info.pendingImageComponent, ctrl.pendingImages);
     putText(info.productName, ctrl.product);
     putText(info.serialNo, ctrl.serial);
     putText(info.packageVersion, ctrl.packageVersion);

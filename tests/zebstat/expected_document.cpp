@@ -23,11 +23,16 @@ Json joined(const Json& a, const Json& b) {
     return a.get<std::string>() + " " + b.get<std::string>();
 }
 
-Json firmware(const Json& c) {
+Json imageList(const Json& c, const char* key) {
     Json images = Json::array();
-    for (const Json& item : list(c, "images"))
+    for (const Json& item : list(c, key))
         if (images.size() < 8)
             images.push_back(image(item));
+    return images;
+}
+
+Json firmware(const Json& c) {
+    const Json images = imageList(c, "images");
     const auto first = [&](const char* beginning) -> Json {
         for (const Json& item : images)
             if (item["name"].is_string() && item["name"].get<std::string>().starts_with(beginning))
@@ -40,7 +45,7 @@ Json firmware(const Json& c) {
             {"build_time", joined(app.value("build_date", Json()), app.value("build_time", Json()))},
             {"bios", first("BIOS").value("version", Json())},
             {"images", images},
-            {"pending_images", Json::array()}};
+            {"pending_images", imageList(c, "pendingImages")}};
 }
 
 Json capabilities(const Json& c) {

@@ -13,6 +13,7 @@ most_calls_per_record=8
 
 most_latency=1.03 # wall time of the largest topology at 1 ms a call, times requests x latency
 most_report_cpu=5 # ms of processor time of a report on it above the floor's
+most_creation_cpu=20 # ms of processor time of a whole easy creation on 240 drives
 most_wall=1.3 # wall time of a command, times the floor's
 most_memory=3 # MB of peak resident memory above the floor's
 most_growth=1.1 # exponent, with controllers and with drives

@@ -102,6 +102,20 @@ companion() {
     $most_companion_start
 }
 
+# One easy creation from the first pattern, with every drive of the controller free.
+creation() {
+  [ -d /opt/quorvel/zeb ] || { mount -t tmpfs site /opt && mkdir -p /opt/quorvel/zeb; }
+  cp "$bench/../share/confpat1.csv" /opt/quorvel/zeb
+  echo '{"controllers": [{"maxPds": 240, "cacheBackup": {}, "drives": [{"repeat": 240}]}]}' >free.json
+  printf '1\n1\ny\n' >answers
+  extra=(ZEBSIM_SCENARIO=free.json BENCH_ANSWERS=answers)
+  "${clean[@]}" "${extra[@]}" "$zebcli" -lde <answers >out
+  grep -q 'has been created' out || { echo 'the creation to measure failed' >&2 && cat out >&2 && exit 1; }
+  measure 21 "$zebcli" -lde
+  row '-lde, 240 free drives: processor time, ms' "$(compute "${cpu[0]} / 1000")" $most_creation_cpu
+  extra=()
+}
+
 # For each command a line of its own in built_in: the figures, then the command.
 built_in() {
   local args words tool base ours theirs further
@@ -176,6 +190,7 @@ heading 'what' 'figure' 'bound'
 heading "$(printf -- '-%.0s' {1..78})" '-------:' '-----:'
 largest
 companion
+creation
 built_in
 worst 'each command: instructions / floor' built_in 1 6 $most_instructions
 worst '  with the library taken out of both' built_in 2 6 $most_own_of_all

@@ -204,7 +204,7 @@ void reportController(Controller ctrl, bool withSummary, const LdList& listed, S
     if (selected.count == 0)
         sayNoLd(ctrl.contNo);
     const GroupRecords records = groupRecords(ctrl.cont());
-    std::array<bool, 256> done{}; // by LD number: the LDs of the groups that were reported
+    std::array<bool, kByteValues> done{}; // by LD number: the LDs of the groups that were reported
     Report report;
     for (const unsigned char ldNo : selected.list()) {
         const _SL_ARRAY_INFO_T* group = done[ldNo] ? nullptr : findGroup(records, ldNo);

@@ -129,7 +129,7 @@ struct Change {
     Controller ctrl;
     std::span<const unsigned char> selected;
     NumberList done{};
-    std::array<bool, 256> handled{}; ///< by LD number: the LDs of the groups that were changed
+    std::array<bool, kByteValues> handled{}; ///< by LD number: the LDs of the groups that were changed
 };
 
 using FailedLd = std::optional<unsigned char>;

@@ -95,7 +95,7 @@ void addErrors(Report& report, const _MR_PD_INFO& pd) {
 }
 
 void addPlace(Report& report, const _MR_PD_INFO& pd) {
-    const bool inEnclosure = pd.enclDeviceId != 0xFF && pd.enclDeviceId != kNoDevice;
+    const bool inEnclosure = pd.enclDeviceId != kNoEnclosureByte && pd.enclDeviceId != kNoDevice;
     report.heading(inEnclosure ? "Enclosure Properties Information" : "Slot Information");
     if (inEnclosure)
         report.field("Enclosure ID", "%d", pd.enclDeviceId);

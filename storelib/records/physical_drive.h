@@ -34,6 +34,8 @@ ZEB_WIRE_RECORD(_MR_PD_LIST, 6152, given, ZEB_FIELD(size, 0), ZEB_FIELD(count, 4
 inline constexpr std::uint8_t kScsiDisk = 0;
 inline constexpr std::uint8_t kScsiEnclosure = 13;
 inline constexpr std::uint16_t kNoDevice = 0xFFFF;
+/// What firmware that has one byte for the number says of a drive without an enclosure.
+inline constexpr std::uint16_t kNoEnclosureByte = 0xFF;
 
 /// Progress of one background operation: 65535 is all of it.
 struct _MR_PROGRESS {

@@ -5,3 +5,6 @@
 #include "storelib/records/configuration.h"
 
 inline constexpr unsigned kMaxControllers = 4;
+
+/// Values of a byte: the room of a table by LD number, which may be above kMaxLds where a record lies.
+inline constexpr unsigned kByteValues = 256;

@@ -1,6 +1,7 @@
 // Numbers joined with ",", as the summaries show them.
 #pragma once
 
+#include "main/zebcli_cmd_com/base/limits.h"
 #include "main/zebcli_cmd_com/base/string_shims.h"
 
 class NumberList {
@@ -14,6 +15,6 @@ class NumberList {
     const char* c_str() const { return text_; }
 
   private:
-    /// Room for twice as many numbers of three digits with their commas as a PD list has.
-    char text_[2 * 256 * 4 + 1] = {};
+    /// Room for twice as many numbers as a PD list has.
+    char text_[2 * kMaxSlots * (sizeof "255," - 1) + 1] = {};
 };

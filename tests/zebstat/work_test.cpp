@@ -171,5 +171,16 @@ TEST_F(Work, WatchDrawsBarsUntilAKeyEndsIt) {
     }
 }
 
+TEST_F(Work, ATimeOutWhileWatchingLeavesTheTerminalAsItWas) {
+    RunOptions options = runOn(mirror(one({{"repeat", 2}})), "--timeout 0.3 watch");
+    options.env["ZEBSIM_LATENCY_US"] = "30000000";
+    options.input = Input::kTerminal;
+    options.output = Output::kTerminal;
+    const RunResult result = box.run(options);
+    EXPECT_EQ(result.exitStatus, 3) << result;
+    EXPECT_THAT(result.err, testing::HasSubstr("the library did not answer within 0.3 s"));
+    EXPECT_TRUE(sameMode(result.terminalBefore, result.terminalAfter));
+}
+
 } // namespace
 } // namespace zebtest

@@ -100,6 +100,10 @@ struct Controller {
     std::optional<std::vector<PhysicalDrive>> physicalDrives;
     std::optional<std::vector<RaidGroup>> raidGroups;
     std::optional<std::vector<LogicalDrive>> logicalDrives;
+
+    /// What is listed under that device id, or number; null when nothing is.
+    const PhysicalDrive* driveOf(std::uint16_t deviceId) const;
+    const LogicalDrive* ldOf(std::uint8_t ldNo) const;
 };
 
 } // namespace facts

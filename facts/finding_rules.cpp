@@ -16,10 +16,6 @@ std::string upperCase(std::string_view word) {
     return text;
 }
 
-std::string counted(std::uint64_t count, std::string_view what) {
-    return std::to_string(count) + " " + std::string(what) + (count == 1 ? "" : "s");
-}
-
 /// "power supply 1 of enclosure 252"
 std::string nameOf(const SensorObject& sensor) {
     std::string type(sensor.sensor);
@@ -178,18 +174,11 @@ class Judge {
             add(*thresholds_.noSpare, "no_spare", RaidGroupObject{group.name}, "no hot spare fits " + group.name);
     }
 
-    const PhysicalDrive* driveOf(std::uint16_t deviceId) const {
-        if (!controller_.physicalDrives)
-            return nullptr;
-        const auto found = std::ranges::find(*controller_.physicalDrives, deviceId, &PhysicalDrive::deviceId);
-        return found != controller_.physicalDrives->end() ? &*found : nullptr;
-    }
-
     /// The member with the least room; null when no member tells its size.
     const PhysicalDriveInfo* smallestOf(const RaidGroup& group) const {
         const PhysicalDriveInfo* smallest = nullptr;
         for (const auto& deviceId : group.physicalDrives) {
-            const PhysicalDrive* drive = deviceId ? driveOf(*deviceId) : nullptr;
+            const PhysicalDrive* drive = deviceId ? controller_.driveOf(*deviceId) : nullptr;
             if (drive == nullptr || !drive->info || !drive->info->usableBytes)
                 continue;
             if (smallest == nullptr || drive->info->usableBytes < smallest->usableBytes)

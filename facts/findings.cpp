@@ -66,6 +66,21 @@ std::string_view healthOf(const std::vector<Finding>& findings) {
     return findings.empty() ? "ok" : severityWord(findings.front().severity);
 }
 
+std::string counted(std::uint64_t count, std::string_view what) {
+    return std::to_string(count) + " " + std::string(what) + (count == 1 ? "" : "s");
+}
+
+std::string countsText(const Collection& collection) {
+    std::size_t drives = 0;
+    std::size_t lds = 0;
+    for (const Controller& controller : collection.controllers) {
+        drives += controller.physicalDrives ? controller.physicalDrives->size() : 0;
+        lds += controller.logicalDrives ? controller.logicalDrives->size() : 0;
+    }
+    return counted(collection.controllers.size(), "controller") + ", " + counted(drives, "physical drive") + ", " +
+           counted(lds, "logical drive");
+}
+
 std::string spokenDuration(std::uint32_t seconds) {
     constexpr std::uint32_t kMinute = 60;
     constexpr std::uint32_t kHour = 3600;

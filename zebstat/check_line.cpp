@@ -12,21 +12,6 @@ namespace {
 
 using namespace facts;
 
-std::string counted(std::size_t count, const char* what) {
-    return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
-}
-
-std::string countsText(const Collection& collection) {
-    std::size_t drives = 0;
-    std::size_t lds = 0;
-    for (const Controller& controller : collection.controllers) {
-        drives += controller.physicalDrives ? controller.physicalDrives->size() : 0;
-        lds += controller.logicalDrives ? controller.logicalDrives->size() : 0;
-    }
-    return counted(collection.controllers.size(), "controller") + ", " + counted(drives, "physical drive") + ", " +
-           counted(lds, "logical drive");
-}
-
 std::string worstText(const std::vector<Finding>& findings) {
     constexpr std::size_t kMost = 3;
     std::string text;

@@ -15,10 +15,6 @@ namespace {
 
 using namespace facts;
 
-std::string counted(std::size_t count, std::string_view what) {
-    return std::to_string(count) + " " + std::string(what) + (count == 1 ? "" : "s");
-}
-
 /// The worst of what was found on the controller.
 std::string_view healthOf(const Controller& controller, const std::vector<Finding>& findings) {
     for (const Finding& finding : findings) // the worst first
@@ -98,16 +94,8 @@ class PageWriter {
     }
 
     std::string verdictText() const {
-        if (findings_.empty()) {
-            std::size_t drives = 0;
-            std::size_t lds = 0;
-            for (const Controller& controller : collection_.controllers) {
-                drives += controller.physicalDrives ? controller.physicalDrives->size() : 0;
-                lds += controller.logicalDrives ? controller.logicalDrives->size() : 0;
-            }
-            return counted(collection_.controllers.size(), "controller") + ", " + counted(drives, "physical drive") +
-                   ", " + counted(lds, "logical drive");
-        }
+        if (findings_.empty())
+            return countsText(collection_);
         const std::size_t critical = countOf(findings_, Severity::Critical);
         const std::size_t warnings = countOf(findings_, Severity::Warning);
         std::string text = joined({critical != 0 ? counted(critical, "critical finding") : "",

@@ -47,14 +47,14 @@ class GroupWriter {
 
   private:
     std::uint64_t sizeOf(std::uint8_t number) const {
-        const LogicalDrive* ld = part_.ldOf(number);
+        const LogicalDrive* ld = part_.controller.ldOf(number);
         return ld != nullptr && ld->info ? ld->info->sizeBytes.value_or(0) : 0;
     }
 
     std::vector<Segment> segments() const {
         std::vector<Segment> segments;
         for (const std::uint8_t number : group_.logicalDrives) {
-            const LogicalDrive* ld = part_.ldOf(number);
+            const LogicalDrive* ld = part_.controller.ldOf(number);
             const std::string look(ld != nullptr ? lookOf(*ld).look : "weak");
             segments.push_back({nameOf(number, ld), "ld " + look, sizeOf(number)});
         }
@@ -87,7 +87,7 @@ class GroupWriter {
         const auto list = out_.element("ul", {{"class", "lds"}});
         for (const std::uint8_t number : group_.logicalDrives) {
             const LogicalDriveObject object{number};
-            const LogicalDrive* ld = part_.ldOf(number);
+            const LogicalDrive* ld = part_.controller.ldOf(number);
             const StateLook look = ld != nullptr ? lookOf(*ld) : StateLook{"weak", "!", "not listed"};
             const auto item = out_.element("li", {{"id", part_.claim(object)}, {"class", part_.severityClass(object)}});
             out_.leaf("span", look.letter, {{"class", "key " + std::string(look.look)}, {"aria-hidden", "true"}});
@@ -124,7 +124,7 @@ class GroupWriter {
     }
 
     void writeMember(std::uint16_t deviceId) {
-        const PhysicalDrive* drive = part_.driveOf(deviceId);
+        const PhysicalDrive* drive = part_.controller.driveOf(deviceId);
         if (drive == nullptr) {
             out_.leaf("span", "device id " + std::to_string(deviceId), {{"class", "member weak"}});
             return;

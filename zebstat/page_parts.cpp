@@ -33,20 +33,6 @@ std::string ControllerPart::severityClass(const Object& object) const {
     return severity ? std::string(severityWord(*severity)) : "";
 }
 
-const PhysicalDrive* ControllerPart::driveOf(std::uint16_t deviceId) const {
-    if (!controller.physicalDrives)
-        return nullptr;
-    const auto found = std::ranges::find(*controller.physicalDrives, deviceId, &PhysicalDrive::deviceId);
-    return found != controller.physicalDrives->end() ? &*found : nullptr;
-}
-
-const LogicalDrive* ControllerPart::ldOf(std::uint8_t number) const {
-    if (!controller.logicalDrives)
-        return nullptr;
-    const auto found = std::ranges::find(*controller.logicalDrives, number, &LogicalDrive::number);
-    return found != controller.logicalDrives->end() ? &*found : nullptr;
-}
-
 std::string ControllerPart::edgeClass(const std::optional<std::string>& groupName) const {
     constexpr std::ptrdiff_t kColours = 8;
     if (!groupName || !controller.raidGroups)

@@ -31,9 +31,6 @@ class ControllerPart {
     /// "critical", "warning" or nothing.
     std::string severityClass(const facts::Object& object) const;
 
-    /// The drive with that device id; null when the controller lists none.
-    const facts::PhysicalDrive* driveOf(std::uint16_t deviceId) const;
-    const facts::LogicalDrive* ldOf(std::uint8_t number) const;
     /// The colour of a group's edges, "g0" to "g7" by its place; nothing for a drive that is in none.
     std::string edgeClass(const std::optional<std::string>& groupName) const;
 

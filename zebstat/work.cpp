@@ -8,13 +8,6 @@ namespace {
 
 using namespace facts;
 
-const PhysicalDrive* driveOf(const Controller& controller, std::uint16_t deviceId) {
-    if (!controller.physicalDrives)
-        return nullptr;
-    const auto found = std::ranges::find(*controller.physicalDrives, deviceId, &PhysicalDrive::deviceId);
-    return found != controller.physicalDrives->end() ? &*found : nullptr;
-}
-
 std::string nameOf(const PhysicalDrive& drive) {
     const std::string place = drive.enclosureId ? std::to_string(*drive.enclosureId) + ":" : "";
     return "PD" + place + std::to_string(drive.slot);
@@ -29,7 +22,7 @@ std::string nameOf(const LogicalDrive& ld) {
 std::vector<std::uint8_t> ldsOfDrive(const Controller& controller, const PhysicalDriveInfo& info) {
     if (info.logicalDrives && !info.logicalDrives->empty())
         return *info.logicalDrives;
-    const PhysicalDrive* source = info.copybackPartner ? driveOf(controller, *info.copybackPartner) : nullptr;
+    const PhysicalDrive* source = info.copybackPartner ? controller.driveOf(*info.copybackPartner) : nullptr;
     if (source != nullptr && source->info && source->info->logicalDrives)
         return *source->info->logicalDrives;
     return {};
@@ -64,7 +57,7 @@ std::string ailmentOfLd(const Controller& controller, std::uint16_t number) {
 }
 
 std::string ailmentOfDrive(const Controller& controller, std::uint16_t deviceId) {
-    const PhysicalDrive* drive = driveOf(controller, deviceId);
+    const PhysicalDrive* drive = controller.driveOf(deviceId);
     if (drive == nullptr || !drive->info)
         return "the drive with the device id " + std::to_string(deviceId) + " is gone";
     const Word& state = drive->info->state;

@@ -72,15 +72,16 @@ Line lineOf(const json& object) {
     line.number = numberOf(object, "n", kAnyNumber);
     line.leftOut = object.value("left_out", false);
     line.status = static_cast<std::uint32_t>(numberOf(object, "status", 0xFFFFFFFFU));
-    line.header[0] = static_cast<std::uint8_t>(numberOf(object, "type", 0xFF));
-    line.header[1] = static_cast<std::uint8_t>(numberOf(object, "code", 0xFF));
+    line.header[kTypeAt] = static_cast<std::uint8_t>(numberOf(object, "type", 0xFF));
+    line.header[kCommandAt] = static_cast<std::uint8_t>(numberOf(object, "code", 0xFF));
     line.microseconds = numberOf(object, "us", kAnyNumber);
     if (object.contains("past"))
         line.past = numberOf(object, "past", kAnyNumber);
     if (line.leftOut)
         return line;
     const Bytes header = bytesOfHex(textOf(object, "header"), kHeaderSize).value_or(Bytes{});
-    if (header.size() != kHeaderSize || header[0] != line.header[0] || header[1] != line.header[1])
+    if (header.size() != kHeaderSize || header[kTypeAt] != line.header[kTypeAt] ||
+        header[kCommandAt] != line.header[kCommandAt])
         throw Malformed{"\"header\" is not the " + std::to_string(kHeaderSize) + " bytes of this type and code"};
     std::copy(header.begin(), header.end(), line.header.begin());
     line.out = outOf(object, "out");
@@ -152,8 +153,10 @@ std::string writeHead(const Head& head) {
 }
 
 std::string writeLine(const Line& line) {
-    ordered_json object{
-        {"n", line.number}, {"us", line.microseconds}, {"type", line.header[0]}, {"code", line.header[1]}};
+    ordered_json object{{"n", line.number},
+                        {"us", line.microseconds},
+                        {"type", line.header[kTypeAt]},
+                        {"code", line.header[kCommandAt]}};
     if (line.leftOut) {
         object["left_out"] = true;
     } else {

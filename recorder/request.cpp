@@ -78,11 +78,11 @@ wire::_SL_LIB_CMD_PARAM_T Request::fields() const {
 }
 
 bool Request::isControllerCommand() const {
-    return header[0] == kPassThrough && header[1] == kControllerCommand;
+    return header[kTypeAt] == kPassThrough && header[kCommandAt] == kControllerCommand;
 }
 
 bool Request::isScsi() const {
-    return header[0] == kPassThrough && header[1] == kScsi;
+    return header[kTypeAt] == kPassThrough && header[kCommandAt] == kScsi;
 }
 
 Effect Request::effect() const {
@@ -94,7 +94,7 @@ Effect Request::effect() const {
         const ScsiRow* row = scsi ? findScsi(scsi->cdb[0]) : nullptr;
         return row != nullptr ? row->effect : Effect::kChanges;
     }
-    const RequestRow* row = findRequest(header[0], header[1]);
+    const RequestRow* row = findRequest(header[kTypeAt], header[kCommandAt]);
     return row != nullptr ? row->effect : Effect::kChanges;
 }
 
@@ -103,7 +103,7 @@ Data Request::data() const {
         return {dcmd ? Shape::kControllerCommand : Shape::kUnknown};
     if (isScsi())
         return {scsi ? Shape::kScsi : Shape::kUnknown};
-    const RequestRow* row = findRequest(header[0], header[1]);
+    const RequestRow* row = findRequest(header[kTypeAt], header[kCommandAt]);
     return row != nullptr ? row->data : Data{Shape::kUnknown};
 }
 
@@ -118,8 +118,8 @@ bool Request::sends() const {
 
 std::string codeOf(const Request& request) {
     char text[32];
-    const unsigned type = request.header[0];
-    const unsigned cmd = request.header[1];
+    const unsigned type = request.header[kTypeAt];
+    const unsigned cmd = request.header[kCommandAt];
     if (request.dcmd)
         std::snprintf(text, sizeof text, "%02X/%02X %08X", type, cmd, unsigned{request.dcmd->opcode});
     else if (request.scsi)

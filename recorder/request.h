@@ -5,6 +5,7 @@
 #include "storelib/records/request.h"
 
 #include <array>
+#include <cstddef>
 #include <optional>
 #include <span>
 #include <string>
@@ -16,6 +17,8 @@ using Bytes = std::vector<std::uint8_t>;
 
 inline constexpr std::size_t kHeaderSize = sizeof(_SL_LIB_CMD_PARAM_T) - sizeof(void*);
 using Header = std::array<std::uint8_t, kHeaderSize>;
+inline constexpr std::size_t kTypeAt = offsetof(_SL_LIB_CMD_PARAM_T, cmdType);
+inline constexpr std::size_t kCommandAt = offsetof(_SL_LIB_CMD_PARAM_T, cmd);
 
 /// What is needed to judge and to name a request: its header and, for a pass-through, the head of its data.
 struct Request {

@@ -60,15 +60,15 @@ void Session::leave() {
 
 void Session::learn(const Exchange& exchange) {
     const Header& header = exchange.request.header;
-    if (exchange.status != 0 || header[0] != kLibraryType)
+    if (exchange.status != 0 || header[kTypeAt] != kLibraryType)
         return;
     const auto data = exchange.dataAfter;
-    if (header[1] == kInitialise && data.size() >= sizeof(wire::_SL_CTRL_LIST_T)) {
+    if (header[kCommandAt] == kInitialise && data.size() >= sizeof(wire::_SL_CTRL_LIST_T)) {
         wire::_SL_CTRL_LIST_T list;
         std::memcpy(&list, data.data(), sizeof list);
         controllers_.learn(list);
     }
-    if (header[1] == kVersion && data.size() >= sizeof(wire::_SL_LIB_VER_T) && page_ != nullptr &&
+    if (header[kCommandAt] == kVersion && data.size() >= sizeof(wire::_SL_LIB_VER_T) && page_ != nullptr &&
         !page_->versionKnown) {
         std::memcpy(page_->version, data.data(), sizeof(wire::_SL_LIB_VER_T));
         page_->versionKnown = true;
@@ -81,7 +81,7 @@ bool Session::heldBack() {
         return false;
     const Request& request = forwarder_.exchange().request;
     if (request.effect() == Effect::kReads) {
-        const bool end = request.header[0] == kLibraryType && request.header[1] == kExit;
+        const bool end = request.header[kTypeAt] == kLibraryType && request.header[kCommandAt] == kExit;
         if (page_->heldBack.count != 0 && !end)
             ++page_->afterHeldBack;
         return false;

@@ -53,7 +53,8 @@ std::string lineText(const Recording& recording, const Line& line, const Control
 
 void learnControllers(const Recording& recording, const Line& line, ControllerNumbers& controllers) {
     const Bytes* bytes = recording.answerOf(line.in, false);
-    if (line.header[0] != 0 || line.header[1] != 0 || bytes == nullptr || bytes->size() < sizeof(wire::_SL_CTRL_LIST_T))
+    if (line.header[kTypeAt] != 0 || line.header[kCommandAt] != 0 || bytes == nullptr ||
+        bytes->size() < sizeof(wire::_SL_CTRL_LIST_T))
         return;
     wire::_SL_CTRL_LIST_T list;
     std::memcpy(&list, bytes->data(), sizeof list);

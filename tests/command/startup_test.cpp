@@ -294,9 +294,5 @@ TEST_F(StartUp, VersionShowsTheLibrarysOwn) {
     }
 }
 
-TEST_F(StartUp, RequestsOfARun) {
-    EXPECT_TRUE(matchesKept("start_up/requests_of_version.txt", runWord("-v").trace));
-}
-
 } // namespace
 } // namespace zebtest

@@ -5,7 +5,7 @@
 packages_to_build=(g++ cmake ninja-build nlohmann-json3-dev libcli11-dev libgtest-dev libgmock-dev)
 # shellcheck disable=SC2034
 packages_to_check=(clang-format cppcheck shellcheck binutils util-linux bsdutils mandoc groff bash-completion dpkg-dev file
-  gzip jq perl prometheus prometheus-node-exporter python3-jsonschema systemd valgrind strace tidy)
+  curl gzip jq perl prometheus prometheus-node-exporter python3-jsonschema systemd valgrind strace tidy)
 # What "./check --all" needs besides.
 # shellcheck disable=SC2034
 packages_to_check_all=(clang clang-tidy libclang-rt-dev debootstrap ansible-core lintian chromium poppler-utils)

@@ -103,6 +103,31 @@ TEST_F(DocumentForm, IsAsKept) {
     }
 }
 
+/// What a person reads of each finding.
+TEST_F(DocumentForm, FindingsAreSaidAsKept) {
+    const std::pair<const char*, const char*> runs[] = {
+        {"words_of_controllers", "[]"},
+        {"words_of_drives", "[]"},
+        {"drive_missing", "[]"},
+        {"drive_rebuilding", "[]"},
+        {"ld_partially_degraded", "[]"},
+        {"backup_unit_dead", "[]"},
+        {"built_in", R"([{"type":1,"cmd":0,"ctrl":2,"status":"0x32"}])"},
+        {"built_in", R"([{"type":8,"cmd":5,"status":"0x09"},{"type":2,"cmd":0,"ref":9,"status":"0x0C"}])"},
+        {"built_in", R"([{"type":0,"cmd":4,"status":"0x03"},{"type":5,"cmd":0,"from":1,"status":"0x22"}])"}};
+    std::string text;
+    for (const auto& [scenario, faults] : runs) {
+        RunOptions options = quickRun("json", scenario);
+        options.env["ZEBSIM_FAULTS"] = faults;
+        text += std::string(scenario) + " " + faults + "\n";
+        const Json document = Json::parse(box.run(options).out);
+        for (const Json& finding : document["findings"])
+            text += "  " + finding["severity"].get<std::string>() + " " + finding["code"].get<std::string>() + ": " +
+                    finding["text"].get<std::string>() + "\n";
+    }
+    EXPECT_TRUE(matchesFile(fs::path(paths::zebstatExpectedDir) / "findings.txt", text));
+}
+
 /// A request that fails marks its object and takes nothing else away.
 TEST_F(DocumentForm, AFailureIsMarkedWhereItBelongs) {
     const struct {

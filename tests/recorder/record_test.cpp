@@ -311,8 +311,9 @@ TEST_F(RoughLibrary, AnAnswerThatNeverComesLeavesTheRecordingUpToIt) {
 TEST_F(RoughLibrary, NonsenseIsRecordedAsItCame) {
     EXPECT_EQ(run("nonsense").exitStatus, 0);
     const auto recorded = read();
-    const auto list = std::ranges::find_if(recorded.lines,
-                                           [](const auto& line) { return line.header[0] == 1 && line.header[1] == 4; });
+    const auto list = std::ranges::find_if(recorded.lines, [](const auto& line) {
+        return line.header[zebrec::kTypeAt] == 1 && line.header[zebrec::kCommandAt] == 4;
+    });
     ASSERT_NE(list, recorded.lines.end());
     ASSERT_TRUE(list->in);
     EXPECT_EQ(list->in->bytes, zebrec::Bytes(sizeof(_MR_PD_LIST), 0xFF));

@@ -102,8 +102,8 @@ TEST(RequestTable, KnowsEveryScsiCommandOfTheWrappers) {
 TEST(RequestTable, WhatItDoesNotKnowChanges) {
     for (const auto& [type, cmd] : {std::pair{0x09, 0x00}, {0x01, 0xFF}, {0x06, 0x00}, {0x06, 0x03}}) {
         zebrec::Header header{};
-        header[0] = static_cast<std::uint8_t>(type);
-        header[1] = static_cast<std::uint8_t>(cmd);
+        header[zebrec::kTypeAt] = static_cast<std::uint8_t>(type);
+        header[zebrec::kCommandAt] = static_cast<std::uint8_t>(cmd);
         std::vector<std::uint8_t> data(64, 0xAA); // no known opcode, no known operation code
         EXPECT_EQ(zebrec::Request::of(header, data).effect(), Effect::kChanges) << type << "/" << cmd;
         EXPECT_EQ(zebrec::Request::of(header, {}).effect(), Effect::kChanges) << type << "/" << cmd << ", no data";

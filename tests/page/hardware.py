@@ -1,6 +1,7 @@
 """The simulated hardware on which the page is looked at, and runs of zebstat on it."""
 
 import json
+import pathlib
 import re
 import subprocess
 import tempfile
@@ -143,6 +144,16 @@ SCENARIOS = {
     "hostile texts": ([hostile()], []),
     "unreadable parts": ([{"id": number, **rebuilding()} for number in (1, 2, 3, 4)], UNREADABLE),
 }
+
+
+def kept_scenarios(folder):
+    """The scenarios of a folder that zebstat serves, in the form of SCENARIOS."""
+    scenarios = {}
+    for file in sorted(pathlib.Path(folder).glob("*.json")):
+        scenario = json.loads(file.read_text(encoding="utf-8"))
+        if 1 <= len(scenario["controllers"]) <= 4:
+            scenarios[file.stem] = (scenario["controllers"], scenario.get("faults", []))
+    return scenarios
 
 
 def shown(text):

@@ -1,6 +1,5 @@
 #include "simulator/replay.h"
 
-#include "recorder/recording.h"
 #include "recorder/redaction.h"
 #include "recorder/request.h"
 #include "simulator/call.h"
@@ -84,12 +83,14 @@ struct Replay::Content {
     };
 
     bool usable = false;
+    bool aloud = false; ///< says at its end what was never recorded
     zebrec::Recording recording;
     std::map<std::string, Answers> answers;
     zebrec::ControllerNumbers controllers;
     std::vector<std::string> unknown;
 
     void load(const char* path);
+    void take(zebrec::Recording read);
     std::uint32_t answer(const _SL_LIB_CMD_PARAM_T& request);
     void sayUnknown() const;
 };
@@ -101,8 +102,13 @@ void Replay::Content::load(const char* path) {
         std::fprintf(stderr, "ZEBSIM_REPLAY: %s: %s\n", path, reason.c_str());
         return;
     }
+    aloud = true;
+    take(std::move(*read));
+}
+
+void Replay::Content::take(zebrec::Recording read) {
     usable = true;
-    recording = std::move(*read);
+    recording = std::move(read);
     for (std::size_t i = 0; i < recording.lines.size(); ++i)
         if (!recording.lines[i].leftOut)
             answers[keyOf(recording.lines[i])].lines.push_back(i);
@@ -147,7 +153,8 @@ void Replay::Content::sayUnknown() const {
 Replay::Replay(std::unique_ptr<Content> content) : content_(std::move(content)) {}
 
 Replay::~Replay() {
-    content_->sayUnknown();
+    if (content_->aloud)
+        content_->sayUnknown();
 }
 
 Replay* Replay::fromEnvironment() {
@@ -160,6 +167,12 @@ Replay* Replay::fromEnvironment() {
         return std::unique_ptr<Replay>(new Replay(std::move(content)));
     }();
     return replay.get();
+}
+
+std::unique_ptr<Replay> Replay::of(zebrec::Recording recording) {
+    auto content = std::make_unique<Content>();
+    content->take(std::move(recording));
+    return std::unique_ptr<Replay>(new Replay(std::move(content)));
 }
 
 std::uint32_t Replay::answer(const _SL_LIB_CMD_PARAM_T& request) {

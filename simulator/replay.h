@@ -1,6 +1,7 @@
 // Answers from a recording (ZEBSIM_REPLAY) in place of the model.
 #pragma once
 
+#include "recorder/recording.h"
 #include "storelib/records/request.h"
 
 #include <cstdint>
@@ -13,6 +14,8 @@ class Replay {
     /// The replay that the environment asks for, read at the first call; null without one. A file that is no recording
     /// is said on standard error once and answers every request with a failed start.
     static Replay* fromEnvironment();
+    /// The replay of that recording. It names nothing at its end.
+    static std::unique_ptr<Replay> of(zebrec::Recording recording);
 
     /// Answers as recorded: the n-th equal request gets the n-th answer, later ones the last. Equal are header and
     /// outgoing data, but for pointers and for what redaction replaces. 0x800E for a request that was never recorded,

@@ -18,7 +18,7 @@ const std::vector<ToolRun> kChangingRuns{
     {"-lddel", "0\n2,3\ny\ny\n"},
     {"-ldinit -start -L1,2 -a0"},
     {"-ldcc -start -L0,3 -a0"},
-    {"-ldsetprop -wb -name NEW -L0 -a0", "y\n"},
+    {"-ldsetprop -wb -name MADEHERE -L0 -a0", "y\n"},
     {"-pdhsp -ghs -pd[252:14] -a0", "y\ny\ny\n"},
     {"-pdhsp -dhs -pd[252:14] -a0", "0\nQ\n"},
     {"-pdhsp -rmv -nochk -pd[252:12,252:13] -a0"},
@@ -31,7 +31,9 @@ const std::vector<ToolRun> kChangingRuns{
 
 RunOptions RecorderTest::tool(const std::string& scenario, const ToolRun& run) const {
     RunOptions options;
-    options.program = options.argv0 = paths::zebcli;
+    options.program = options.argv0 = released_ ? paths::releaseZebcli : paths::zebcli;
+    if (released_)
+        options.libraryDir = paths::releaseLibraryDir;
     options.args = words(run.args);
     options.input = Input::kPipe;
     options.inputText = run.input;
@@ -45,9 +47,26 @@ RunOptions RecorderTest::under(const std::string& program, std::vector<std::stri
     before.push_back("--");
     before.push_back(options.program);
     before.insert(before.end(), options.args.begin(), options.args.end());
-    options.program = fs::path(paths::recorderDir) / "sbin" / program;
+    options.program = fs::path(released_ ? paths::releaseRecorderDir : paths::recorderDir) / "sbin" / program;
     options.argv0 = program;
     options.args = std::move(before);
+    return options;
+}
+
+void RecorderTest::useRelease() {
+    released_ = *paths::releaseZebcli != '\0';
+}
+
+RunOptions RecorderTest::everyReport(const std::string& scenario) const {
+    for (const auto& [name, path] : {std::pair("zebcli", released_ ? paths::releaseZebcli : paths::zebcli),
+                                     std::pair("zebstat", released_ ? paths::releaseZebstat : paths::zebstat)})
+        if (!fs::exists(box.bin() / name))
+            fs::create_symlink(path, box.bin() / name);
+    RunOptions options = tool(scenario, {""});
+    options.program = "/bin/sh";
+    options.args = {"-c", "for report in ctrlinfo ldpdinfo pdinfo enclinfo cbinfo; do zebcli -$report -aAll; done; "
+                          "zebcli -ldpdprog; zebcli -v; zebstat json --pretty | sed '/\"time\"/d'"};
+    options.env["ZEBSIM_SPEED"] = "0";
     return options;
 }
 

@@ -25,10 +25,19 @@ class RecorderTest : public SandboxTest {
     /// The same behind a program of the recorder.
     RunOptions under(const std::string& program, std::vector<std::string> before, RunOptions options) const;
 
+    /// Every report of the tool and the facts for programs in one shell; the hardware's time stands still.
+    RunOptions everyReport(const std::string& scenario) const;
+    /// From here on the programs of the release build run, where there is one: what they do is the same, and a matrix
+    /// of many runs is dear with the sanitizers.
+    void useRelease();
+
     std::filesystem::path recording() const { return box.root() / "recording"; }
     /// Records a run into recording(), an earlier one is removed.
     RunResult record(const RunOptions& options, std::vector<std::string> further = {});
     RunResult replay(RunOptions options);
+
+  private:
+    bool released_ = false;
 };
 
 std::vector<std::string> scenarioNames();

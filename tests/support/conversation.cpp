@@ -116,7 +116,11 @@ class Conversation {
     /// Whether the program is blocked in a read of descriptor 0: only then has it made the terminal ready for the
     /// answer.
     bool isReadingInput() const {
-        const std::string state = readFile("/proc/" + std::to_string(pid_) + "/syscall");
+        // A program that only stands around another one has it as its child.
+        const std::string pid = std::to_string(pid_);
+        const std::string child = readFile("/proc/" + pid + "/task/" + pid + "/children");
+        const std::string reader = child.empty() ? pid : child.substr(0, child.find(' '));
+        const std::string state = readFile("/proc/" + reader + "/syscall");
         if (state.empty())
             return Clock::now() - *asked_ >= kSettle;
         return state.starts_with(std::to_string(SYS_read) + " 0x0 ");

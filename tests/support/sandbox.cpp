@@ -157,7 +157,7 @@ RunResult Sandbox::run(std::vector<std::string> args) {
     return run(options);
 }
 
-RunResult Sandbox::run(const RunOptions& options) {
+RunResult Sandbox::runAlone(const RunOptions& options) {
     static std::atomic<unsigned> runNumber{0};
     const fs::path traceFile = root_ / ("trace." + std::to_string(++runNumber));
     RunResult result;

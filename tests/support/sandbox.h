@@ -102,6 +102,8 @@ class Sandbox {
     /// time limit, ends before its script does, or when a sanitizer speaks up, so that no check can miss that.
     RunResult run(const RunOptions& options);
     RunResult run(std::vector<std::string> args);
+    /// The same with nothing between the tool and the library, whatever ZEB_TEST_BETWEEN says.
+    RunResult runAlone(const RunOptions& options);
 
   private:
     void openSyslog();

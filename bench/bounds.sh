@@ -23,3 +23,4 @@ most_positioning=1.5 # first positioning in a full ring, times reading the file 
 most_companion_requests=4199 # of zebstat json on the largest topology
 most_companion_cpu=20 # ms of its processor time there above the floor's
 most_companion_start=1.3 # wall time of zebstat --version, times an empty C++ program's
+most_forwarding=20 # microseconds that the recorder adds to a request it hands on

@@ -34,10 +34,7 @@ void handle(int number, void (*handler)(int)) {
 
 [[noreturn]] void becomeCommand(const std::vector<std::string>& command, const std::map<std::string, std::string>& env,
                                 const sigset_t& signals, int failure) {
-    std::vector<char*> argv;
-    for (const std::string& word : command)
-        argv.push_back(const_cast<char*>(word.c_str()));
-    argv.push_back(nullptr);
+    const std::vector<char*> argv = argvOf(command);
     for (const auto& [name, value] : env)
         ::setenv(name.c_str(), value.c_str(), 1);
     ::sigprocmask(SIG_SETMASK, &signals, nullptr);
@@ -60,6 +57,15 @@ int waitFor(pid_t child) {
 int refuse(const std::string& program, const std::string& message) {
     std::fprintf(stderr, "%s: %s\n", program.c_str(), message.c_str());
     return kCannotStart;
+}
+
+std::vector<char*> argvOf(const std::vector<std::string>& words) {
+    std::vector<char*> argv;
+    argv.reserve(words.size() + 1);
+    for (const std::string& word : words)
+        argv.push_back(const_cast<char*>(word.c_str()));
+    argv.push_back(nullptr);
+    return argv;
 }
 
 std::optional<int> runCommand(const std::vector<std::string>& command, const std::map<std::string, std::string>& env) {

@@ -16,6 +16,9 @@ inline constexpr int kCannotStart = 3;
 /// Says one line on standard error, with the program's name before it, and returns kCannotStart.
 int refuse(const std::string& program, const std::string& message);
 
+/// The words as exec wants them: pointers into the words, null behind the last.
+std::vector<char*> argvOf(const std::vector<std::string>& words);
+
 /// Runs the command with the further environment and waits for it. Signals of the terminal reach the command alone;
 /// those that end a program are handed on. Returns its status, 128 and the number when a signal ended it, or nothing
 /// when it could not be started; errno then says why.

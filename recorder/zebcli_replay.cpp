@@ -27,10 +27,7 @@ int replay(const std::string& path, const std::vector<std::string>& command) {
         return refuse(kProgram, "the simulated library is not there; install the package zebcli-simulator");
     ::setenv("LD_LIBRARY_PATH", libraryPathWith(folders.simulator).c_str(), 1);
     ::setenv("ZEBSIM_REPLAY", std::filesystem::absolute(path).c_str(), 1);
-    std::vector<char*> argv;
-    for (const std::string& word : command)
-        argv.push_back(const_cast<char*>(word.c_str()));
-    argv.push_back(nullptr);
+    const std::vector<char*> argv = argvOf(command);
     ::execvp(argv[0], argv.data());
     return refuse(kProgram, command.front() + " cannot be started: " + std::strerror(errno));
 }

@@ -75,7 +75,7 @@ std::set<std::uint64_t> ldsOn(const std::vector<Cell>& lds, std::uint64_t ref) {
 Cell spanOver(const std::vector<Cell>& lds, std::uint64_t ref, std::uint64_t start, std::uint64_t blocks) {
     for (const Cell& ld : lds)
         for (std::size_t i = 0; i < std::min<std::uint64_t>(ld.at("spanDepth").value(), wire::kMaxSpans); ++i) {
-            const Cell span = ld.at("span").entry(i);
+            Cell span = ld.at("span").entry(i);
             const std::uint64_t first = span.at("startBlock").value();
             if (span.at("arrayRef").value() == ref && start < first + span.at("numBlocks").value() &&
                 first < start + blocks)

@@ -242,9 +242,8 @@ namespace {
 
 /// The numbers, each once: a list that names an object twice is asked about it once.
 std::vector<std::uint32_t> distinct(std::vector<std::uint32_t> numbers) {
-    std::ranges::sort(numbers);
-    const auto rest = std::ranges::unique(numbers);
-    numbers.erase(rest.begin(), rest.end());
+    std::sort(numbers.begin(), numbers.end());
+    numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
     return numbers;
 }
 

@@ -101,7 +101,6 @@ class Survey {
     std::vector<std::uint32_t> ids_; ///< as the library lists them, in the order of the tool's numbers
     std::deque<Answered> all_;
     std::map<Key, const Answered*> places_;
-    bool again_ = false;
 };
 
 } // namespace zebprobe

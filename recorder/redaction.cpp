@@ -96,25 +96,33 @@ void Redaction::replaceNumbers(std::span<std::uint8_t> bytes, std::size_t width)
     }
 }
 
-void Redaction::replaceText(std::span<std::uint8_t> bytes) const {
+void Redaction::writeStandIn(Bytes original, std::span<std::uint8_t> room) const {
     constexpr char kLetters[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZ234567"; // base 32 (RFC 4648)
     constexpr std::size_t kWord = 16; // 80 bits
+    std::uint64_t hash = keyedHash(*key_, original);
+    original.push_back(1);
+    std::uint64_t more = keyedHash(*key_, original);
+    for (std::size_t i = 0; i < std::min(kWord, room.size()); ++i) {
+        std::uint64_t& from = i % 2 == 0 ? hash : more;
+        room[i] = static_cast<std::uint8_t>(kLetters[from & 31U]);
+        from >>= 5U;
+    }
+}
+
+void Redaction::replaceText(std::span<std::uint8_t> bytes) const {
     const auto allOnes = [](std::uint8_t byte) { return byte == 0xFF; };
     if (bytes.empty() || (key_ != nullptr && std::all_of(bytes.begin(), bytes.end(), allOnes)))
         return;
     const auto end = std::find(bytes.begin(), bytes.end(), std::uint8_t{0});
     Bytes original(bytes.begin(), end);
     zero(bytes);
-    if (original.empty() || key_ == nullptr)
+    if (key_ == nullptr)
         return;
-    std::uint64_t hash = keyedHash(*key_, original);
-    original.push_back(1);
-    std::uint64_t more = keyedHash(*key_, original);
-    for (std::size_t i = 0; i < std::min(kWord, bytes.size()); ++i) {
-        std::uint64_t& from = i % 2 == 0 ? hash : more;
-        bytes[i] = static_cast<std::uint8_t>(kLetters[from & 31U]);
-        from >>= 5U;
-    }
+    // Blanks name nothing, and a text of nothing else is told apart from one that says something.
+    if (std::all_of(original.begin(), original.end(), [](std::uint8_t byte) { return byte == ' '; }))
+        std::copy(original.begin(), original.end(), bytes.begin());
+    else
+        writeStandIn(original, bytes);
 }
 
 void Redaction::applyRecord(const wire::RecordLayout& layout, std::span<std::uint8_t> bytes) const {

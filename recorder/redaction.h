@@ -31,6 +31,8 @@ class Redaction {
     bool applyScsi(std::span<std::uint8_t> bytes) const;
     void replaceNumbers(std::span<std::uint8_t> bytes, std::size_t width) const;
     void replaceText(std::span<std::uint8_t> bytes) const;
+    /// Writes the 16 letters that stand for a text, or as many as there is room for.
+    void writeStandIn(Bytes original, std::span<std::uint8_t> room) const;
 
     const RedactionKey* key_;
 };

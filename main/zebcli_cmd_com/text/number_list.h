@@ -16,5 +16,5 @@ class NumberList {
 
   private:
     /// Room for twice as many numbers as a PD list has.
-    char text_[2 * kMaxSlots * (sizeof "255," - 1) + 1] = {};
+    char text_[std::size_t{2} * kMaxSlots * (sizeof "255," - 1) + 1] = {};
 };

@@ -30,12 +30,12 @@ class Waiting {
             const Collected collected = collectNow(options_, facts::Scope::Work);
             if (first && !collected.collection)
                 return untold(options_.command, collected.problem);
+            const bool atWork = collected.collection && meetWork(*collected.collection);
             // What could not be read may be at work still.
-            const bool isRead = collected.collection && collected.collection->complete();
-            if (isRead) {
+            if (collected.collection && collected.collection->complete()) {
                 if (const std::string problem = missingLd(*collected.collection); !problem.empty())
                     return untold(options_.command, problem);
-                if (!meetWork(*collected.collection))
+                if (!atWork)
                     return verdict(*collected.collection);
             }
             if (!sleepUntil(start, began + nanoseconds(options_.interval)))
@@ -90,7 +90,7 @@ class Waiting {
         });
     }
 
-    /// Whether there is work, whose objects are remembered.
+    /// Whether work is seen. Its objects are remembered, those of a poll that failed in part as well.
     bool meetWork(const Collection& collection) {
         underWay_.clear();
         for (const Work& work : workOf(collection)) {
@@ -126,7 +126,7 @@ class Waiting {
     const Options& options_;
     bool ldsAreKnown_ = false;
     std::set<WorkObject> objects_; ///< all that were at work at any poll
-    std::string underWay_; ///< at the last poll
+    std::string underWay_; ///< at the last poll, as far as it could be read
 };
 
 } // namespace

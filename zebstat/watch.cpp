@@ -54,18 +54,21 @@ std::string percentText(const facts::Operation& operation) {
     return std::string(3 - number.size(), ' ') + number + " %";
 }
 
-/// "0  PD252:1            rebuild           [#####......]  37 %  about 2 h left", as wide as the terminal.
+/// "0  PD252:1            rebuild           [#####......]  37 %  about 2 h left", as wide as the terminal. Where that
+/// is narrow, the bar is left out, then the kind of work and the end of the name.
 std::string barLine(const Work& work, std::size_t columns) {
     constexpr std::size_t kWorkWidth = 18;
-    constexpr std::size_t kTailWidth = 24; // percent and time left
+    constexpr std::size_t kTailWidth = 26; // percent and time left: " 99 %  under a minute left"
+    constexpr std::size_t kLeastHead = 12;
     constexpr std::size_t kLeastBar = 10;
     constexpr std::size_t kMostBar = 60;
     const std::size_t nameWidth = std::clamp<std::size_t>(columns / 4, 20, 32);
+    const std::size_t beforeTail = std::max(columns, kTailWidth) - kTailWidth;
+    const std::size_t headWidth = std::clamp(beforeTail, kLeastHead, nameWidth + kWorkWidth);
     const std::string name = facts::printable(std::to_string(work.object.controller) + "  " + work.name);
-    const std::string head =
-        padded(cut(name, nameWidth - 1), nameWidth) + padded(shortText(work.operation), kWorkWidth);
-    const std::size_t taken = nameWidth + kWorkWidth + kTailWidth;
-    const std::size_t room = columns > taken ? columns - taken : 0;
+    const std::string whole = padded(cut(name, nameWidth - 1), nameWidth) + shortText(work.operation);
+    const std::string head = padded(cut(whole, headWidth - 1), headWidth);
+    const std::size_t room = std::max(beforeTail, headWidth) - headWidth;
     std::string bar;
     if (room >= kLeastBar) {
         const std::size_t width = std::min(room, kMostBar) - 3;

@@ -35,7 +35,7 @@ bool openDevice(Fd& fd, const char* path, int mode) {
 }
 
 /// Output processing is off, so that the terminal shows the very bytes that the program wrote.
-bool openTerminal(Channels& channels) {
+bool openTerminal(const RunOptions& options, Channels& channels) {
     channels.master = Fd(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC));
     std::array<char, 64> name{};
     if (!channels.master.open() || grantpt(channels.master.get()) != 0 || unlockpt(channels.master.get()) != 0 ||
@@ -46,7 +46,10 @@ bool openTerminal(Channels& channels) {
     if (tcgetattr(channels.slave.get(), &mode) != 0)
         return false;
     mode.c_oflag &= ~static_cast<tcflag_t>(OPOST);
-    return tcsetattr(channels.slave.get(), TCSANOW, &mode) == 0;
+    winsize size{};
+    if (options.terminalColumns != 0)
+        size = {24, options.terminalColumns, 0, 0};
+    return tcsetattr(channels.slave.get(), TCSANOW, &mode) == 0 && ioctl(channels.slave.get(), TIOCSWINSZ, &size) == 0;
 }
 
 bool openInput(const RunOptions& options, Channels& channels) {
@@ -56,7 +59,7 @@ bool openInput(const RunOptions& options, Channels& channels) {
     case Input::kPipe:
         return openPipe(channels.in, channels.inWrite);
     case Input::kTerminal:
-        return openTerminal(channels);
+        return openTerminal(options, channels);
     case Input::kClosed:
         break;
     }

@@ -49,6 +49,7 @@ struct RunOptions {
     std::string inputText; ///< for kPipe; the pipe is closed behind it
     std::vector<Answer> answers; ///< for kTerminal
     Output output = Output::kPipe; ///< what standard output is; kTerminal needs Input::kTerminal
+    unsigned short terminalColumns = 0; ///< width of the terminal, 24 rows high; 0: it tells no size
     uid_t uid = 0; ///< who runs it
     std::optional<std::filesystem::path> libraryDir; ///< where libstorelib.so is; not set: the simulator of this build
     std::chrono::milliseconds timeLimit{20000};

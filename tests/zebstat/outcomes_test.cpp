@@ -224,7 +224,26 @@ $)";
                                     {"spans", Json::array({Json::object()})}}})}},
          "check",
          2,
-         "ZEB CRITICAL - controller 0: LD0 'a b  [2Jc' (RAID1) is offline | "}};
+         "ZEB CRITICAL - controller 0: LD0 'a b  [2Jc' (RAID1) is offline | "},
+        // Offline counts for members only, whether or not an LD uses their array; failed counts for any drive.
+        {{{"drives", Json::array({Json{{"repeat", 2}}, Json{{"state", "offline"}}})}},
+         "check",
+         0,
+         "ZEB OK - 1 controller, 3 physical drives, 1 logical drive | critical=0 warning=0 "},
+        {{{"drives", Json::array({Json{{"repeat", 2}}, Json{{"state", "failed"}}})}},
+         "check",
+         2,
+         "ZEB CRITICAL - controller 0: PD2 has failed | critical=1 warning=0 "},
+        {{{"drives", Json::array({Json{{"repeat", 2}}, Json{{"state", "offline"}}})},
+          {"spares", Json::array({Json{{"drive", 2}}})}},
+         "check",
+         0,
+         "ZEB OK - 1 controller, 3 physical drives, 1 logical drive | critical=0 warning=0 "},
+        {{{"drives", Json::array({Json{{"repeat", 2}}, Json{{"state", "offline"}}, Json::object()})},
+          {"arrays", Json::array({Json{{"drives", {0, 1}}}, Json{{"drives", {2, 3}}}})}},
+         "check",
+         2,
+         "ZEB CRITICAL - controller 0: PD2 of RG1 is offline | critical=1 warning=0 "}};
     for (const auto& c : cases) {
         const RunResult result = box.run(zebstatRunOn(box, sound(c.more.is_null() ? Json::object() : c.more), c.line));
         EXPECT_EQ(result.exitStatus, c.status) << result;

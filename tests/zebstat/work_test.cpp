@@ -139,6 +139,35 @@ TEST_F(Work, WhatEndedBadlyIsSaid) {
     }
 }
 
+TEST_F(Work, AnLdThatIsDeletedAtWorkIsSaidToBeGone) {
+    const char* const kAfterItsReading = R"([{"type": 3, "cmd": 0, "nth": 1, "also": {"ld": 0, "gone": true}}])";
+    // The one poll that saw LD0 at work could not read LD1; both are gone before the next.
+    const char* const kInAPollInPart = R"([{"type": 3, "cmd": 0, "nth": 2, "status": "0x32",
+                                            "also": [{"ld": 0, "gone": true}, {"ld": 1, "gone": true}]}])";
+    const struct {
+        const char* work;
+        const char* line;
+        const char* faults;
+    } cases[] = {{"init", "", kAfterItsReading},
+                 {"init", " --for initialization", kAfterItsReading},
+                 {"backgroundInit", " --for-logical-drive 0", kAfterItsReading},
+                 {"check", " --for-logical-drive 0:0 --for consistency_check", kAfterItsReading},
+                 {"check", "", kInAPollInPart}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::string(c.work) + c.line);
+        Json scenario = mirror(one({{"repeat", 2}}), {{c.work, 50}, {"spans", one({{"blocks", 1000000}})}});
+        scenario["controllers"][0]["lds"].push_back(
+            {{"level", 1}, {"spans", one({{"startBlock", 1000000}, {"blocks", 1000000}})}});
+        RunOptions options = runOn(scenario, "wait --interval 0.1 --max 5" + std::string(c.line));
+        options.env["ZEBSIM_SPEED"] = "0"; // no work ends by itself
+        options.env["ZEBSIM_FAULTS"] = c.faults;
+        const RunResult result = box.run(options);
+        EXPECT_EQ(result.exitStatus, 2) << result;
+        EXPECT_EQ(result.err, "zebstat: controller 0: LD0 is gone\n");
+        EXPECT_EQ(result.out, "");
+    }
+}
+
 TEST_F(Work, WatchPrintsPlainLinesWhereNothingCanBeDrawn) {
     RunResult result = box.run(zebstatRun("watch --once"));
     EXPECT_THAT(result.out,
@@ -165,9 +194,43 @@ TEST_F(Work, WatchDrawsBarsUntilAKeyEndsIt) {
         EXPECT_EQ(result.exitStatus, 0) << result;
         EXPECT_TRUE(sameMode(result.terminalBefore, result.terminalAfter));
         EXPECT_THAT(result.terminal, testing::HasSubstr("0  LD0 ' [2Jx'"));
-        EXPECT_THAT(result.terminal, testing::HasSubstr("[###...........]  25 %")) << "a quarter of the bar";
+        EXPECT_THAT(result.terminal, testing::HasSubstr("[###.........]  25 %")) << "a quarter of the bar";
         EXPECT_THAT(result.terminal, testing::HasSubstr("\033[2A")) << "drawn again in its place";
         EXPECT_EQ(result.terminal.find("\033[2J"), std::string::npos) << "a name must not clear the screen";
+    }
+}
+
+TEST_F(Work, WatchFitsTheWidthOfTheTerminal) {
+    const auto at = [](int percent) { return Json{{"percent", percent}, {"elapsed", 600}}; };
+    const Json scenario = mirror(Json::array({Json{{"patrolRead", at(25)}}, Json::object()}),
+                                 {{"name", "SIXTEEN_LETTERS_"}, {"check", at(99)}});
+    const struct {
+        unsigned short columns;
+        std::ptrdiff_t bar; ///< characters between its brackets; 0: no room for one
+    } cases[] = {{13, 0}, {40, 0}, {65, 0}, {80, 12}, {100, 28}, {200, 57}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.columns);
+        RunOptions options = runOn(scenario, "watch --once");
+        options.env["ZEBSIM_SPEED"] = "0";
+        options.input = Input::kTerminal;
+        options.output = Output::kTerminal;
+        options.terminalColumns = c.columns;
+        const RunResult result = box.run(options);
+        std::vector<std::string> lines;
+        std::istringstream stream(result.terminal);
+        for (std::string line; std::getline(stream, line) && line.ends_with("\033[K");)
+            lines.push_back(line.substr(0, line.size() - 3));
+        ASSERT_EQ(lines.size(), 3U) << result;
+        for (const std::string& line : lines)
+            EXPECT_LT(line.size(), c.columns) << line;
+        EXPECT_TRUE(lines[1].starts_with("0  LD0 'SIX")) << lines[1];
+        EXPECT_TRUE(lines[2].starts_with("0  PD0 ")) << lines[2];
+        if (c.columns < 40)
+            continue;
+        EXPECT_TRUE(lines[1].ends_with(" 99 %  under a minute left")) << lines[1];
+        EXPECT_TRUE(lines[2].ends_with(" 25 %  about 30 min left")) << lines[2];
+        EXPECT_EQ(std::ranges::count(lines[2], '#'), c.bar / 4) << lines[2];
+        EXPECT_EQ(std::ranges::count(lines[2], '.'), c.bar - c.bar / 4) << lines[2];
     }
 }
 

@@ -1,11 +1,8 @@
 // A preview changes nothing and lists what the same command changes when it is run.
 #include "tests/recorder/recorded.h"
 
-#include "recorder/request.h"
 #include "tests/support/paths.h"
-#include "tests/support/request_trace.h"
 
-#include <algorithm>
 #include <cstring>
 #include <sstream>
 
@@ -18,17 +15,18 @@ class Preview : public RecorderTest {
         RecorderTest::SetUp();
         if (IsSkipped())
             return;
-        // One run makes the state that all begin with.
-        RunOptions options = tool("built_in", {"-v"});
-        options.env["ZEBSIM_STATE"] = state();
-        options.env["ZEBSIM_SPEED"] = "0";
-        box.run(options);
+        begin("built_in");
+    }
+    /// One run makes the state that all begin with.
+    void begin(const std::string& scenario) {
+        std::filesystem::remove(state());
+        box.run(onState({"-v"}, scenario));
         before_ = readFile(state());
         ASSERT_FALSE(before_.empty());
     }
     std::filesystem::path state() const { return box.root() / "state.json"; }
-    RunOptions onState(const ToolRun& run) const {
-        RunOptions options = tool("built_in", run);
+    RunOptions onState(const ToolRun& run, const std::string& scenario = "built_in") const {
+        RunOptions options = tool(scenario, run);
         options.env["ZEBSIM_STATE"] = state();
         options.env["ZEBSIM_SPEED"] = "0";
         return options;
@@ -38,14 +36,6 @@ class Preview : public RecorderTest {
 
     std::string before_;
 };
-
-zebrec::Request requestOf(const TracedRequest& traced) {
-    zebrec::Header header;
-    std::memcpy(header.data(), &traced.header, header.size());
-    auto data = traced.out;
-    data.resize(std::max(data.size(), sizeof(_SL_SCSI_PASSTHRU_T)));
-    return zebrec::Request::of(header, data);
-}
 
 /// The changing requests of a trace, as a preview lists them but for the controller.
 std::vector<std::string> changesOf(const std::string& trace) {
@@ -119,6 +109,41 @@ TEST_F(Preview, SaysTheListInWords) {
               "nothing was changed; 1 request was held back\n");
     const RunResult reading = box.run(under("zebcli-preview", {}, onState({"-pdinfo -a0"})));
     EXPECT_EQ(reading.err, "nothing was changed; no request was held back\n");
+}
+
+TEST_F(Preview, OfLogicalDrivesAndRebuildsHoldsTheFirstChangeBack) {
+    const struct {
+        std::string scenario;
+        ToolRun run;
+        std::string first; ///< of the list
+        unsigned count; ///< of the list; a command that misses its change may end at once
+    } cases[] = {
+        {"built_in",
+         {"-ldc -r0[252:14] -wb -sz100 -sz200 -a0", "y\ny\n"},
+         "06/03 04020000 add to configuration: controller 0",
+         1},
+        {"built_in", {"-lde", "0\n1\ny\n"}, "06/03 04020000 add to configuration: controller 0", 1},
+        {"built_in",
+         {"-lddel", "0\n2,3\ny\ny\n"},
+         "03/03 delete logical drive: controller 0, target id 2, sequence number 34",
+         2},
+        {"ld_degraded",
+         {"-pdrbld -start -pd[252:3] -a0"},
+         "02/05 start rebuild: controller 0, device id 11, sequence number 13",
+         1},
+    };
+    for (const auto& one : cases) {
+        SCOPED_TRACE(one.run.args);
+        begin(one.scenario);
+        const RunResult previewed = box.run(under("zebcli-preview", {}, onState(one.run, one.scenario)));
+        EXPECT_EQ(readFile(state()), before_);
+        EXPECT_EQ(previewed.err.rfind("held back: " + one.first + "\n", 0), 0U) << previewed;
+        EXPECT_EQ(heldBack(previewed.err).size(), one.count) << previewed;
+        EXPECT_NE(previewed.err.find("nothing was changed; " + std::to_string(one.count) + " request"),
+                  std::string::npos);
+        EXPECT_EQ(previewed.exitStatus, box.run(onState(one.run, one.scenario)).exitStatus);
+        EXPECT_NE(readFile(state()), before_) << "the same for real";
+    }
 }
 
 TEST_F(Preview, HandsNothingOnWhenItsProgramCannotBeReached) {

@@ -3,14 +3,11 @@
 #include "tests/recorder/recorded.h"
 
 #include "recorder/field_kinds.h"
-#include "recorder/request.h"
 #include "storelib/records/all.h"
 #include "tests/support/paths.h"
-#include "tests/support/request_trace.h"
 
 #include <algorithm>
 #include <csignal>
-#include <cstring>
 #include <map>
 #include <set>
 #include <sstream>
@@ -214,11 +211,7 @@ TEST_F(Probe, AsksEveryReadingQuestionAndNoOther) {
     std::set<std::string> asked;
     for (const char* scenario : {"built_in", "snapshots"})
         for (const TracedRequest& traced : parseTrace(box.run(probe(scenario)).trace)) {
-            zebrec::Header header;
-            std::memcpy(header.data(), &traced.header, header.size());
-            auto data = traced.out;
-            data.resize(std::max(data.size(), sizeof(_SL_SCSI_PASSTHRU_T)));
-            const auto request = zebrec::Request::of(header, data);
+            const auto request = requestOf(traced);
             EXPECT_EQ(request.effect(), zebrec::Effect::kReads) << describe(request, 0);
             asked.insert(codeOf(request));
         }
@@ -250,6 +243,41 @@ TEST_F(Probe, ItsRecordingGivesTheSameReportAgain) {
     const RunResult replayed = replay(probe("built_in"));
     EXPECT_EQ(replayed.out, recorded.out);
     EXPECT_EQ(replayed.err, "");
+}
+
+TEST_F(Probe, BadArgumentsAreOneLineAndLeaveNothing) {
+    const std::string mend = "; name the controller maker's library with --library PATH\n";
+    const std::string noEntry = fs::path(paths::libNoEntryDir) / "libstorelib.so";
+    const fs::path old = box.root() / "old";
+    const fs::path link = box.root() / "link";
+    writeFile(old, "kept");
+    fs::create_symlink(box.root() / "elsewhere", link);
+    const std::string usage = "usage: zebcli-probe [--library PATH] [--record FILE]\n";
+    const struct {
+        std::vector<std::string> args; ///< behind "--record recording()"
+        std::string message;
+    } cases[] = {
+        {{"--colour"}, "unknown option --colour\n"},
+        {{"--library"}, "option --library needs a value\n"},
+        {{"extra"}, usage},
+        {{"--", "true"}, usage},
+        {{"--record", old}, old.string() + " cannot be made: File exists\n"},
+        {{"--record", link}, link.string() + " cannot be made: File exists\n"},
+        {{"--record", "/no/such/file"}, "/no/such/file cannot be made: No such file or directory\n"},
+        {{"--library", "/no/lib"},
+         "/no/lib cannot be loaded (/no/lib: cannot open shared object file: No such file or directory)" + mend},
+        {{"--library", noEntry}, noEntry + " cannot be loaded (it has no entry point ProcessLibCommand)" + mend},
+    };
+    for (const auto& one : cases) {
+        std::vector<std::string> args{"--record", recording()};
+        args.insert(args.end(), one.args.begin(), one.args.end());
+        const RunResult result = box.run(probe("built_in", args));
+        EXPECT_EQ(result.exitStatus, 3) << result;
+        EXPECT_EQ(result.err, "zebcli-probe: " + one.message);
+        EXPECT_EQ(result.out + result.trace, "");
+        EXPECT_FALSE(fs::exists(recording()) || fs::exists(box.root() / "elsewhere"));
+        EXPECT_EQ(readFile(old), "kept");
+    }
 }
 
 TEST_F(Probe, SaysWhatALibraryDoesThatMisbehaves) {

@@ -151,10 +151,13 @@ std::string everythingIn(const fs::path& file) {
     return text;
 }
 
+fs::path scenarioFile(const std::string& name) {
+    return name == "built_in" ? fs::path(paths::sourceDir) / "simulator/built_in.json"
+                              : fs::path(paths::scenarioDir) / (name + ".json");
+}
+
 TEST_P(RecordSweep, RedactionLeavesNothingThatNamesTheMachineAndElseChangesNothing) {
-    const fs::path scenario = GetParam() == "built_in" ? fs::path(paths::sourceDir) / "simulator/built_in.json"
-                                                       : fs::path(paths::scenarioDir) / (GetParam() + ".json");
-    const Originals originals = originalsOf(readFile(scenario));
+    const Originals originals = originalsOf(readFile(scenarioFile(GetParam())));
     const std::vector<Mask> identifying{
         {R"((Serial N\w*|[^\n]*Address[^\n:]*|OS Drive Name) *:[^\n]*)", "$1"},
         {R"(LD(\d+) [('][^\n]*)", "LD$1"},
@@ -173,28 +176,118 @@ TEST_P(RecordSweep, RedactionLeavesNothingThatNamesTheMachineAndElseChangesNothi
 INSTANTIATE_TEST_SUITE_P(Scenarios, RecordSweep, testing::ValuesIn(scenarioNames()),
                          [](const auto& scenario) { return scenario.param; });
 
-class Record : public RecorderTest {};
+class Record : public RecorderTest {
+  protected:
+    /// A changing command recorded and replayed, as it is alone.
+    void checkChange(const std::string& scenario, const ToolRun& run);
+};
+
+void Record::checkChange(const std::string& scenario, const ToolRun& run) {
+    SCOPED_TRACE(run.args + " on " + scenario);
+    const RunOptions options = tool(scenario, run);
+    const RunResult plain = box.run(options);
+    const auto requests = parseTrace(plain.trace);
+    EXPECT_TRUE(std::ranges::any_of(
+        requests, [](const auto& traced) { return requestOf(traced).effect() == zebrec::Effect::kChanges; }));
+    const RunResult recorded = record(options, {"--no-redact"});
+    EXPECT_TRUE(sameText(recorded.out, plain.out));
+    EXPECT_TRUE(sameText(recorded.trace, plain.trace));
+    const RunResult replayed = replay(options);
+    EXPECT_TRUE(sameText(replayed.out, plain.out));
+    EXPECT_TRUE(sameText(replayed.trace, plain.trace));
+    EXPECT_EQ(replayed.err, "");
+    record(options);
+    const std::string all = everythingIn(recording());
+    EXPECT_EQ(originalsOf(readFile(scenarioFile(scenario))).in(all), "");
+    EXPECT_EQ(all.find("MADEHERE"), std::string::npos); // a name that the command itself gives
+    EXPECT_EQ(replay(options).exitStatus, plain.exitStatus);
+}
 
 TEST_F(Record, ChangingCommandsAreWhatTheyAreAlone) {
     useRelease();
-    const Originals originals = originalsOf(readFile(fs::path(paths::sourceDir) / "simulator/built_in.json"));
-    for (const ToolRun& run : kChangingRuns) {
-        SCOPED_TRACE(run.args);
-        const RunOptions options = tool("built_in", run);
-        const RunResult plain = box.run(options);
-        const RunResult recorded = record(options, {"--no-redact"});
-        EXPECT_TRUE(sameText(recorded.out, plain.out));
-        EXPECT_TRUE(sameText(recorded.trace, plain.trace));
-        const RunResult replayed = replay(options);
-        EXPECT_TRUE(sameText(replayed.out, plain.out));
-        EXPECT_TRUE(sameText(replayed.trace, plain.trace));
-        EXPECT_EQ(replayed.err, "");
-        record(options);
-        const std::string all = everythingIn(recording());
-        EXPECT_EQ(originals.in(all), "");
-        EXPECT_EQ(all.find("MADEHERE"), std::string::npos); // a name that the command itself gives
-        EXPECT_EQ(replay(options).exitStatus, plain.exitStatus);
+    for (const ToolRun& run : kChangingRuns)
+        checkChange("built_in", run);
+    const std::pair<const char*, ToolRun> elsewhere[] = {
+        {"ld_degraded", {"-pdrbld -start -pd[252:3] -a0"}},
+        {"drive_failed", {"-pdmakegood -pd[252:1] -a0"}}, // the library refuses
+        {"background_work", {"-ldinit -stop -LALL -aAll"}},
+        {"controllers_four", {"-cblearn -aAll"}},
+        {"drives_unconfigured", {"-ldc -r1[252:0,252:1] -a0", "y\ny\n"}},
+        {"cachecade", {"-lddel", "0\n0\ny\ny\n"}},
+        {"spans_two", {"-ldsetprop -wb -name MADEHERE -L0 -a0", "y\n"}},
+    };
+    for (const auto& [scenario, run] : elsewhere)
+        checkChange(scenario, run);
+}
+
+TEST_F(Record, FactsForProgramsAreWhatTheyAreAlone) {
+    const std::vector<Mask> times{{R"(\d{4}-\d\d-\d\d[T ]\d\d:\d\d:\d\d(Z| UTC)?)", "TIME"},
+                                  {R"((duration=|duration_seconds |time_seconds )[0-9.e+-]+)", "$1"}};
+    for (const std::string scenario : {"built_in", "background_work", "drive_failed"})
+        for (const char* args : {"check", "metrics", "html", "wait --max 0"}) {
+            SCOPED_TRACE(args + (" on " + scenario));
+            RunOptions options = tool(scenario, {args});
+            options.program = paths::zebstat;
+            options.argv0 = "zebstat";
+            options.env["ZEBSIM_SPEED"] = "0";
+            const RunResult plain = box.run(options);
+            EXPECT_FALSE(plain.trace.empty());
+            const RunResult recorded = record(options, {"--no-redact"});
+            for (const RunResult& result : {recorded, replay(options)}) {
+                EXPECT_TRUE(sameText(masked(result.out, times), masked(plain.out, times)));
+                EXPECT_TRUE(sameText(result.trace, plain.trace));
+                EXPECT_EQ(result.err, plain.err);
+                EXPECT_EQ(result.exitStatus, plain.exitStatus);
+            }
+        }
+}
+
+/// Runs a command until it asks, sends it a signal, and tells its status.
+std::string signalledAtQuestion(const std::string& command, const std::string& signal) {
+    return "rm -f typed shown; mkfifo typed; " + command +
+           " -ctrlautorbld -dsbl -a0 <>typed >shown & until grep -q 'Y/N' shown; do sleep 0.02; done; kill -" + signal +
+           " $!; wait $!; echo ended $?; cat shown";
+}
+
+TEST_F(Record, ASignalAtAQuestionEndsTheCommandAndLeavesTheRecordingUpToIt) {
+    useRelease();
+    RunOptions options = tool("built_in", {""});
+    const std::string alone = options.program;
+    const RunOptions between = under("zebcli-record", {recording()}, options);
+    options.program = "/bin/sh";
+    const auto signalled = [&](const std::string& command, const char* signal) {
+        options.args = {"-c", signalledAtQuestion(command, signal)};
+        return box.run(options);
+    };
+    for (const auto& [signal, number] : {std::pair("TERM", SIGTERM), std::pair("HUP", SIGHUP)}) {
+        SCOPED_TRACE(signal);
+        const RunResult plain = signalled(alone, signal);
+        EXPECT_EQ(plain.out.rfind("ended " + std::to_string(128 + number) + "\n", 0), 0U) << plain;
+        fs::remove(recording());
+        const RunResult recorded = signalled(between.program + (" " + recording().string()) + " -- " + alone, signal);
+        EXPECT_EQ(recorded.out, plain.out);
+        EXPECT_EQ(recorded.trace, plain.trace);
+        EXPECT_EQ(recorded.err.find("zebcli-record"), std::string::npos) << recorded;
+        std::string reason;
+        const auto read = zebrec::readRecordingFile(recording(), reason);
+        ASSERT_TRUE(read) << reason;
+        EXPECT_FALSE(read->cut);
+        EXPECT_EQ(read->lines.size(), parseTrace(plain.trace).size());
     }
+}
+
+TEST_F(Record, TheInterruptKeyAtAQuestionIsNoMoreThanItIsAlone) {
+    RunOptions options = tool("built_in", {"-ctrlautorbld -dsbl -a0"});
+    options.input = Input::kTerminal;
+    options.output = Output::kTerminal;
+    options.answers = {{"(Y/N)", "\x03\n"}, {"(Y/N)", "n\n"}};
+    const RunResult plain = box.run(options);
+    const RunResult recorded = record(options);
+    EXPECT_EQ(recorded.terminal, plain.terminal);
+    EXPECT_EQ(recorded.trace, plain.trace);
+    EXPECT_EQ(recorded.exitStatus, plain.exitStatus);
+    EXPECT_TRUE(sameMode(recorded.terminalAfter, plain.terminalAfter));
+    EXPECT_EQ(recorded.err, "");
 }
 
 TEST_F(Record, TheFileIsNewAndPrivateAndNoLink) {

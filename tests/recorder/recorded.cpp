@@ -4,6 +4,7 @@
 #include "tests/support/paths.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace fs = std::filesystem;
 
@@ -27,7 +28,17 @@ const std::vector<ToolRun> kChangingRuns{
     {"-pdoffline -pd[252:1,252:6] -a0"},
     {"-pdmakegood -pd[252:15] -a0"},
     {"-pdonline -pd[252:0] -a0"},
+    {"-lde", "0\n1\ny\n"},
+    {"-ldc -r0[252:14] -wb -sz100 -sz200 -a0", "y\ny\n"},
 };
+
+zebrec::Request requestOf(const TracedRequest& traced) {
+    zebrec::Header header;
+    std::memcpy(header.data(), &traced.header, header.size());
+    auto data = traced.out;
+    data.resize(std::max(data.size(), sizeof(_SL_SCSI_PASSTHRU_T)));
+    return zebrec::Request::of(header, data);
+}
 
 RunOptions RecorderTest::tool(const std::string& scenario, const ToolRun& run) const {
     RunOptions options;

@@ -1,6 +1,8 @@
 // Runs the tool under the programs of the recorder.
 #pragma once
 
+#include "recorder/request.h"
+#include "tests/support/request_trace.h"
 #include "tests/support/sandbox.h"
 
 #include <filesystem>
@@ -17,6 +19,9 @@ struct ToolRun {
 
 /// Commands that change something, each with the answers that let it.
 extern const std::vector<ToolRun> kChangingRuns;
+
+/// A request of the simulator's trace as the recorder sees it.
+zebrec::Request requestOf(const TracedRequest& traced);
 
 class RecorderTest : public SandboxTest {
   protected:

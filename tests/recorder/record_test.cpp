@@ -1,26 +1,20 @@
 // Recording and replaying: nothing changes for the command, and the recording alone gives the same run again.
+#include "tests/recorder/originals.h"
 #include "tests/recorder/recorded.h"
 
 #include "recorder/recording.h"
-#include "storelib/records/physical_drive.h"
 #include "tests/support/expected.h"
 #include "tests/support/log_file.h"
 #include "tests/support/paths.h"
 
 #include <algorithm>
 #include <csignal>
-#include <nlohmann/json.hpp>
-#include <set>
 #include <sys/stat.h>
 
 namespace fs = std::filesystem;
 
 namespace zebtest {
 namespace {
-
-ToolRun reportRun(const std::string& report) {
-    return {"-" + report + (report == "ldpdprog" ? "" : " -aAll")};
-}
 
 class RecordSweep : public RecorderTest, public testing::WithParamInterface<std::string> {
   protected:
@@ -51,109 +45,6 @@ TEST_P(RecordSweep, AReplayedReportIsTheRecordedOne) {
     EXPECT_TRUE(sameText(logOfLastRun(), plainLog));
     EXPECT_EQ(replayed.err, recorded.err);
     EXPECT_EQ(replayed.exitStatus, recorded.exitStatus);
-}
-
-/// What names a machine, as it may be found again: texts, and numbers in either order of their bytes and as digits.
-class Originals {
-  public:
-    void text(const std::string& text) {
-        constexpr std::size_t kTelling = 5; // shorter ones are found everywhere
-        if (text.size() >= kTelling)
-            found_.insert(text);
-    }
-    void number(std::uint64_t number) {
-        std::string bytes(reinterpret_cast<const char*>(&number), sizeof number);
-        found_.insert(bytes);
-        std::ranges::reverse(bytes);
-        found_.insert(bytes);
-        char digits[17];
-        for (const char* format : {"%016lX", "%016lx"}) {
-            std::snprintf(digits, sizeof digits, format, number);
-            found_.insert(digits);
-        }
-    }
-    void harmless(const std::string& text) { found_.erase(text); }
-    /// Those that stand in a text.
-    std::string in(const std::string& text) const {
-        std::string found;
-        for (const std::string& original : found_)
-            if (text.find(original) != std::string::npos)
-                found += visible(original) + " ";
-        return found;
-    }
-
-  private:
-    std::set<std::string> found_;
-};
-
-/// Every serial number, address, LD, device and configuration name that a scenario's file gives.
-void collect(const nlohmann::json& value, bool inLds, Originals& originals) {
-    for (const auto& [key, item] : value.items()) {
-        const bool names = key == "serial" || (key == "name" && inLds) || key == "guid";
-        if (names && item.is_string())
-            originals.text(item.get<std::string>());
-        for (const auto& one : item.is_array() ? item : nlohmann::json::array()) {
-            if (key == "osDevices" && one.is_string())
-                originals.text(one.get<std::string>());
-            if ((key == "sasAddresses" || key == "portAddresses") && one.is_string())
-                originals.number(std::stoull(one.get<std::string>(), nullptr, 16));
-        }
-        if (key == "logicalId" && item.is_string())
-            originals.number(std::stoull(item.get<std::string>(), nullptr, 16));
-        if (item.is_structured())
-            collect(item, key == "lds" || (inLds && value.is_array()), originals);
-    }
-}
-
-/// The names of images and connectors, which are texts of the controllers' maker.
-void collectHarmless(const nlohmann::json& value, bool inLds, Originals& originals) {
-    for (const auto& [key, item] : value.items()) {
-        if (key == "name" && !inLds && item.is_string())
-            originals.harmless(item.get<std::string>());
-        if (item.is_structured())
-            collectHarmless(item, key == "lds" || (inLds && value.is_array()), originals);
-    }
-}
-
-Originals originalsOf(const std::string& scenario) {
-    Originals originals;
-    // What the simulated hardware has by itself: the makers' serial number, addresses by their common beginning.
-    originals.text("QV00000001");
-    originals.text("ZEBSIM FOREIGN CONFIG");
-    originals.text(std::string("\xC0\xB0\xA0\x50", 4));
-    originals.text("/dev/sd");
-    originals.text("50A0B0C");
-    originals.text("50a0b0c");
-    originals.text("c0b0a050");
-    const auto value = nlohmann::json::parse(scenario);
-    collect(value, false, originals);
-    collectHarmless(value, false, originals);
-    return originals;
-}
-
-/// Every byte of the file, as it stands and decoded.
-std::string everythingIn(const fs::path& file) {
-    std::string text = readFile(file);
-    std::string reason;
-    const auto recording = zebrec::readRecording(text, reason);
-    EXPECT_TRUE(recording) << reason;
-    const auto add = [&](const auto& bytes) { text.append(bytes.begin(), bytes.end()).append(1, '|'); };
-    if (recording)
-        for (const zebrec::Line& line : recording->lines) {
-            add(line.header);
-            for (const auto* out : {&line.out, &line.innerOut})
-                if (*out)
-                    add(**out);
-            for (const auto* in : {&line.in, &line.innerIn})
-                if (*in)
-                    add((*in)->bytes);
-        }
-    return text;
-}
-
-fs::path scenarioFile(const std::string& name) {
-    return name == "built_in" ? fs::path(paths::sourceDir) / "simulator/built_in.json"
-                              : fs::path(paths::scenarioDir) / (name + ".json");
 }
 
 TEST_P(RecordSweep, RedactionLeavesNothingThatNamesTheMachineAndElseChangesNothing) {
@@ -314,7 +205,7 @@ TEST_F(Record, TheFileIsNewAndPrivateAndNoLink) {
 }
 
 TEST_F(Record, AFullFileEndsTheRecordingAndNotTheCommand) {
-    RunOptions options = tool("built_in", reportRun("pdinfo"));
+    RunOptions options = tool("built_in", {"-pdinfo -aAll"});
     options.trace = false;
     options.program = "/bin/sh";
     options.args = {"-c", "ulimit -f 40; exec " + std::string(paths::zebcli) + " -pdinfo -aAll"}; // 20 KB
@@ -345,7 +236,7 @@ TEST_F(Record, EveryReportOfALargeServerStaysSmall) {
     for (int ctrl = 0; ctrl < 4; ++ctrl)
         controllers += std::string(ctrl == 0 ? "" : ",") + R"({"id":)" + std::to_string(ctrl + 1) +
                        R"(,"enclosures":[{"slots":240}],"drives":[{"repeat":240}]})";
-    RunOptions large = tool("built_in", reportRun("pdinfo"));
+    RunOptions large = tool("built_in", {"-pdinfo -aAll"});
     large.env["ZEBSIM_SCENARIO"] = box.root() / "large.json";
     writeFile(box.root() / "large.json", "{\"controllers\":[" + controllers + "]}");
     large.trace = false;
@@ -399,69 +290,6 @@ TEST_F(Record, WhatCannotBeStartedIsOneLineAndLeavesNothing) {
         EXPECT_EQ(std::ranges::count(result.err, '\n'), 1) << result.err;
         EXPECT_FALSE(fs::exists(recording()));
     }
-}
-
-class RoughLibrary : public RecorderTest {
-  protected:
-    RunResult run(const std::string& manner) {
-        RunOptions options = tool("built_in", reportRun("pdinfo"));
-        options.trace = false;
-        options.libraryDir = paths::libRoughDir;
-        options.env["ZEB_ROUGH"] = manner;
-        options.env["ASAN_OPTIONS"] = "handle_segv=0:detect_leaks=1";
-        options.timeLimit = std::chrono::milliseconds(manner == "hang" ? 3000 : 20000);
-        options.mayTimeOut = manner == "hang";
-        return record(options, {"--no-redact"});
-    }
-    zebrec::Recording read() {
-        std::string reason;
-        auto recorded = zebrec::readRecordingFile(recording(), reason);
-        EXPECT_TRUE(recorded) << reason;
-        return recorded.value_or(zebrec::Recording{});
-    }
-};
-
-TEST_F(RoughLibrary, AWriteBehindTheDataIsNotedAndHarmsNobody) {
-    const RunResult result = run("past");
-    EXPECT_EQ(result.exitStatus, 0) << result;
-    const auto recorded = read();
-    const auto noted = std::ranges::find_if(recorded.lines, [](const auto& line) { return line.past != 0; });
-    ASSERT_NE(noted, recorded.lines.end());
-    EXPECT_EQ(noted->past, 100U);
-    EXPECT_EQ(result.err.rfind("zebcli-record: the library wrote 100 bytes behind the data of request " +
-                                   std::to_string(noted->number) + ": 01/04 list physical drives: controller 0\n",
-                               0),
-              0U)
-        << result.err;
-}
-
-TEST_F(RoughLibrary, ACrashNamesTheRequestAndLeavesTheRecordingUpToIt) {
-    const RunResult result = run("crash");
-    EXPECT_EQ(result.exitStatus, 128 + SIGSEGV);
-    const auto recorded = read();
-    ASSERT_FALSE(recorded.lines.empty());
-    EXPECT_FALSE(recorded.cut);
-    EXPECT_EQ(result.err, "zebcli-record: the command ended inside request " +
-                              std::to_string(recorded.lines.back().number + 1) +
-                              ": 01/04 list physical drives: controller 0\n");
-}
-
-TEST_F(RoughLibrary, AnAnswerThatNeverComesLeavesTheRecordingUpToIt) {
-    EXPECT_TRUE(run("hang").timedOut);
-    const auto recorded = read();
-    EXPECT_FALSE(recorded.lines.empty());
-    EXPECT_FALSE(recorded.cut);
-}
-
-TEST_F(RoughLibrary, NonsenseIsRecordedAsItCame) {
-    EXPECT_EQ(run("nonsense").exitStatus, 0);
-    const auto recorded = read();
-    const auto list = std::ranges::find_if(recorded.lines, [](const auto& line) {
-        return line.header[zebrec::kTypeAt] == 1 && line.header[zebrec::kCommandAt] == 4;
-    });
-    ASSERT_NE(list, recorded.lines.end());
-    ASSERT_TRUE(list->in);
-    EXPECT_EQ(list->in->bytes, zebrec::Bytes(sizeof(_MR_PD_LIST), 0xFF));
 }
 
 } // namespace

@@ -15,32 +15,6 @@ bool released() {
     return *paths::releaseZebcli != '\0';
 }
 
-} // namespace
-
-Between betweenOfEnvironment() {
-    const char* text = std::getenv("ZEB_TEST_BETWEEN");
-    const std::string_view what = text != nullptr ? text : "";
-    if (what == "recorder")
-        return Between::kRecorder;
-    return what == "replay" ? Between::kReplay : Between::kNothing;
-}
-
-bool canStandBetween(const RunOptions& options) {
-    return options.program.empty() && options.argv0 == "zebcli" && options.uid == 0 && !options.libraryDir &&
-           !options.fileSizeLimit && !options.env.contains("LD_PRELOAD");
-}
-
-RunOptions runUnder(const char* program, std::vector<std::string> before, RunOptions options) {
-    before.insert(before.end(), {"--", "zebcli"});
-    before.insert(before.end(), options.args.begin(), options.args.end());
-    options.args = std::move(before);
-    options.argv0 = program;
-    options.program = fs::path(released() ? paths::releaseRecorderDir : paths::recorderDir) / "sbin" / program;
-    if (released())
-        options.libraryDir = paths::releaseLibraryDir;
-    return options;
-}
-
 /// Puts back what a folder held.
 class KeptFolder {
   public:
@@ -66,6 +40,32 @@ class KeptFolder {
     fs::path folder_;
     fs::path copy_;
 };
+
+} // namespace
+
+Between betweenOfEnvironment() {
+    const char* text = std::getenv("ZEB_TEST_BETWEEN");
+    const std::string_view what = text != nullptr ? text : "";
+    if (what == "recorder")
+        return Between::kRecorder;
+    return what == "replay" ? Between::kReplay : Between::kNothing;
+}
+
+bool canStandBetween(const RunOptions& options) {
+    return options.program.empty() && options.argv0 == "zebcli" && options.uid == 0 && !options.libraryDir &&
+           !options.fileSizeLimit && !options.env.contains("LD_PRELOAD");
+}
+
+RunOptions runUnder(const char* program, std::vector<std::string> before, RunOptions options) {
+    before.insert(before.end(), {"--", "zebcli"});
+    before.insert(before.end(), options.args.begin(), options.args.end());
+    options.args = std::move(before);
+    options.argv0 = program;
+    options.program = fs::path(released() ? paths::releaseRecorderDir : paths::recorderDir) / "sbin" / program;
+    if (released())
+        options.libraryDir = paths::releaseLibraryDir;
+    return options;
+}
 
 RunResult Sandbox::run(const RunOptions& options) {
     const Between between = betweenOfEnvironment();

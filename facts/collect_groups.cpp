@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <map>
 #include <memory>
+#include <utility>
 
 namespace facts {
 
@@ -191,10 +192,36 @@ void joinDrives(Controller& controller) {
     }
 }
 
+/// Counts the spares by what each drive says of itself. For a drive that could not be read the configuration speaks;
+/// nothing when that could not be read either.
+std::optional<HotSpares> hotSparesOf(const Controller& controller, const std::optional<Configuration>& configuration) {
+    std::map<std::uint16_t, std::string_view> roles; // by device id, as the configuration lists them
+    if (configuration)
+        for (const _MR_SPARE& spare : configuration->spares())
+            roles.try_emplace(spare.ref.deviceId,
+                              (spare.type & kSpareDedicated) != 0 ? kRoleDedicatedSpare : kRoleGlobalSpare);
+    if (!configuration && !controller.physicalDrives)
+        return std::nullopt;
+    if (controller.physicalDrives) {
+        const auto listed = std::exchange(roles, {});
+        for (const PhysicalDrive& drive : *controller.physicalDrives) {
+            if (!drive.info && !configuration)
+                return std::nullopt;
+            const auto row = listed.find(drive.deviceId);
+            roles[drive.deviceId] = drive.info ? drive.info->role : row != listed.end() ? row->second : kRoleNone;
+        }
+    }
+    const auto count = [&](std::string_view role) {
+        return static_cast<unsigned>(std::ranges::count(roles, role, [](const auto& drive) { return drive.second; }));
+    };
+    return HotSpares{count(kRoleGlobalSpare), count(kRoleDedicatedSpare)};
+}
+
 } // namespace
 
 void collectRaidGroups(Asker& asker, Controller& controller, Scope scope) {
     const auto configuration = readConfiguration(asker);
+    controller.hotSpares = hotSparesOf(controller, configuration);
     if (!configuration)
         return;
     controller.raidGroups = Grouping(*configuration).groups();

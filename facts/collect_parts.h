@@ -14,7 +14,7 @@ void collectSettings(Asker& asker, Controller& controller);
 void collectCacheBackup(Asker& asker, Controller& controller);
 void collectEnclosures(Asker& asker, Controller& controller);
 void collectPhysicalDrives(Asker& asker, Controller& controller, Scope scope);
-/// The RAID groups, and of each drive the group that it belongs to.
+/// The RAID groups, of each drive the group that it belongs to, and the hot spares; the drives are known already.
 void collectRaidGroups(Asker& asker, Controller& controller, Scope scope);
 /// The LDs; the groups are known already.
 void collectLogicalDrives(Asker& asker, Controller& controller, Scope scope);

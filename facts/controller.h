@@ -83,6 +83,12 @@ struct PatrolRead {
     std::optional<std::string> nextStart;
 };
 
+/// How many drives stand by.
+struct HotSpares {
+    unsigned global = 0;
+    unsigned dedicated = 0;
+};
+
 /// What is missing could not be read, but for the cache backup unit, which need not be fitted.
 struct Controller {
     std::uint8_t number = 0;
@@ -99,6 +105,7 @@ struct Controller {
     std::optional<std::vector<Enclosure>> enclosures;
     std::optional<std::vector<PhysicalDrive>> physicalDrives;
     std::optional<std::vector<RaidGroup>> raidGroups;
+    std::optional<HotSpares> hotSpares;
     std::optional<std::vector<LogicalDrive>> logicalDrives;
 
     /// What is listed under that device id, or number; null when nothing is.

@@ -72,6 +72,8 @@ class Exporter {
                 aboutEnclosure(labels, enclosure);
         if (controller.physicalDrives)
             aboutPhysicalDrives(labels, *controller.physicalDrives);
+        if (controller.hotSpares)
+            aboutHotSpares(labels, *controller.hotSpares);
         if (controller.logicalDrives)
             for (const LogicalDrive& ld : *controller.logicalDrives)
                 aboutLogicalDrive(labels, ld);
@@ -122,20 +124,17 @@ class Exporter {
     /// Of two drives in the same place the one with the lower device id has samples.
     void aboutPhysicalDrives(const Labels& controller, const std::vector<PhysicalDrive>& drives) {
         std::set<std::pair<std::string, std::uint8_t>> places;
-        std::uint64_t globalSpares = 0;
-        std::uint64_t dedicatedSpares = 0;
         for (const PhysicalDrive& drive : drives) { // by place, then by device id
             const std::string enclosure = drive.enclosureId ? std::to_string(*drive.enclosureId) : "";
-            if (drive.info) {
-                globalSpares += drive.info->role == kRoleGlobalSpare ? 1 : 0;
-                dedicatedSpares += drive.info->role == kRoleDedicatedSpare ? 1 : 0;
-            }
             if (places.emplace(enclosure, drive.slot).second)
                 aboutPhysicalDrive(controller, {{"enclosure", enclosure}, {"slot", std::to_string(drive.slot)}}, drive);
         }
+    }
+
+    void aboutHotSpares(const Labels& controller, const HotSpares& spares) {
         metrics_.family("zeb_hot_spares", kGauge, "Hot spares of the controller.");
-        metrics_.sample(with(controller, {{"type", "global"}}), globalSpares);
-        metrics_.sample(with(controller, {{"type", "dedicated"}}), dedicatedSpares);
+        metrics_.sample(with(controller, {{"type", "global"}}), std::uint64_t{spares.global});
+        metrics_.sample(with(controller, {{"type", "dedicated"}}), std::uint64_t{spares.dedicated});
     }
 
     void aboutPhysicalDrive(const Labels& controller, const Labels& place, const PhysicalDrive& drive) {

@@ -14,21 +14,21 @@ namespace {
 
 volatile pid_t theCommand = 0;
 
-void ignoreSignal(int /*number*/) {}
-
-void handOn(int number) {
-    if (theCommand > 0)
+void handOn(int number, siginfo_t* info, void* /*context*/) {
+    // What is typed reaches the command by itself.
+    const bool typed = info->si_code > 0 && (number == SIGINT || number == SIGQUIT);
+    if (theCommand > 0 && !typed)
         ::kill(theCommand, number);
 }
 
 /// Takes a signal over, unless the caller wants it ignored. A handler, other than "ignore", ends with exec.
-void handle(int number, void (*handler)(int)) {
+void takeOver(int number) {
     struct sigaction action {};
     if (::sigaction(number, nullptr, &action) != 0 || action.sa_handler == SIG_IGN)
         return;
     action = {};
-    action.sa_handler = handler;
-    action.sa_flags = SA_RESTART;
+    action.sa_sigaction = handOn;
+    action.sa_flags = SA_RESTART | SA_SIGINFO;
     ::sigaction(number, &action, nullptr);
 }
 
@@ -49,7 +49,7 @@ int waitFor(pid_t child) {
     while (::waitpid(child, &status, 0) != child)
         if (errno != EINTR)
             return kCannotStart;
-    return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
+    return WIFSIGNALED(status) ? kSignalled + WTERMSIG(status) : WEXITSTATUS(status);
 }
 
 } // namespace
@@ -76,10 +76,8 @@ std::optional<int> runCommand(const std::vector<std::string>& command, const std
     sigset_t before;
     sigfillset(&all);
     ::sigprocmask(SIG_SETMASK, &all, &before);
-    for (const int number : {SIGINT, SIGQUIT})
-        handle(number, ignoreSignal);
-    for (const int number : {SIGTERM, SIGHUP, SIGUSR1, SIGUSR2})
-        handle(number, handOn);
+    for (const int number : {SIGINT, SIGQUIT, SIGTERM, SIGHUP, SIGUSR1, SIGUSR2})
+        takeOver(number);
     std::fflush(nullptr);
     const pid_t child = ::fork();
     if (child == 0)
@@ -100,6 +98,11 @@ std::optional<int> runCommand(const std::vector<std::string>& command, const std
         return status;
     errno = reason;
     return std::nullopt;
+}
+
+bool isEndedFromOutside(int status) {
+    const int number = status - kSignalled;
+    return number == SIGINT || number == SIGQUIT || number == SIGTERM || number == SIGHUP;
 }
 
 std::string libraryPathWith(const std::string& folder) {

@@ -19,10 +19,16 @@ int refuse(const std::string& program, const std::string& message);
 /// The words as exec wants them: pointers into the words, null behind the last.
 std::vector<char*> argvOf(const std::vector<std::string>& words);
 
+/// Added to its number, the status of a command that a signal ended.
+inline constexpr int kSignalled = 128;
+
 /// Runs the command with the further environment and waits for it. Signals of the terminal reach the command alone;
-/// those that end a program are handed on. Returns its status, 128 and the number when a signal ended it, or nothing
+/// those that a program sends are handed on. Returns its status, 128 and the number when a signal ended it, or nothing
 /// when it could not be started; errno then says why.
 std::optional<int> runCommand(const std::vector<std::string>& command, const std::map<std::string, std::string>& env);
+
+/// Whether a status says that somebody ended the command, who wants none after it.
+bool isEndedFromOutside(int status);
 
 /// The environment with which a command loads the recorder's library, which finds the page and the real library.
 std::map<std::string, std::string> recorderEnvironment(const std::string& folder, const std::string& realLibrary,

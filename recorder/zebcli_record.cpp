@@ -27,8 +27,8 @@ const std::vector<std::vector<std::string>> kReports = {
     {"zebcli", "-ldpdprog", "-aAll"},
 };
 
-/// Runs the commands one after the other. Returns the first status that is not 0, or nothing when the first of them
-/// could not be started.
+/// Runs the commands one after the other, until somebody ends one. Returns the first status that is not 0, or nothing
+/// when one of them could not be started.
 std::optional<int> runAll(const std::vector<std::vector<std::string>>& commands,
                           const std::map<std::string, std::string>& env) {
     int first = 0;
@@ -36,6 +36,8 @@ std::optional<int> runAll(const std::vector<std::vector<std::string>>& commands,
         const std::optional<int> status = runCommand(command, env);
         if (!status)
             return std::nullopt;
+        if (isEndedFromOutside(*status))
+            return status;
         if (first == 0)
             first = *status;
     }

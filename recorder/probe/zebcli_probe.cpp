@@ -58,7 +58,7 @@ int probeInChild(const Start& start, const char* recording) {
         if (errno != EINTR)
             return kCannotStart;
     sayHowItEnded(kProgram, *start.page);
-    return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
+    return WIFSIGNALED(status) ? kSignalled + WTERMSIG(status) : WEXITSTATUS(status);
 }
 
 int run(const std::optional<std::string>& library, const std::optional<std::string>& path) {

@@ -117,10 +117,7 @@ TEST_F(Record, FactsForProgramsAreWhatTheyAreAlone) {
     for (const std::string scenario : {"built_in", "background_work", "drive_failed"})
         for (const char* args : {"check", "metrics", "html", "wait --max 0"}) {
             SCOPED_TRACE(args + (" on " + scenario));
-            RunOptions options = tool(scenario, {args});
-            options.program = paths::zebstat;
-            options.argv0 = "zebstat";
-            options.env["ZEBSIM_SPEED"] = "0";
+            const RunOptions options = facts(scenario, args);
             const RunResult plain = box.run(options);
             EXPECT_FALSE(plain.trace.empty());
             const RunResult recorded = record(options, {"--no-redact"});
@@ -131,54 +128,6 @@ TEST_F(Record, FactsForProgramsAreWhatTheyAreAlone) {
                 EXPECT_EQ(result.exitStatus, plain.exitStatus);
             }
         }
-}
-
-/// Runs a command until it asks, sends it a signal, and tells its status.
-std::string signalledAtQuestion(const std::string& command, const std::string& signal) {
-    return "rm -f typed shown; mkfifo typed; " + command +
-           " -ctrlautorbld -dsbl -a0 <>typed >shown & until grep -q 'Y/N' shown; do sleep 0.02; done; kill -" + signal +
-           " $!; wait $!; echo ended $?; cat shown";
-}
-
-TEST_F(Record, ASignalAtAQuestionEndsTheCommandAndLeavesTheRecordingUpToIt) {
-    useRelease();
-    RunOptions options = tool("built_in", {""});
-    const std::string alone = options.program;
-    const RunOptions between = under("zebcli-record", {recording()}, options);
-    options.program = "/bin/sh";
-    const auto signalled = [&](const std::string& command, const char* signal) {
-        options.args = {"-c", signalledAtQuestion(command, signal)};
-        return box.run(options);
-    };
-    for (const auto& [signal, number] : {std::pair("TERM", SIGTERM), std::pair("HUP", SIGHUP)}) {
-        SCOPED_TRACE(signal);
-        const RunResult plain = signalled(alone, signal);
-        EXPECT_EQ(plain.out.rfind("ended " + std::to_string(128 + number) + "\n", 0), 0U) << plain;
-        fs::remove(recording());
-        const RunResult recorded = signalled(between.program + (" " + recording().string()) + " -- " + alone, signal);
-        EXPECT_EQ(recorded.out, plain.out);
-        EXPECT_EQ(recorded.trace, plain.trace);
-        EXPECT_EQ(recorded.err.find("zebcli-record"), std::string::npos) << recorded;
-        std::string reason;
-        const auto read = zebrec::readRecordingFile(recording(), reason);
-        ASSERT_TRUE(read) << reason;
-        EXPECT_FALSE(read->cut);
-        EXPECT_EQ(read->lines.size(), parseTrace(plain.trace).size());
-    }
-}
-
-TEST_F(Record, TheInterruptKeyAtAQuestionIsNoMoreThanItIsAlone) {
-    RunOptions options = tool("built_in", {"-ctrlautorbld -dsbl -a0"});
-    options.input = Input::kTerminal;
-    options.output = Output::kTerminal;
-    options.answers = {{"(Y/N)", "\x03\n"}, {"(Y/N)", "n\n"}};
-    const RunResult plain = box.run(options);
-    const RunResult recorded = record(options);
-    EXPECT_EQ(recorded.terminal, plain.terminal);
-    EXPECT_EQ(recorded.trace, plain.trace);
-    EXPECT_EQ(recorded.exitStatus, plain.exitStatus);
-    EXPECT_TRUE(sameMode(recorded.terminalAfter, plain.terminalAfter));
-    EXPECT_EQ(recorded.err, "");
 }
 
 TEST_F(Record, TheFileIsNewAndPrivateAndNoLink) {
@@ -202,23 +151,6 @@ TEST_F(Record, TheFileIsNewAndPrivateAndNoLink) {
     fs::create_symlink(box.root() / "elsewhere", recording());
     refused("File exists");
     EXPECT_FALSE(fs::exists(box.root() / "elsewhere"));
-}
-
-TEST_F(Record, AFullFileEndsTheRecordingAndNotTheCommand) {
-    RunOptions options = tool("built_in", {"-pdinfo -aAll"});
-    options.trace = false;
-    options.program = "/bin/sh";
-    options.args = {"-c", "ulimit -f 40; exec " + std::string(paths::zebcli) + " -pdinfo -aAll"}; // 20 KB
-    const RunResult plain = box.run(options);
-    const RunResult result = record(options);
-    EXPECT_TRUE(sameText(result.out, plain.out));
-    EXPECT_EQ(result.exitStatus, 0);
-    EXPECT_EQ(result.err, "zebcli-record: the recording " + recording().string() + " ends early: File too large\n");
-    EXPECT_LE(fs::file_size(recording()), 20480U);
-    std::string reason;
-    const auto read = zebrec::readRecordingFile(recording(), reason);
-    ASSERT_TRUE(read) << reason;
-    EXPECT_GT(read->lines.size(), 3U);
 }
 
 TEST_F(Record, EveryReportOfALargeServerStaysSmall) {

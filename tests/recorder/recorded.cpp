@@ -42,7 +42,7 @@ zebrec::Request requestOf(const TracedRequest& traced) {
 
 RunOptions RecorderTest::tool(const std::string& scenario, const ToolRun& run) const {
     RunOptions options;
-    options.program = options.argv0 = released_ ? paths::releaseZebcli : paths::zebcli;
+    options.program = options.argv0 = programOf(paths::zebcli, paths::releaseZebcli);
     if (released_)
         options.libraryDir = paths::releaseLibraryDir;
     options.args = words(run.args);
@@ -58,7 +58,7 @@ RunOptions RecorderTest::under(const std::string& program, std::vector<std::stri
     before.push_back("--");
     before.push_back(options.program);
     before.insert(before.end(), options.args.begin(), options.args.end());
-    options.program = fs::path(released_ ? paths::releaseRecorderDir : paths::recorderDir) / "sbin" / program;
+    options.program = fs::path(programOf(paths::recorderDir, paths::releaseRecorderDir)) / "sbin" / program;
     options.argv0 = program;
     options.args = std::move(before);
     return options;
@@ -68,9 +68,17 @@ void RecorderTest::useRelease() {
     released_ = *paths::releaseZebcli != '\0';
 }
 
+RunOptions RecorderTest::facts(const std::string& scenario, const std::string& args) const {
+    RunOptions options = tool(scenario, {args});
+    options.program = programOf(paths::zebstat, paths::releaseZebstat);
+    options.argv0 = "zebstat";
+    options.env["ZEBSIM_SPEED"] = "0";
+    return options;
+}
+
 RunOptions RecorderTest::everyReport(const std::string& scenario) const {
-    for (const auto& [name, path] : {std::pair("zebcli", released_ ? paths::releaseZebcli : paths::zebcli),
-                                     std::pair("zebstat", released_ ? paths::releaseZebstat : paths::zebstat)})
+    for (const auto& [name, path] : {std::pair("zebcli", programOf(paths::zebcli, paths::releaseZebcli)),
+                                     std::pair("zebstat", programOf(paths::zebstat, paths::releaseZebstat))})
         if (!fs::exists(box.bin() / name))
             fs::create_symlink(path, box.bin() / name);
     RunOptions options = tool(scenario, {""});

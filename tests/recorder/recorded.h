@@ -30,6 +30,8 @@ class RecorderTest : public SandboxTest {
     /// The same behind a program of the recorder.
     RunOptions under(const std::string& program, std::vector<std::string> before, RunOptions options) const;
 
+    /// The facts for programs and eyes on a scenario; the hardware's time stands still.
+    RunOptions facts(const std::string& scenario, const std::string& args) const;
     /// Every report of the tool and the facts for programs in one shell; the hardware's time stands still.
     RunOptions everyReport(const std::string& scenario) const;
     /// From here on the programs of the release build run, where there is one: what they do is the same, and a matrix
@@ -42,6 +44,8 @@ class RecorderTest : public SandboxTest {
     RunResult replay(RunOptions options);
 
   private:
+    const char* programOf(const char* debug, const char* release) const { return released_ ? release : debug; }
+
     bool released_ = false;
 };
 

@@ -21,9 +21,12 @@ unsigned ProcessLibCommand(_SL_LIB_CMD_PARAM_T* request) {
         return 0;
     if (manner == "crash")
         std::raise(SIGSEGV);
-    if (manner == "hang")
+    if (manner == "hang") {
+        constexpr std::string_view kAnnouncement = "the library hangs\n";
+        (void)!::write(STDOUT_FILENO, kAnnouncement.data(), kAnnouncement.size());
         for (;;)
             ::pause();
+    }
     if (manner == "nonsense")
         std::memset(request->data, 0xFF, request->dataSize);
     if (manner == "past")

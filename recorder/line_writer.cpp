@@ -1,11 +1,10 @@
 #include "recorder/line_writer.h"
 
+#include "recorder/write_whole.h"
+
 #include <algorithm>
 #include <cerrno>
-#include <csignal>
-#include <ctime>
 #include <fcntl.h>
-#include <pthread.h>
 #include <unistd.h>
 
 namespace zebrec {
@@ -14,31 +13,6 @@ namespace {
 
 constexpr std::size_t kShortestRepeat = 16; ///< bytes of an answer that are worth a look for the same one
 constexpr std::size_t kMostKept = 64U << 20U; ///< bytes of answers that are kept for that
-
-/// Keeps the signal for a file over the size limit away from the command; the write then says so.
-class NoSizeSignal {
-  public:
-    NoSizeSignal() {
-        sigemptyset(&signals_);
-        sigaddset(&signals_, SIGXFSZ);
-        pthread_sigmask(SIG_BLOCK, &signals_, &before_);
-    }
-    ~NoSizeSignal() {
-        if (failed && !sigismember(&before_, SIGXFSZ)) {
-            const timespec none{};
-            sigtimedwait(&signals_, nullptr, &none);
-        }
-        pthread_sigmask(SIG_SETMASK, &before_, nullptr);
-    }
-    NoSizeSignal(const NoSizeSignal&) = delete;
-    NoSizeSignal& operator=(const NoSizeSignal&) = delete;
-
-    bool failed = false;
-
-  private:
-    sigset_t signals_{};
-    sigset_t before_{};
-};
 
 std::string keyOf(const Data& data, std::span<const std::uint8_t> bytes) {
     std::string key(1, static_cast<char>(data.shape));
@@ -132,18 +106,9 @@ void LineWriter::write(const Exchange& exchange, std::uint64_t number, std::opti
 }
 
 void LineWriter::append(const std::string& text) {
-    NoSizeSignal guard;
-    for (std::string_view rest = text; !rest.empty();) {
-        const ssize_t written = ::write(file_, rest.data(), rest.size());
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written <= 0) {
-            guard.failed = true;
-            int none = 0;
-            page_.stopped.compare_exchange_strong(none, written < 0 ? errno : ENOSPC);
-            return;
-        }
-        rest.remove_prefix(static_cast<std::size_t>(written));
+    if (const int failure = writeWhole(file_, text); failure != 0) {
+        int none = 0;
+        page_.stopped.compare_exchange_strong(none, failure);
     }
 }
 

@@ -1,5 +1,8 @@
 #include "recorder/session_page.h"
 
+#include "recorder/write_whole.h"
+
+#include <cerrno>
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
@@ -59,8 +62,12 @@ SessionPage* openPage(const char* path) {
 
 SessionPage* makePage(int& file) {
     file = ::memfd_create("zebrec", MFD_CLOEXEC);
-    if (file < 0 || ::ftruncate(file, sizeof(SessionPage)) != 0)
+    if (file < 0)
         return nullptr;
+    if (const int why = growTo(file, sizeof(SessionPage)); why != 0) {
+        errno = why;
+        return nullptr;
+    }
     SessionPage* page = mapPage(file);
     if (page != nullptr)
         page->magic = SessionPage::kMagic;

@@ -2,6 +2,7 @@
 
 #include "recorder/recording.h"
 #include "recorder/show.h"
+#include "recorder/write_whole.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -35,11 +36,10 @@ std::string versionOf(const SessionPage& page) {
     return revision + " " + version;
 }
 
-/// Writes the head over the one that is there, whose time stays.
-bool putHead(int file, const SessionPage& page, const char* time) {
-    const Head head{std::string("zebcli-recorder ") + ZEB_VERSION, versionOf(page), time, page.redacted};
-    const std::string text = writeHead(head) + "\n";
-    return ::pwrite(file, text.data(), text.size(), 0) == static_cast<ssize_t>(text.size());
+/// Writes the head over the one that is there, whose time stays. Returns 0, or the errno that says why it could not.
+int putHead(int file, const SessionPage& page) {
+    const Head head{std::string("zebcli-recorder ") + ZEB_VERSION, versionOf(page), page.time, page.redacted};
+    return writeWhole(file, writeHead(head) + "\n", 0);
 }
 
 } // namespace
@@ -76,9 +76,9 @@ int makeRecording(const std::string& program, const std::string& path, const Sta
         refuse(program, path + " cannot be made: " + std::strerror(errno));
         return -1;
     }
-    if (putHead(file, page, page.time))
+    const int why = putHead(file, page);
+    if (why == 0)
         return file;
-    const int why = errno;
     ::unlink(path.c_str());
     ::close(file);
     refuse(program, path + " cannot be written: " + std::strerror(why));
@@ -86,8 +86,8 @@ int makeRecording(const std::string& program, const std::string& path, const Sta
 }
 
 void endRecording(const std::string& program, const std::string& path, int file, SessionPage& page) {
-    if (!putHead(file, page, page.time))
-        page.stopped = errno;
+    if (const int why = putHead(file, page); why != 0 && page.stopped == 0)
+        page.stopped = why;
     if (page.stopped != 0)
         std::fprintf(stderr, "%s: the recording %s ends early: %s\n", program.c_str(), path.c_str(),
                      std::strerror(page.stopped));

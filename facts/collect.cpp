@@ -4,7 +4,6 @@
 #include "facts/text.h"
 #include "storelib/common/StoreLib/controller.h"
 #include "storelib/dll_mod.h"
-#include "storelib/status_text.h"
 
 #include <array>
 #include <ctime>
@@ -61,12 +60,6 @@ Controller collectController(Asker& asker, Scope scope) {
 }
 
 } // namespace
-
-std::optional<Failure> failureOf(std::uint32_t status) {
-    if (status == kSlSuccess)
-        return std::nullopt;
-    return Failure{status, fieldText(std::string_view(SLStrError(status))).value_or("")};
-}
 
 Collection collect(std::span<const std::uint8_t> controllers, Scope scope) {
     const auto start = std::chrono::steady_clock::now();

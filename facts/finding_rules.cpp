@@ -1,5 +1,6 @@
 #include "facts/finding_rules.h"
 
+#include "facts/spoken.h"
 #include "facts/text.h"
 
 #include <algorithm>

@@ -1,6 +1,7 @@
 #include "facts/findings.h"
 
 #include "facts/finding_rules.h"
+#include "facts/spoken.h"
 
 #include <algorithm>
 #include <array>
@@ -66,10 +67,6 @@ std::string_view healthOf(const std::vector<Finding>& findings) {
     return findings.empty() ? "ok" : severityWord(findings.front().severity);
 }
 
-std::string counted(std::uint64_t count, std::string_view what) {
-    return std::to_string(count) + " " + std::string(what) + (count == 1 ? "" : "s");
-}
-
 std::string countsText(const Collection& collection) {
     std::size_t drives = 0;
     std::size_t lds = 0;
@@ -79,17 +76,6 @@ std::string countsText(const Collection& collection) {
     }
     return counted(collection.controllers.size(), "controller") + ", " + counted(drives, "physical drive") + ", " +
            counted(lds, "logical drive");
-}
-
-std::string spokenDuration(std::uint32_t seconds) {
-    constexpr std::uint32_t kMinute = 60;
-    constexpr std::uint32_t kHour = 3600;
-    if (seconds < kMinute)
-        return "under a minute";
-    const std::uint32_t minutes = (seconds + kMinute / 2) / kMinute;
-    if (minutes < 90)
-        return "about " + std::to_string(minutes) + " min";
-    return "about " + std::to_string((seconds + kHour / 2) / kHour) + " h";
 }
 
 } // namespace facts

@@ -39,13 +39,7 @@ std::size_t countOf(const std::vector<Finding>& findings, Severity severity);
 /// "ok", or the worst severity.
 std::string_view healthOf(const std::vector<Finding>& findings);
 
-/// "1 drive", "2 drives"
-std::string counted(std::uint64_t count, std::string_view what);
-
 /// How much there is: "1 controller, 24 physical drives, 5 logical drives".
 std::string countsText(const Collection& collection);
-
-/// A duration as a person says it: "about 2 h", "about 12 min", "under a minute".
-std::string spokenDuration(std::uint32_t seconds);
 
 } // namespace facts

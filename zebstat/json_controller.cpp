@@ -105,17 +105,6 @@ void putFacts(Json& object, const Controller& controller, const ControllerInfo& 
 
 } // namespace
 
-void putWord(Json& object, const std::string& key, const std::optional<Word>& word) {
-    object[key] = word ? Json(word->text) : Json(nullptr);
-    if (word && word->code)
-        object[key + "_code"] = *word->code;
-}
-
-void putError(Json& object, const std::optional<Failure>& error) {
-    if (error)
-        object["error"] = {{"status", error->status}, {"text", error->text}};
-}
-
 Json controllerOf(const Controller& controller) {
     constexpr const char* kOtherKeys[] = {
         "product",         "serial",       "pci",           "firmware", "driver",      "memory",       "ports",

@@ -1,5 +1,6 @@
 #include "zebstat/page.h"
 
+#include "facts/spoken.h"
 #include "facts/text.h"
 #include "zebstat/page_parts.h"
 #include "zebstat/page_style.h"

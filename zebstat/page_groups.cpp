@@ -1,4 +1,5 @@
 // RAID groups to scale, and background work as bars.
+#include "facts/spoken.h"
 #include "zebstat/page_parts.h"
 #include "zebstat/page_words.h"
 

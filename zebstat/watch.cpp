@@ -1,4 +1,5 @@
 // Background work as progress bars.
+#include "facts/spoken.h"
 #include "facts/text.h"
 #include "zebstat/output.h"
 #include "zebstat/run.h"

@@ -276,12 +276,16 @@ TEST_F(Metrics, AreScrapedByANodeExporter) {
     RunOptions scrape;
     scrape.program = "/bin/sh";
     scrape.argv0 = "sh";
-    scrape.args = {
-        "-c",
-        std::string(exporter) +
-            " --collector.disable-defaults --collector.textfile --collector.textfile.directory=" + folder.string() +
-            " --web.listen-address=127.0.0.1:39917 >/dev/null 2>&1 & for i in $(seq 50); do sleep 0.1; "
-            "curl -sf http://127.0.0.1:39917/metrics && break; done; kill $!"};
+    // On a port that is free; its record says which.
+    scrape.args = {"-c", std::string(exporter) +
+                             " --collector.disable-defaults --collector.textfile --collector.textfile.directory=" +
+                             folder.string() + R"( --web.listen-address=127.0.0.1:0 >/dev/null 2>exporter & program=$!
+            for i in $(seq 50); do
+                sleep 0.1
+                address=$(sed -n 's/.*"Listening on" address=//p' exporter)
+                [ -n "$address" ] && curl -sf "http://$address/metrics" && break
+            done
+            kill $program)"};
     const std::string served = box.run(scrape).out;
     EXPECT_THAT(served, testing::HasSubstr("node_textfile_scrape_error 0"));
     EXPECT_THAT(served, testing::HasSubstr("node_textfile_mtime_seconds{"));

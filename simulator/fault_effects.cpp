@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <span>
 
 namespace zebsim {
 
@@ -112,19 +113,32 @@ Effects readPatch(Reader& reader, const char* key, const Codes&) {
     return patching(std::move(patches));
 }
 
-/// The bytes of a field that holds this value: a little-endian number, or a text filled up with NULs.
-std::vector<std::uint8_t> bytesOfField(const RecordField& field, const Json& value, const std::string& place) {
-    std::vector<std::uint8_t> bytes(field.width);
-    if (field.width > sizeof(std::uint64_t)) {
-        if (!value.is_string() || value.get<std::string>().size() > field.width)
-            throw ScenarioError(place, "give a text of at most " + std::to_string(field.width) + " characters");
-        std::ranges::copy(bytesOfText(value.get<std::string>(), place), bytes.begin());
-        return bytes;
-    }
-    std::uint64_t number = unsignedOf(value, place, 0, UINT64_MAX >> (64 - 8 * field.width));
+/// Puts a little-endian number.
+void putNumber(std::span<std::uint8_t> bytes, const Json& value, const std::string& place) {
+    std::uint64_t number = unsignedOf(value, place, 0, UINT64_MAX >> (64 - 8 * bytes.size()));
     for (std::uint8_t& byte : bytes) {
         byte = static_cast<std::uint8_t>(number);
         number >>= 8;
+    }
+}
+
+/// The bytes of a field that holds this value: a number, a text filled up with NULs, or a list of numbers that share
+/// it.
+std::vector<std::uint8_t> bytesOfField(const RecordField& field, const Json& value, const std::string& place) {
+    std::vector<std::uint8_t> bytes(field.width);
+    if (value.is_array()) {
+        const std::size_t count = value.size();
+        if (count == 0 || field.width % count != 0 || field.width / count > sizeof(std::uint64_t))
+            throw ScenarioError(place, "give as many numbers as share the " + std::to_string(field.width) + " bytes");
+        const std::size_t width = field.width / count;
+        for (std::size_t i = 0; i < count; ++i)
+            putNumber(std::span(bytes).subspan(i * width, width), value[i], place + "[" + std::to_string(i) + "]");
+    } else if (field.width <= sizeof(std::uint64_t)) {
+        putNumber(bytes, value, place);
+    } else {
+        if (!value.is_string() || value.get<std::string>().size() > field.width)
+            throw ScenarioError(place, "give a text of at most " + std::to_string(field.width) + " characters");
+        std::ranges::copy(bytesOfText(value.get<std::string>(), place), bytes.begin());
     }
     return bytes;
 }

@@ -13,7 +13,7 @@ Effects readEffects(Reader& reader, std::optional<std::uint8_t> type, std::optio
 /// Reads the key "also": what somebody else does to drives and LDs when the picked request has been answered.
 void readAlso(Reader& reader, Effects& effects);
 
-/// Where a field stands in an answer. Up to 8 bytes hold a number, more of them a text.
+/// Where a field stands in an answer. Up to 8 bytes hold a number, more of them a text; any may be a list of numbers.
 struct RecordField {
     std::size_t offset;
     std::size_t width;

@@ -37,6 +37,7 @@ constexpr Part kParts[] = {
     {0x04, 0x08, Layout<_SL_ARRAY_INFO_T>::kRecord},
     {0x05, 0x00, Layout<_MR_BBU_STATUS>::kRecord},
     {0x05, 0x04, Layout<_MR_BBU_PROPERTIES>::kRecord},
+    {0x08, 0x05, Layout<_SL_ENCL_STATUS_EX_T>::kRecord},
 };
 
 } // namespace

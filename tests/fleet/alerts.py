@@ -20,7 +20,7 @@ from monitoring import EXPORTER, ask, bring_up_loopback, samples, start_exporter
 
 SOURCE, HOST, SCRATCH = map(pathlib.Path, sys.argv[1:])
 RULES = SOURCE / "share/zebstat/prometheus/zeb.rules.yml"
-SERVICE = SOURCE / "share/zebstat/systemd/zebstat-metrics.service"
+SERVICE = SOURCE / "share/zebstat/systemd/zebstat-metrics.service.in"
 PATIENCE = 1  # seconds, in place of each "for"
 
 

@@ -12,6 +12,11 @@ DESTDIR=$root cmake --install "$build" --component companion >"$scratch/output" 
 units=$root/usr/lib/systemd/system
 service=$units/zebstat-metrics.service
 
+DESTDIR=$scratch/elsewhere cmake --install "$build" --component companion --prefix /srv/raid >"$scratch/output" 2>&1 ||
+  fail 'cmake --install --prefix fails' "$scratch/output"
+grep -q '^ExecStart=/srv/raid/sbin/zebstat ' "$scratch/elsewhere/srv/raid/lib/systemd/system/zebstat-metrics.service" ||
+  fail 'the service does not follow the prefix'
+
 # Beside the machine's own units, and with the program where the package puts it.
 mkdir "$scratch/units"
 cp -- "$units"/zebstat-metrics.* "$scratch/units"

@@ -13,7 +13,7 @@ std::span<const std::uint8_t> callersBytes(const void* data, std::uint32_t size)
 }
 
 void copyTo(void* target, std::span<const std::uint8_t> bytes) {
-    if (!bytes.empty())
+    if (target != nullptr && !bytes.empty())
         std::memcpy(target, bytes.data(), bytes.size());
 }
 
@@ -22,13 +22,13 @@ constexpr std::size_t kInnerPointer = sizeof(wire::_SL_DCMD_INPUT_T) - sizeof(vo
 } // namespace
 
 bool Forwarder::prepare(const wire::_SL_LIB_CMD_PARAM_T& request) {
+    exchange_.past = 0;
     const auto data = callersBytes(request.data, request.dataSize);
     Header header;
     std::memcpy(header.data(), &request, header.size());
     exchange_.request = Request::of(header, data);
     exchange_.dataBefore.assign(data.begin(), data.end());
     exchange_.innerBefore.clear();
-    exchange_.past = 0;
     exchange_.microseconds = 0;
     exchange_.status = 0;
     innerOfCaller_ = nullptr;

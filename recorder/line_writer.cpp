@@ -25,10 +25,8 @@ std::string keyOf(const Data& data, std::span<const std::uint8_t> bytes) {
 
 LineWriter::LineWriter(SessionPage& page, const char* path)
     : page_(page), file_(::open(path, O_WRONLY | O_APPEND | O_CLOEXEC)) {
-    if (file_ < 0) {
-        int none = 0;
-        page_.stopped.compare_exchange_strong(none, errno);
-    }
+    if (file_ < 0)
+        stop(errno);
 }
 
 LineWriter::~LineWriter() {
@@ -106,10 +104,13 @@ void LineWriter::write(const Exchange& exchange, std::uint64_t number, std::opti
 }
 
 void LineWriter::append(const std::string& text) {
-    if (const int failure = writeWhole(file_, text); failure != 0) {
-        int none = 0;
-        page_.stopped.compare_exchange_strong(none, failure);
-    }
+    if (const int failure = writeWhole(file_, text); failure != 0)
+        stop(failure);
+}
+
+void LineWriter::stop(int why) {
+    int none = 0;
+    page_.stopped.compare_exchange_strong(none, why);
 }
 
 } // namespace zebrec

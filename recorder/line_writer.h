@@ -21,6 +21,9 @@ class LineWriter {
     /// Writes the line of a request that is over; it is in the file before this returns.
     void write(const Exchange& exchange, std::uint64_t number, std::optional<unsigned> contNo);
 
+    /// Ends the recording, for the reason of that errno.
+    void stop(int why);
+
   private:
     /// The answers of one kind that stand in the file, by their bytes before redaction.
     using Known = std::unordered_map<std::string, std::uint64_t>;

@@ -1,21 +1,22 @@
 #include "recorder/recording.h"
 
+#include "recorder/flat_object.h"
 #include "recorder/hex.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstring>
-#include <fstream>
-#include <iterator>
-#include <nlohmann/json.hpp>
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace zebrec {
 
 namespace {
 
-using nlohmann::json;
-using nlohmann::ordered_json;
+using Kind = FlatObject::Value::Kind;
+using Outcome = FlatObject::Outcome;
 
 constexpr char kFormat[] = "zebrec";
 constexpr int kVersion = 1;
@@ -26,51 +27,52 @@ struct Malformed {
     std::string reason;
 };
 
-std::string textOf(const json& object, const char* key) {
-    const auto found = object.find(key);
-    if (found == object.end() || !found->is_string())
+const std::string& textOf(const FlatObject& object, const char* key) {
+    const auto* value = object.find(key, Kind::kText);
+    if (value == nullptr)
         throw Malformed{std::string("no text \"") + key + '"'};
-    return found->get<std::string>();
+    return value->text;
 }
 
-std::uint64_t numberOf(const json& object, const char* key, std::uint64_t most) {
-    const auto found = object.find(key);
-    if (found == object.end() || !found->is_number_unsigned() || found->get<std::uint64_t>() > most)
+std::uint64_t numberOf(const FlatObject& object, const char* key, std::uint64_t most) {
+    const auto* value = object.find(key, Kind::kNumber);
+    if (value == nullptr || value->number > most)
         throw Malformed{std::string("no number \"") + key + "\" from 0 to " + std::to_string(most)};
-    return found->get<std::uint64_t>();
+    return value->number;
 }
 
-Bytes bytesOf(const json& value, const char* key) {
+bool flagOf(const FlatObject& object, const char* key) {
+    const auto* value = object.find(key, Kind::kFlag);
+    if (value == nullptr)
+        throw Malformed{std::string("no true or false \"") + key + '"'};
+    return value->flag;
+}
+
+std::optional<Bytes> outOf(const FlatObject& object, const char* key) {
+    if (!object.contains(key))
+        return std::nullopt;
+    const auto* value = object.find(key, Kind::kText);
     std::optional<Bytes> bytes;
-    if (value.is_string())
-        bytes = bytesOfHex(value.get_ref<const std::string&>(), kMostBytes);
+    if (value != nullptr)
+        bytes = bytesOfHex(value->text, kMostBytes);
     if (!bytes)
         throw Malformed{std::string("\"") + key + "\" is no hexadecimal text"};
-    return std::move(*bytes);
+    return bytes;
 }
 
-std::optional<Bytes> outOf(const json& object, const char* key) {
-    const auto found = object.find(key);
-    return found == object.end() ? std::nullopt : std::optional(bytesOf(*found, key));
-}
-
-std::optional<Answer> inOf(const json& object, const char* key) {
-    const auto found = object.find(key);
-    if (found == object.end())
-        return std::nullopt;
-    if (found->is_number_unsigned())
-        return Answer{{}, found->get<std::uint64_t>()};
-    return Answer{bytesOf(*found, key), 0};
+std::optional<Answer> inOf(const FlatObject& object, const char* key) {
+    if (const auto* same = object.find(key, Kind::kNumber); same != nullptr)
+        return Answer{{}, same->number};
+    std::optional<Bytes> bytes = outOf(object, key);
+    return bytes ? std::optional(Answer{std::move(*bytes), 0}) : std::nullopt;
 }
 
 constexpr std::uint64_t kAnyNumber = ~std::uint64_t{0};
 
-Line lineOf(const json& object) {
-    if (!object.is_object())
-        throw Malformed{"no object"};
+Line lineOf(const FlatObject& object) {
     Line line;
     line.number = numberOf(object, "n", kAnyNumber);
-    line.leftOut = object.value("left_out", false);
+    line.leftOut = object.contains("left_out") && flagOf(object, "left_out");
     line.status = static_cast<std::uint32_t>(numberOf(object, "status", 0xFFFFFFFFU));
     line.header[kTypeAt] = static_cast<std::uint8_t>(numberOf(object, "type", 0xFF));
     line.header[kCommandAt] = static_cast<std::uint8_t>(numberOf(object, "code", 0xFF));
@@ -91,16 +93,14 @@ Line lineOf(const json& object) {
     return line;
 }
 
-Head headOf(const json& object) {
-    if (!object.is_object() || object.value("format", "") != kFormat)
+Head headOf(const FlatObject& object) {
+    const auto* format = object.find("format", Kind::kText);
+    if (format == nullptr || format->text != kFormat)
         throw Malformed{"this is no recording"};
-    if (numberOf(object, "version", kAnyNumber) != kVersion)
-        throw Malformed{"a recording of version " + object["version"].dump() + ", this program reads version " +
+    if (const std::uint64_t version = numberOf(object, "version", kAnyNumber); version != kVersion)
+        throw Malformed{"a recording of version " + std::to_string(version) + ", this program reads version " +
                         std::to_string(kVersion)};
-    const auto redacted = object.find("redacted");
-    if (redacted == object.end() || !redacted->is_boolean())
-        throw Malformed{"the head does not say \"redacted\""};
-    return {textOf(object, "tool"), textOf(object, "library"), textOf(object, "time"), redacted->get<bool>()};
+    return {textOf(object, "tool"), textOf(object, "library"), textOf(object, "time"), flagOf(object, "redacted")};
 }
 
 /// Lines that name another one must name an earlier one that holds an answer of that kind.
@@ -112,29 +112,18 @@ void checkRepeats(const Recording& recording, const Line& line) {
     }
 }
 
-void put(ordered_json& object, const char* key, const std::optional<Answer>& answer) {
-    if (!answer)
-        return;
-    if (answer->sameAs != 0)
-        object[key] = answer->sameAs;
-    else
-        object[key] = hexOf(answer->bytes);
-}
-
 /// One line of the text. False when it is the last one and cut.
 bool readOne(Recording& recording, std::string_view text, bool first, bool whole) {
-    const json object = json::parse(text, nullptr, false);
-    if (object.is_discarded()) {
-        if (!whole && !first)
-            return false;
-        throw Malformed{first ? "this is no recording" : "damaged"};
-    }
+    if (!first && !whole)
+        return false;
+    FlatObject object;
+    const Outcome outcome = object.read(text);
     if (first) {
         recording.head = headOf(object);
         return true;
     }
-    if (!whole)
-        return false;
+    if (outcome != Outcome::kObject)
+        throw Malformed{outcome == Outcome::kNoJson ? "damaged" : "no object"};
     Line line = lineOf(object);
     checkRepeats(recording, line);
     recording.places[line.number] = recording.lines.size();
@@ -142,36 +131,87 @@ bool readOne(Recording& recording, std::string_view text, bool first, bool whole
     return true;
 }
 
+/// Numbers and hexadecimal texts need no quoting.
+void put(std::string& text, const char* key, std::uint64_t number) {
+    text += std::string(text.empty() ? "{" : ",") + '"' + key + "\":" + std::to_string(number);
+}
+
+void put(std::string& text, const char* key, std::span<const std::uint8_t> bytes) {
+    text += std::string(",\"") + key + "\":\"" + hexOf(bytes) + '"';
+}
+
+void put(std::string& text, const char* key, const std::optional<Answer>& answer) {
+    if (answer && answer->sameAs != 0)
+        put(text, key, answer->sameAs);
+    else if (answer)
+        put(text, key, answer->bytes);
+}
+
+/// The whole file; nothing, with the reason, when it cannot be read.
+std::optional<std::string> textOfFile(const std::string& path, std::string& reason) {
+    constexpr off_t kMostFile = 1 << 30;
+    struct Close {
+        ~Close() { ::close(file); }
+        int file;
+    };
+    const Close opened{::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)}; // nothing is waited for in a FIFO
+    struct stat status {};
+    if (opened.file < 0 || ::fstat(opened.file, &status) != 0) {
+        reason = std::strerror(errno);
+        return std::nullopt;
+    }
+    if (!S_ISREG(status.st_mode) || status.st_size > kMostFile) {
+        reason = S_ISREG(status.st_mode) ? "the file is larger than 1 GB" : "no regular file";
+        return std::nullopt;
+    }
+    std::string text;
+    text.reserve(static_cast<std::size_t>(status.st_size));
+    std::array<char, 65536> piece;
+    for (ssize_t length = 1; length != 0;) {
+        length = ::read(opened.file, piece.data(), piece.size());
+        if (length > 0)
+            text.append(piece.data(), static_cast<std::size_t>(length));
+        if (length >= 0 || errno == EINTR)
+            continue;
+        reason = std::strerror(errno);
+        return std::nullopt;
+    }
+    return text;
+}
+
 } // namespace
 
 std::string writeHead(const Head& head) {
-    const ordered_json object{{"format", kFormat},       {"version", kVersion}, {"tool", head.tool},
-                              {"library", head.library}, {"time", head.time},   {"redacted", head.redacted}};
-    std::string text = object.dump(-1, ' ', true, json::error_handler_t::replace);
+    std::string text = std::string("{\"format\":\"") + kFormat + '"';
+    put(text, "version", kVersion);
+    for (const auto& [key, value] : {std::pair("tool", &head.tool), {"library", &head.library}, {"time", &head.time}})
+        text += std::string(",\"") + key + "\":" + quoted(*value);
+    text += std::string(",\"redacted\":") + (head.redacted ? "true}" : "false}");
     text.resize(std::max(text.size(), kHeadSize - 1), ' ');
     return text;
 }
 
 std::string writeLine(const Line& line) {
-    ordered_json object{{"n", line.number},
-                        {"us", line.microseconds},
-                        {"type", line.header[kTypeAt]},
-                        {"code", line.header[kCommandAt]}};
+    std::string text;
+    put(text, "n", line.number);
+    put(text, "us", line.microseconds);
+    put(text, "type", line.header[kTypeAt]);
+    put(text, "code", line.header[kCommandAt]);
     if (line.leftOut) {
-        object["left_out"] = true;
+        text += ",\"left_out\":true";
     } else {
-        object["header"] = hexOf(line.header);
+        put(text, "header", line.header);
         if (line.out)
-            object["out"] = hexOf(*line.out);
-        put(object, "in", line.in);
+            put(text, "out", *line.out);
+        put(text, "in", line.in);
         if (line.innerOut)
-            object["inner_out"] = hexOf(*line.innerOut);
-        put(object, "inner_in", line.innerIn);
+            put(text, "inner_out", *line.innerOut);
+        put(text, "inner_in", line.innerIn);
     }
     if (line.past != 0)
-        object["past"] = line.past;
-    object["status"] = line.status;
-    return object.dump() + '\n';
+        put(text, "past", line.past);
+    put(text, "status", line.status);
+    return text + "}\n";
 }
 
 const Bytes* Recording::answerOf(const std::optional<Answer>& answer, bool inner) const {
@@ -202,27 +242,13 @@ std::optional<Recording> readRecording(std::string_view text, std::string& reaso
     } catch (const Malformed& malformed) {
         reason = "line " + std::to_string(number) + ": " + malformed.reason;
         return std::nullopt;
-    } catch (const json::exception&) {
-        reason = "line " + std::to_string(number) + ": a value of the wrong kind";
-        return std::nullopt;
     }
     return recording;
 }
 
 std::optional<Recording> readRecordingFile(const std::string& path, std::string& reason) {
-    constexpr off_t kMostFile = 1 << 30;
-    struct stat status {};
-    std::ifstream file(path, std::ios::binary);
-    if (!file || ::stat(path.c_str(), &status) != 0) {
-        reason = std::strerror(errno);
-        return std::nullopt;
-    }
-    if (!S_ISREG(status.st_mode) || status.st_size > kMostFile) {
-        reason = S_ISREG(status.st_mode) ? "the file is larger than 1 GB" : "no regular file";
-        return std::nullopt;
-    }
-    const std::string text{std::istreambuf_iterator<char>(file), {}};
-    return readRecording(text, reason);
+    const auto text = textOfFile(path, reason);
+    return text ? readRecording(*text, reason) : std::nullopt;
 }
 
 } // namespace zebrec

@@ -4,7 +4,9 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <fcntl.h>
+#include <new>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -13,6 +15,7 @@ namespace zebrec {
 namespace {
 
 volatile pid_t theCommand = 0;
+struct sigaction childrenBefore {};
 
 void handOn(int number, siginfo_t* info, void* /*context*/) {
     // What is typed reaches the command by itself.
@@ -32,13 +35,11 @@ void takeOver(int number) {
     ::sigaction(number, &action, nullptr);
 }
 
-[[noreturn]] void becomeCommand(const std::vector<std::string>& command, const std::map<std::string, std::string>& env,
-                                const sigset_t& signals, int failure) {
-    const std::vector<char*> argv = argvOf(command);
-    for (const auto& [name, value] : env)
-        ::setenv(name.c_str(), value.c_str(), 1);
+/// Behind the fork: nothing here needs memory.
+[[noreturn]] void becomeCommand(char** argv, char** environment, const sigset_t& signals, int failure) {
+    ::sigaction(SIGCHLD, &childrenBefore, nullptr);
     ::sigprocmask(SIG_SETMASK, &signals, nullptr);
-    ::execvp(argv[0], argv.data());
+    ::execvpe(argv[0], argv, environment);
     const int reason = errno;
     const ssize_t said = ::write(failure, &reason, sizeof reason);
     ::_exit(said == sizeof reason ? 127 : 126);
@@ -59,6 +60,31 @@ int refuse(const std::string& program, const std::string& message) {
     return kCannotStart;
 }
 
+int runProgram(const char* program, int (*run)(int argc, char** argv), int argc, char** argv) {
+    try {
+        return run(argc, argv);
+    } catch (const std::bad_alloc&) {
+        std::fprintf(stderr, "%s: not enough memory\n", program);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "%s: %s\n", program, error.what());
+    }
+    return kCannotStart;
+}
+
+void sayAtEnd(const char* program, const std::function<void()>& say) {
+    try {
+        say();
+    } catch (const std::bad_alloc&) {
+        std::fprintf(stderr, "%s: not enough memory to say all about the command\n", program);
+    }
+}
+
+void expectChildren() {
+    struct sigaction action {};
+    action.sa_handler = SIG_DFL;
+    ::sigaction(SIGCHLD, &action, &childrenBefore);
+}
+
 std::vector<char*> argvOf(const std::vector<std::string>& words) {
     std::vector<char*> argv;
     argv.reserve(words.size() + 1);
@@ -68,7 +94,22 @@ std::vector<char*> argvOf(const std::vector<std::string>& words) {
     return argv;
 }
 
+std::vector<std::string> environmentWith(const std::map<std::string, std::string>& further) {
+    std::vector<std::string> all;
+    for (char** variable = environ; *variable != nullptr; ++variable) {
+        const std::string text = *variable;
+        if (further.count(text.substr(0, text.find('='))) == 0)
+            all.push_back(text);
+    }
+    for (const auto& [name, value] : further)
+        all.push_back(std::string(name).append("=").append(value));
+    return all;
+}
+
 std::optional<int> runCommand(const std::vector<std::string>& command, const std::map<std::string, std::string>& env) {
+    std::vector<char*> argv = argvOf(command);
+    const std::vector<std::string> variables = environmentWith(env);
+    std::vector<char*> environment = argvOf(variables);
     int failure[2];
     if (::pipe2(failure, O_CLOEXEC) != 0)
         return std::nullopt;
@@ -81,7 +122,7 @@ std::optional<int> runCommand(const std::vector<std::string>& command, const std
     std::fflush(nullptr);
     const pid_t child = ::fork();
     if (child == 0)
-        becomeCommand(command, env, before, failure[1]);
+        becomeCommand(argv.data(), environment.data(), before, failure[1]);
     theCommand = child;
     ::close(failure[1]);
     ::sigprocmask(SIG_SETMASK, &before, nullptr);
@@ -94,7 +135,7 @@ std::optional<int> runCommand(const std::vector<std::string>& command, const std
     ::close(failure[0]);
     const int status = child > 0 ? waitFor(child) : 0;
     theCommand = 0;
-    if (child > 0 && length == 0)
+    if (child > 0 && length != sizeof reason)
         return status;
     errno = reason;
     return std::nullopt;

@@ -3,6 +3,7 @@
 
 #include "recorder/session_page.h"
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -16,8 +17,20 @@ inline constexpr int kCannotStart = 3;
 /// Says one line on standard error, with the program's name before it, and returns kCannotStart.
 int refuse(const std::string& program, const std::string& message);
 
+/// Runs what a program does. What is thrown ends it with one line and kCannotStart.
+int runProgram(const char* program, int (*run)(int argc, char** argv), int argc, char** argv);
+
+/// Says what is to be said when the command has ended; its status stays the same when there is no memory for that.
+void sayAtEnd(const char* program, const std::function<void()>& say);
+
+/// Lets this program learn how its children end, whatever its caller does with SIGCHLD; a command gets that back.
+void expectChildren();
+
 /// The words as exec wants them: pointers into the words, null behind the last.
 std::vector<char*> argvOf(const std::vector<std::string>& words);
+
+/// This program's environment with further variables.
+std::vector<std::string> environmentWith(const std::map<std::string, std::string>& further);
 
 /// Added to its number, the status of a command that a signal ended.
 inline constexpr int kSignalled = 128;

@@ -1,7 +1,9 @@
 #include "recorder/session.h"
 
+#include <cerrno>
 #include <cstring>
 #include <dlfcn.h>
+#include <new>
 #include <unistd.h>
 
 namespace zebrec {
@@ -90,28 +92,50 @@ bool Session::heldBack() {
     return true;
 }
 
+bool Session::prepare(const wire::_SL_LIB_CMD_PARAM_T& request) {
+    try {
+        return forwarder_.prepare(request);
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+}
+
+/// What is learned and written of a request that is over. It is done, whether or not there is memory for that.
+void Session::keep(const Exchange& exchange, const Mention& mention) {
+    try {
+        if (writer_)
+            writer_->write(exchange, mention.number, contNoOf(mention));
+        learn(exchange);
+    } catch (const std::bad_alloc&) {
+        if (writer_)
+            writer_->stop(ENOMEM);
+    }
+}
+
 std::uint32_t Session::process(wire::_SL_LIB_CMD_PARAM_T& request) {
     if (entry_ == nullptr)
         return kCannotLoad;
-    if (!forwarder_.prepare(request))
-        return kNoMemory;
+    if (!prepare(request)) {
+        if (page_ != nullptr && page_->mode == Mode::kPreview)
+            return kNoMemory;
+        if (writer_)
+            writer_->stop(ENOMEM);
+        return entry_(&request);
+    }
     if (heldBack())
         return 0;
     const Request& about = forwarder_.exchange().request;
     const auto contNo = controllers_.numberOf(about.fields().ctrlId);
-    Mention mention{};
+    Mention mention = mentionOf(about, contNo, 0);
     if (page_ != nullptr) {
-        mention = mentionOf(about, contNo, page_->lines.fetch_add(1) + 1);
+        mention.number = page_->lines.fetch_add(1) + 1;
         enter(mention);
     }
     const Exchange& exchange = forwarder_.send(entry_, request);
-    learn(exchange);
-    if (page_ == nullptr)
-        return exchange.status;
-    leave();
-    if (writer_)
-        writer_->write(exchange, mention.number, contNo);
-    if (exchange.past != 0) {
+    if (page_ != nullptr)
+        leave();
+    keep(exchange, mention);
+    if (exchange.past != 0 && page_ != nullptr) {
         mention.amount = exchange.past;
         page_->overruns.add(mention);
     }

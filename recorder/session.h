@@ -35,7 +35,8 @@ class Session {
     /// Without a page requests are only handed on. `file` is the recording, or null.
     Session(SessionPage* page, EntryPoint entry, const char* file);
 
-    /// Hands a request on, or holds it back, and returns its status.
+    /// Hands a request on, or holds it back, and returns its status. Where the recorder has no memory for it, a preview
+    /// refuses it; else it goes on by itself, and the recording ends.
     std::uint32_t process(wire::_SL_LIB_CMD_PARAM_T& request);
 
     /// The last request; its memory is good until the next one.
@@ -44,7 +45,9 @@ class Session {
     const ControllerNumbers& controllers() const { return controllers_; }
 
   private:
+    bool prepare(const wire::_SL_LIB_CMD_PARAM_T& request);
     bool heldBack();
+    void keep(const Exchange& exchange, const Mention& mention);
     void learn(const Exchange& exchange);
     void enter(const Mention& mention);
     void leave();

@@ -33,16 +33,17 @@ Mention mentionOf(const Request& request, std::optional<unsigned> contNo, std::u
     return mention;
 }
 
+std::optional<unsigned> contNoOf(const Mention& mention) {
+    return mention.contNo < 0 ? std::nullopt : std::optional(static_cast<unsigned>(mention.contNo));
+}
+
 std::string describe(const Mention& mention) {
     Request request{mention.header, {}, {}};
     if (mention.hasDcmd)
         request.dcmd = mention.dcmd;
     if (mention.hasScsi)
         request.scsi = mention.scsi;
-    std::optional<unsigned> contNo;
-    if (mention.contNo >= 0)
-        contNo = static_cast<unsigned>(mention.contNo);
-    return describe(request, contNo);
+    return describe(request, contNoOf(mention));
 }
 
 SessionPage* openPage(const char* path) {

@@ -26,6 +26,7 @@ struct Mention {
 };
 
 Mention mentionOf(const Request& request, std::optional<unsigned> contNo, std::uint64_t number);
+std::optional<unsigned> contNoOf(const Mention& mention);
 /// "02/02 set physical drive offline: controller 0, ..."
 std::string describe(const Mention& mention);
 

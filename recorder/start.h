@@ -22,11 +22,4 @@ struct Start {
 /// Finds the real library (the one that is named, if any) and makes the page. On failure the reason was said.
 std::optional<Start> beginSession(const std::string& program, Mode mode, const std::optional<std::string>& library);
 
-/// Makes the file of a recording, private and new, with its head. Returns the descriptor; on failure -1, the reason was
-/// said and no file is left.
-int makeRecording(const std::string& program, const std::string& path, const Start& start, bool redacted);
-
-/// Completes the head with what was learned and says what is to be said about the recording.
-void endRecording(const std::string& program, const std::string& path, int file, SessionPage& page);
-
 } // namespace zebrec

@@ -38,14 +38,14 @@ int preview(const std::vector<std::string>& command, const std::optional<std::st
     const std::optional<int> status = runCommand(command, start->environment());
     if (!status)
         return refuse(kProgram, command.front() + " cannot be started: " + std::strerror(errno));
-    sayHowItEnded(kProgram, *start->page);
-    sayHeldBack(*start->page);
+    sayAtEnd(kProgram, [&] {
+        sayHowItEnded(kProgram, *start->page);
+        sayHeldBack(*start->page);
+    });
     return *status;
 }
 
-} // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
     const Arguments arguments = parseArguments(argc, argv, {{"--library", true}, {"--help", false}});
     if (arguments.options.count("--help") != 0)
         return std::puts(kUsage) < 0 ? kCannotStart : 0;
@@ -54,4 +54,10 @@ int main(int argc, char** argv) {
     if (!arguments.words.empty() || arguments.command.empty())
         return refuse(kProgram, kUsage);
     return preview(arguments.command, arguments.value("--library"));
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    return zebrec::runProgram(kProgram, run, argc, argv);
 }

@@ -1,12 +1,11 @@
 // zebcli-record: runs a command and keeps what it asked of the controllers' library and what it was told.
+#include "recorder/new_recording.h"
 #include "recorder/recording.h"
 #include "recorder/show.h"
-#include "recorder/start.h"
 
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <unistd.h>
 
 namespace {
 
@@ -17,15 +16,12 @@ constexpr char kUsage[] = "usage: zebcli-record FILE [--library PATH] [--no-reda
                           "zebcli-record FILE [--library PATH] [--no-redact] --reports | zebcli-record --show FILE";
 
 /// Every report of the tool, for all controllers.
-const std::vector<std::vector<std::string>> kReports = {
-    {"zebcli", "-v"},
-    {"zebcli", "-ctrlinfo", "-aAll"},
-    {"zebcli", "-cbinfo", "-aAll"},
-    {"zebcli", "-enclinfo", "-aAll"},
-    {"zebcli", "-pdinfo", "-aAll"},
-    {"zebcli", "-ldpdinfo", "-aAll"},
-    {"zebcli", "-ldpdprog", "-aAll"},
-};
+std::vector<std::vector<std::string>> everyReport() {
+    std::vector<std::vector<std::string>> commands{{"zebcli", "-v"}};
+    for (const char* report : {"-ctrlinfo", "-cbinfo", "-enclinfo", "-pdinfo", "-ldpdinfo", "-ldpdprog"})
+        commands.push_back({"zebcli", report, "-aAll"});
+    return commands;
+}
 
 /// Runs the commands one after the other, until somebody ends one. Returns the first status that is not 0, or nothing
 /// when one of them could not be started.
@@ -49,19 +45,19 @@ int record(const std::string& path, const std::vector<std::vector<std::string>>&
     const auto start = beginSession(kProgram, Mode::kRecord, library);
     if (!start)
         return kCannotStart;
-    const int file = makeRecording(kProgram, path, *start, redacted);
-    if (file < 0)
+    const auto recording = NewRecording::make(kProgram, path, *start, redacted);
+    if (!recording)
         return kCannotStart;
     auto env = start->environment();
-    env[kFileVariable] = pathOfFile(file);
+    env[kFileVariable] = recording->pathForCommand();
     const std::optional<int> status = runAll(commands, env);
-    if (!status) {
-        const int why = errno;
-        ::unlink(path.c_str());
-        return refuse(kProgram, commands.front().front() + " cannot be started: " + std::strerror(why));
-    }
-    sayHowItEnded(kProgram, *start->page);
-    endRecording(kProgram, path, file, *start->page);
+    if (!status)
+        return refuse(kProgram, commands.front().front() + " cannot be started: " + std::strerror(errno));
+    recording->keep();
+    sayAtEnd(kProgram, [&] {
+        sayHowItEnded(kProgram, *start->page);
+        recording->end();
+    });
     return *status;
 }
 
@@ -75,9 +71,7 @@ int show(const std::string& path) {
     return std::fflush(stdout) == 0 ? 0 : refuse(kProgram, std::string("standard output: ") + std::strerror(errno));
 }
 
-} // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
     const Arguments arguments = parseArguments(
         argc, argv,
         {{"--library", true}, {"--no-redact", false}, {"--reports", false}, {"--show", true}, {"--help", false}});
@@ -92,6 +86,12 @@ int main(int argc, char** argv) {
         arguments.has("--reports") == !arguments.command.empty())
         return refuse(kProgram, kUsage);
     const auto commands =
-        arguments.has("--reports") ? kReports : std::vector<std::vector<std::string>>{arguments.command};
+        arguments.has("--reports") ? everyReport() : std::vector<std::vector<std::string>>{arguments.command};
     return record(arguments.words.front(), commands, arguments.value("--library"), !arguments.has("--no-redact"));
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    return zebrec::runProgram(kProgram, run, argc, argv);
 }

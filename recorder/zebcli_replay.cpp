@@ -5,7 +5,6 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <unistd.h>
@@ -25,16 +24,13 @@ int replay(const std::string& path, const std::vector<std::string>& command) {
     const Folders folders = Folders::ofThisProgram();
     if (std::error_code none; !std::filesystem::exists(folders.simulator + "/libstorelib.so", none))
         return refuse(kProgram, "the simulated library is not there; install the package zebcli-simulator");
-    ::setenv("LD_LIBRARY_PATH", libraryPathWith(folders.simulator).c_str(), 1);
-    ::setenv("ZEBSIM_REPLAY", std::filesystem::absolute(path).c_str(), 1);
-    const std::vector<char*> argv = argvOf(command);
-    ::execvp(argv[0], argv.data());
+    const std::vector<std::string> variables = environmentWith(
+        {{"LD_LIBRARY_PATH", libraryPathWith(folders.simulator)}, {"ZEBSIM_REPLAY", std::filesystem::absolute(path)}});
+    ::execvpe(command.front().c_str(), argvOf(command).data(), argvOf(variables).data());
     return refuse(kProgram, command.front() + " cannot be started: " + std::strerror(errno));
 }
 
-} // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
     const Arguments arguments = parseArguments(argc, argv, {{"--help", false}});
     if (arguments.options.count("--help") != 0)
         return std::puts(kUsage) < 0 ? kCannotStart : 0;
@@ -43,4 +39,10 @@ int main(int argc, char** argv) {
     if (arguments.words.size() != 1 || arguments.command.empty())
         return refuse(kProgram, kUsage);
     return replay(arguments.words.front(), arguments.command);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    return zebrec::runProgram(kProgram, run, argc, argv);
 }

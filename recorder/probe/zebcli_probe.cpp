@@ -1,12 +1,13 @@
 // zebcli-probe: asks the library each reading question once and judges from the answers whether the records are laid
 // out as they are declared.
+#include "recorder/new_recording.h"
 #include "recorder/probe/checks.h"
 #include "recorder/probe/report.h"
-#include "recorder/start.h"
 
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <new>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -48,8 +49,8 @@ int probeInChild(const Start& start, const char* recording) {
         int status = kCannotStart;
         try {
             status = probe(start, recording);
-        } catch (const std::exception& error) {
-            refuse(kProgram, error.what());
+        } catch (const std::bad_alloc&) {
+            std::fprintf(stderr, "%s: not enough memory\n", kProgram);
         }
         std::exit(status);
     }
@@ -57,27 +58,27 @@ int probeInChild(const Start& start, const char* recording) {
     while (::waitpid(child, &status, 0) != child)
         if (errno != EINTR)
             return kCannotStart;
-    sayHowItEnded(kProgram, *start.page);
+    sayAtEnd(kProgram, [&] { sayHowItEnded(kProgram, *start.page); });
     return WIFSIGNALED(status) ? kSignalled + WTERMSIG(status) : WEXITSTATUS(status);
 }
 
-int run(const std::optional<std::string>& library, const std::optional<std::string>& path) {
+int probe(const std::optional<std::string>& library, const std::optional<std::string>& path) {
     const auto start = beginSession(kProgram, Mode::kRecord, library);
     if (!start)
         return kCannotStart;
     if (!path)
         return probeInChild(*start, nullptr);
-    const int file = makeRecording(kProgram, *path, *start, true);
-    if (file < 0)
+    const auto recording = NewRecording::make(kProgram, *path, *start, true);
+    if (!recording)
         return kCannotStart;
-    const int status = probeInChild(*start, pathOfFile(file).c_str());
-    endRecording(kProgram, *path, file, *start->page);
+    const int status = probeInChild(*start, recording->pathForCommand().c_str());
+    if (start->page->lines != 0)
+        recording->keep();
+    sayAtEnd(kProgram, [&] { recording->end(); });
     return status;
 }
 
-} // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
     const Arguments arguments =
         parseArguments(argc, argv, {{"--library", true}, {"--record", true}, {"--help", false}});
     if (arguments.has("--help"))
@@ -86,5 +87,11 @@ int main(int argc, char** argv) {
         return refuse(kProgram, arguments.error);
     if (!arguments.words.empty() || !arguments.command.empty())
         return refuse(kProgram, kUsage);
-    return run(arguments.value("--library"), arguments.value("--record"));
+    return probe(arguments.value("--library"), arguments.value("--record"));
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    return zebrec::runProgram(kProgram, run, argc, argv);
 }

@@ -191,6 +191,35 @@ TEST_F(Record, EndsWithTheStatusOfTheCommand) {
     };
     EXPECT_EQ(statusOf("exit 42"), 42);
     EXPECT_EQ(statusOf("kill -TERM $$"), 128 + SIGTERM);
+
+    // A caller that does not want to know how its children end.
+    RunOptions options = tool("built_in", {""});
+    options.program = "/bin/sh";
+    options.args = {"-c", "exit 42"};
+    fs::remove(recording());
+    options = under("zebcli-record", {recording()}, options);
+    options.args.insert(options.args.begin(), {"-c", "trap '' CHLD; exec \"$0\" \"$@\"", options.program});
+    options.program = "/bin/sh";
+    const RunResult result = box.run(options);
+    EXPECT_EQ(result.exitStatus, 42) << result;
+}
+
+TEST_F(Record, NothingIsRunWithoutTheLibraryThatStandsBetween) {
+    for (const std::string program : {"zebcli-record", "zebcli-preview"}) {
+        const fs::path copy = box.root() / "sbin" / program; // and nothing else of the package
+        fs::create_directories(copy.parent_path());
+        fs::copy_file(fs::path(paths::recorderDir) / "sbin" / program, copy);
+        RunOptions options = under(program, {}, tool("built_in", {"-v"}));
+        options.program = copy;
+        if (program == "zebcli-record")
+            options.args.insert(options.args.begin(), recording());
+        const RunResult result = box.run(options);
+        EXPECT_EQ(result.exitStatus, 3);
+        EXPECT_EQ(result.err, program + ": " + (box.root() / "lib/zebcli/recorder/libstorelib.so").string() +
+                                  " is not there; install the package zebcli-recorder anew\n");
+        EXPECT_EQ(result.trace, "");
+        EXPECT_FALSE(fs::exists(recording()));
+    }
 }
 
 TEST_F(Record, WhatCannotBeStartedIsOneLineAndLeavesNothing) {

@@ -1,6 +1,6 @@
 // Preloaded into a program: makes the n-th call of one kind fail. ZEB_FAIL_CALL names the kind, ZEB_FAIL_AT the call,
-// and ZEB_FAIL_MARK a file that is made when it came to that. The kind "killed" ends the program by SIGKILL behind the
-// n-th byte that it writes with pwrite.
+// and ZEB_FAIL_MARK a file that is made when it came to that. Where one program starts others, ZEB_FAIL_IN names the
+// one that is meant. The kind "killed" ends the program by SIGKILL behind the n-th byte that it writes with pwrite.
 #include <cerrno>
 #include <csignal>
 #include <cstdarg>
@@ -11,6 +11,7 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <pthread.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <termios.h>
@@ -34,7 +35,9 @@ __attribute__((constructor)) void readSettings() {
     const char* call = std::getenv("ZEB_FAIL_CALL");
     const char* at = std::getenv("ZEB_FAIL_AT");
     mark = std::getenv("ZEB_FAIL_MARK");
-    if (call != nullptr && at != nullptr && mark != nullptr) {
+    const char* meant = std::getenv("ZEB_FAIL_IN");
+    const bool isMeant = meant == nullptr || std::strcmp(meant, program_invocation_short_name) == 0;
+    if (call != nullptr && at != nullptr && mark != nullptr && isMeant) {
         failing = call;
         callsLeft = std::strtol(at, nullptr, 10);
     }
@@ -70,7 +73,8 @@ void killAmid(int fd, const void* data, std::size_t size, off_t offset) {
 bool allocationFails(const void* caller) {
     Dl_info info{};
     const bool simulator = callsLeft > 0 && dladdr(caller, &info) != 0 && info.dli_fname != nullptr &&
-                           std::strstr(info.dli_fname, "libstorelib.so") != nullptr;
+                           std::strstr(info.dli_fname, "simulator/libstorelib.so") != nullptr &&
+                           std::getenv("ZEBSIM_REPLAY") == nullptr;
     return !simulator && fails("malloc", ENOMEM);
 }
 
@@ -111,6 +115,10 @@ EXPORT int openat(int folder, const char* path, int flags, ...) {
 
 EXPORT FILE* fopen(const char* path, const char* mode) {
     return fails("open", EMFILE) ? nullptr : next<FILE*(const char*, const char*)>("fopen")(path, mode);
+}
+
+EXPORT FILE* fopen64(const char* path, const char* mode) {
+    return fails("open", EMFILE) ? nullptr : next<FILE*(const char*, const char*)>("fopen64")(path, mode);
 }
 
 EXPORT ssize_t pwrite(int fd, const void* data, std::size_t size, off_t offset) {
@@ -167,4 +175,41 @@ EXPORT FILE* popen(const char* command, const char* mode) {
 
 EXPORT int system(const char* command) {
     return fails("fork", EAGAIN) ? -1 : next<int(const char*)>("system")(command);
+}
+
+EXPORT pid_t fork() {
+    return fails("fork", EAGAIN) ? -1 : next<pid_t()>("fork")();
+}
+
+EXPORT int pipe2(int* ends, int flags) {
+    return fails("pipe", EMFILE) ? -1 : next<int(int*, int)>("pipe2")(ends, flags);
+}
+
+EXPORT ssize_t read(int fd, void* data, std::size_t size) {
+    return fails("read", EIO) ? -1 : next<ssize_t(int, void*, std::size_t)>("read")(fd, data, size);
+}
+
+EXPORT void* mmap(void* address, std::size_t size, int protection, int flags, int fd, off_t offset) {
+    using Mmap = void*(void*, std::size_t, int, int, int, off_t);
+    return fails("memory", ENOMEM) ? MAP_FAILED : next<Mmap>("mmap")(address, size, protection, flags, fd, offset);
+}
+
+EXPORT int mprotect(void* address, std::size_t size, int protection) {
+    return fails("memory", ENOMEM) ? -1 : next<int(void*, std::size_t, int)>("mprotect")(address, size, protection);
+}
+
+EXPORT int memfd_create(const char* name, unsigned flags) {
+    return fails("open", EMFILE) ? -1 : next<int(const char*, unsigned)>("memfd_create")(name, flags);
+}
+
+EXPORT int ftruncate(int fd, off_t size) {
+    return fails("write", ENOSPC) ? -1 : next<int(int, off_t)>("ftruncate")(fd, size);
+}
+
+EXPORT ssize_t getrandom(void* data, std::size_t size, unsigned flags) {
+    return fails("random", ENOSYS) ? -1 : next<ssize_t(void*, std::size_t, unsigned)>("getrandom")(data, size, flags);
+}
+
+EXPORT ssize_t readlink(const char* path, char* text, std::size_t size) {
+    return fails("readlink", EIO) ? -1 : next<ssize_t(const char*, char*, std::size_t)>("readlink")(path, text, size);
 }

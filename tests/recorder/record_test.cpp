@@ -67,49 +67,7 @@ TEST_P(RecordSweep, RedactionLeavesNothingThatNamesTheMachineAndElseChangesNothi
 INSTANTIATE_TEST_SUITE_P(Scenarios, RecordSweep, testing::ValuesIn(scenarioNames()),
                          [](const auto& scenario) { return scenario.param; });
 
-class Record : public RecorderTest {
-  protected:
-    /// A changing command recorded and replayed, as it is alone.
-    void checkChange(const std::string& scenario, const ToolRun& run);
-};
-
-void Record::checkChange(const std::string& scenario, const ToolRun& run) {
-    SCOPED_TRACE(run.args + " on " + scenario);
-    const RunOptions options = tool(scenario, run);
-    const RunResult plain = box.run(options);
-    const auto requests = parseTrace(plain.trace);
-    EXPECT_TRUE(std::ranges::any_of(
-        requests, [](const auto& traced) { return requestOf(traced).effect() == zebrec::Effect::kChanges; }));
-    const RunResult recorded = record(options, {"--no-redact"});
-    EXPECT_TRUE(sameText(recorded.out, plain.out));
-    EXPECT_TRUE(sameText(recorded.trace, plain.trace));
-    const RunResult replayed = replay(options);
-    EXPECT_TRUE(sameText(replayed.out, plain.out));
-    EXPECT_TRUE(sameText(replayed.trace, plain.trace));
-    EXPECT_EQ(replayed.err, "");
-    record(options);
-    const std::string all = everythingIn(recording());
-    EXPECT_EQ(originalsOf(readFile(scenarioFile(scenario))).in(all), "");
-    EXPECT_EQ(all.find("MADEHERE"), std::string::npos); // a name that the command itself gives
-    EXPECT_EQ(replay(options).exitStatus, plain.exitStatus);
-}
-
-TEST_F(Record, ChangingCommandsAreWhatTheyAreAlone) {
-    useRelease();
-    for (const ToolRun& run : kChangingRuns)
-        checkChange("built_in", run);
-    const std::pair<const char*, ToolRun> elsewhere[] = {
-        {"ld_degraded", {"-pdrbld -start -pd[252:3] -a0"}},
-        {"drive_failed", {"-pdmakegood -pd[252:1] -a0"}}, // the library refuses
-        {"background_work", {"-ldinit -stop -LALL -aAll"}},
-        {"controllers_four", {"-cblearn -aAll"}},
-        {"drives_unconfigured", {"-ldc -r1[252:0,252:1] -a0", "y\ny\n"}},
-        {"cachecade", {"-lddel", "0\n0\ny\ny\n"}},
-        {"spans_two", {"-ldsetprop -wb -name MADEHERE -L0 -a0", "y\n"}},
-    };
-    for (const auto& [scenario, run] : elsewhere)
-        checkChange(scenario, run);
-}
+class Record : public RecorderTest {};
 
 TEST_F(Record, FactsForProgramsAreWhatTheyAreAlone) {
     const std::vector<Mask> times{{R"(\d{4}-\d\d-\d\d[T ]\d\d:\d\d:\d\d(Z| UTC)?)", "TIME"},

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <optional>
 
 namespace zebprobe {
 
@@ -12,6 +13,17 @@ namespace {
 
 constexpr std::uint64_t kYear = 31557600; // s
 constexpr std::uint64_t kYear2100 = 3155760000; // s since 2000-01-01
+
+/// What the controller's clock showed at the beginning, or `again` at the end.
+std::optional<std::uint64_t> clockOf(const Inspection& inspection, bool again) {
+    const Answered* clock = inspection.survey.find(inspection.ctrl, kClock, 0, again);
+    if (clock == nullptr || clock->status != 0)
+        return std::nullopt;
+    std::uint64_t now = 0;
+    for (std::size_t i = sizeof(std::uint32_t); i-- != 0;)
+        now = now << 8U | clock->bytes[i];
+    return now;
+}
 
 bool isTime(std::uint64_t seconds) {
     return seconds != 0 && seconds != std::numeric_limits<std::uint32_t>::max();
@@ -66,13 +78,10 @@ void judgeTime(const Inspection& inspection, const Cell& time) {
 
 void judgeNearClock(const Inspection& inspection, const Cell& time) {
     judgeTime(inspection, time);
-    const Answered* clock = inspection.survey.find(inspection.ctrl, kClock);
-    if (clock == nullptr || clock->status != 0 || !isTime(time.value()))
+    const auto now = clockOf(inspection, false);
+    if (!now || !isTime(time.value()))
         return;
-    std::uint64_t now = 0;
-    for (std::size_t i = sizeof(std::uint32_t); i-- != 0;)
-        now = now << 8U | clock->bytes[i];
-    const std::uint64_t apart = std::max(now, time.value()) - std::min(now, time.value());
+    const std::uint64_t apart = std::max(*now, time.value()) - std::min(*now, time.value());
     inspection.tells("times lie near the controller's clock", apart <= 10 * kYear, {time});
 }
 
@@ -104,6 +113,34 @@ void judgeWork(const Inspection& inspection, const Cell& progress, std::initiali
             inspection.bounds(check, !elsewhere, {active, far});
         else
             inspection.tells(check, true, {active, far});
+    }
+}
+
+void judgeElapsed(const Inspection& inspection, const Cell& first, const Cell& second,
+                  std::initializer_list<Work> kinds) {
+    const auto start = clockOf(inspection, false);
+    const auto end = clockOf(inspection, true);
+    if (!first.there() || !second.there() || !start || !end || *end < *start)
+        return;
+    const std::uint64_t most = *end - *start + 2; // parts of a second are cut off twice
+    for (const Work& work : kinds) {
+        if ((first.at("active").value() & second.at("active").value() & work.bits) == 0)
+            continue;
+        const Cell before = first.at(work.field);
+        const Cell after = second.at(work.field);
+        const auto moved = [&](const char* field) {
+            return static_cast<std::int64_t>(after.at(field).value()) -
+                   static_cast<std::int64_t>(before.at(field).value());
+        };
+        const std::int64_t far = moved("progress");
+        const std::int64_t seconds = moved("elapsed");
+        if (far < 0 || seconds < 0)
+            continue; // begun anew
+        // Where the progress moves on faster, one taken for the other would have been found out.
+        const auto limit = static_cast<std::int64_t>(most);
+        inspection.verdicts.judge("work takes no longer than the controller's clock says", seconds <= limit,
+                                  far > limit ? Weight::kTells : Weight::kBounds,
+                                  {before.at("elapsed"), after.at("elapsed")});
     }
 }
 

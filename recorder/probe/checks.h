@@ -43,6 +43,9 @@ struct Work {
 };
 /// The work that has come somewhere is work that is under way.
 void judgeWork(const Inspection& inspection, const Cell& progress, std::initializer_list<Work> kinds);
+/// From one reading to the next the work's seconds count no faster than the controller's clock.
+void judgeElapsed(const Inspection& inspection, const Cell& first, const Cell& second,
+                  std::initializer_list<Work> kinds);
 
 /// The parts of a configuration.
 struct ConfigCells {

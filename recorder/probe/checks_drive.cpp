@@ -54,13 +54,14 @@ void judgeEnclosure(const Inspection& inspection, const Cell& info) {
                      {id, list.at("count"), list.at("encl").entry(0).at("deviceId")});
 }
 
+// A copyback reports in the rebuild's place.
+constexpr std::initializer_list<Work> kKindsOfWork = {{wire::kPdProgRebuild | wire::kPdProgCopyback, "rebuild"},
+                                                      {wire::kPdProgPatrolRead, "patrolRead"},
+                                                      {wire::kPdProgClear, "clear"}};
+
 void judgeProgress(const Inspection& inspection, const Cell& progress) {
     judgeAtMost(inspection, progress.at("active"), kAnyProgress);
-    // A copyback reports in the rebuild's place.
-    judgeWork(inspection, progress,
-              {{wire::kPdProgRebuild | wire::kPdProgCopyback, "rebuild"},
-               {wire::kPdProgPatrolRead, "patrolRead"},
-               {wire::kPdProgClear, "clear"}});
+    judgeWork(inspection, progress, kKindsOfWork);
 }
 
 /// The information against what else is said of the same drive.
@@ -105,6 +106,8 @@ void judgeInformation(const Inspection& inspection, const Cell& info, std::uint3
     judgeEnclosure(inspection, info);
     judgeAgainstOthers(inspection, info, deviceId);
     judgeProgress(inspection, info.at("progress"));
+    judgeElapsed(inspection, info.at("progress"), inspection.cell(kPdInfo, deviceId, true).at("progress"),
+                 kKindsOfWork);
 }
 
 } // namespace

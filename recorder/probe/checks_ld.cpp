@@ -44,14 +44,13 @@ void judgeList(const Inspection& inspection, const Cell& list) {
     }
 }
 
+constexpr std::initializer_list<Work> kKindsOfWork = {
+    {wire::kLdProgCheck, "cc"}, {wire::kLdProgBgi, "bgi"}, {wire::kLdProgInit, "init"}, {wire::kLdProgRecon, "recon"}};
+
 void judgeProgress(const Inspection& inspection, const Cell& progress) {
     judgeAtMost(inspection, progress.at("active"),
                 wire::kLdProgCheck | wire::kLdProgBgi | wire::kLdProgInit | wire::kLdProgRecon);
-    judgeWork(inspection, progress,
-              {{wire::kLdProgCheck, "cc"},
-               {wire::kLdProgBgi, "bgi"},
-               {wire::kLdProgInit, "init"},
-               {wire::kLdProgRecon, "recon"}});
+    judgeWork(inspection, progress, kKindsOfWork);
 }
 
 /// What every LD's configuration must look like, wherever it stands.
@@ -149,6 +148,8 @@ void judgeInformation(const Inspection& inspection, const Cell& info, std::uint3
     judgeSame(inspection, "the properties say the same as the LD", config.at("properties"),
               inspection.cell(kLdProperties, targetId));
     judgeProgress(inspection, info.at("progress"));
+    judgeElapsed(inspection, info.at("progress"), inspection.cell(kLdInfo, targetId, true).at("progress"),
+                 kKindsOfWork);
 }
 
 } // namespace

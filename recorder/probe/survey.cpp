@@ -217,6 +217,7 @@ void Survey::askAgain(std::size_t ctrl) {
         ask(ctrl, kPdInfo, drive, true);
     for (const std::uint32_t ld : lds(ctrl))
         ask(ctrl, kLdInfo, ld, true);
+    ask(ctrl, kClock, 0, true, sizeof(std::uint32_t));
 }
 
 bool Survey::run() {

@@ -1,5 +1,5 @@
-// Asks the library every reading question of the tool once about each object, and at the end the lists and the objects'
-// information once more.
+// Asks the library every reading question of the tool once about each object, and at the end the lists, the objects'
+// information and the clock once more.
 #pragma once
 
 #include "recorder/probe/cell.h"

@@ -85,15 +85,17 @@ class Probe : public RecorderTest {
         }
         return options;
     }
-    std::map<std::string, Row> rearranged(const std::string& record, std::size_t distance,
-                                          const std::string& scenario) {
-        RunOptions options = quick(scenario);
+    static void rearrangeIn(RunOptions& options, const std::string& record, std::size_t distance) {
         options.env["ZEB_REARRANGE"] = record + ":" + std::to_string(distance);
         options.env["ZEB_REARRANGE_OF"] =
             fs::path(released() ? paths::releaseLibraryDir : paths::libraryDir) / "libstorelib.so";
         options.libraryDir = paths::libRearrangedDir;
-        const RunResult result = box.run(options);
-        return rowsOf(result.out);
+    }
+    std::map<std::string, Row> rearranged(const std::string& record, std::size_t distance,
+                                          const std::string& scenario) {
+        RunOptions options = quick(scenario);
+        rearrangeIn(options, record, distance);
+        return rowsOf(box.run(options).out);
     }
 };
 
@@ -158,7 +160,8 @@ const Moved kMoved[] = {
     {"_MR_BBU_PROPERTIES", 4},
 };
 
-/// Records of which no other order of their bytes can be told: one word without a rule, or the requests themselves.
+/// Records of which no other order of their bytes can be told: one word without a rule, work that stands still, or the
+/// requests themselves.
 const std::set<std::string> kUntold{"_MR_LD_ALLOWED_OPS", "_MR_PROGRESS", "_SL_DCMD_INPUT_T", "_SL_LIB_CMD_PARAM_T"};
 
 TEST_F(Probe, ContradictsTheRecordThatIsLaidOutDifferently) {
@@ -196,6 +199,25 @@ TEST_F(Probe, ConfirmsNothingThatTheDataCannotTell) {
         if (rows.contains(record))
             EXPECT_NE(rows.at(record).verdict.rfind("confirmed", 0), 0U) << record;
     }
+}
+
+TEST_F(Probe, TellsHowFarWorkIsFromItsSecondsByTheClock) {
+    for (const char* scenario : {"built_in", "background_work"}) {
+        SCOPED_TRACE(scenario);
+        RunOptions options = quick(scenario);
+        options.env["ZEBSIM_SPEED"] = "100";
+        options.env["ZEBSIM_LATENCY_US"] = "1000";
+        EXPECT_EQ(rowsOf(box.run(options).out).at("_MR_PROGRESS").verdict, "confirmed");
+        rearrangeIn(options, "_MR_PROGRESS", 2);
+        const Row swapped = rowsOf(box.run(options).out).at("_MR_PROGRESS");
+        EXPECT_EQ(swapped.verdict, "contradicted");
+        for (const std::string& contradiction : swapped.contradictions)
+            EXPECT_NE(contradiction.find("work takes no longer than the controller's clock says"), std::string::npos)
+                << contradiction;
+    }
+    RunOptions still = quick("background_work");
+    still.env["ZEBSIM_SPEED"] = "0";
+    EXPECT_EQ(rowsOf(box.run(still).out).at("_MR_PROGRESS").verdict, "nothing against it");
 }
 
 TEST_F(Probe, SaysOfWhatIsNotThereThatItWasNotAsked) {

@@ -67,7 +67,8 @@ TEST_F(RoughLibrary, NonsenseIsRecordedAsItCame) {
     EXPECT_EQ(run("nonsense").exitStatus, 0);
     const auto recorded = read();
     const auto list = std::ranges::find_if(recorded.lines, [](const auto& line) {
-        return line.header[zebrec::kTypeAt] == 1 && line.header[zebrec::kCommandAt] == 4;
+        const auto asked = zebrec::Request::of(line.header, {}).fields();
+        return asked.cmdType == 1 && asked.cmd == 4;
     });
     ASSERT_NE(list, recorded.lines.end());
     ASSERT_TRUE(list->in);

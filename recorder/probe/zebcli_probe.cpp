@@ -32,7 +32,13 @@ int probe(const Start& start, const char* recording) {
         return refuse(kProgram, std::string("nothing could be asked: ") +
                                     (answered != 0 ? status : "the library lists no controller"));
     }
-    const zebprobe::Verdicts verdicts = zebprobe::judge(survey);
+    zebprobe::Verdicts verdicts = zebprobe::judge(survey);
+    if (zebprobe::isContradicted(verdicts)) {
+        // Hardware that has changed meanwhile contradicts itself but once, a layout every time.
+        zebprobe::Survey again(session);
+        if (again.run())
+            verdicts = zebprobe::judge(again);
+    }
     const std::string report = zebprobe::reportOf(verdicts);
     std::fwrite(report.data(), 1, report.size(), stdout);
     if (std::fflush(stdout) != 0)

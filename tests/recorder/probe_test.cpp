@@ -220,6 +220,19 @@ TEST_F(Probe, TellsHowFarWorkIsFromItsSecondsByTheClock) {
     EXPECT_EQ(rowsOf(box.run(still).out).at("_MR_PROGRESS").verdict, "nothing against it");
 }
 
+TEST_F(Probe, IsNotMisledByHardwareThatChangesMeanwhile) {
+    writeFile(box.root() / "scenario.json",
+              R"({"controllers": [{"drives": [{"repeat": 2}], "arrays": [{"drives": [0, 1]}],
+                                   "lds": [{"level": 1, "spans": [{}], "init": {"percent": 99.8, "elapsed": 1000}}]}]})");
+    RunOptions options = quick("built_in");
+    options.env["ZEBSIM_SCENARIO"] = box.root() / "scenario.json";
+    options.env["ZEBSIM_STATE"] = box.root() / "state.json";
+    options.env["ZEBSIM_SPEED"] = "20"; // the initialisation ends between two readings, unless the machine is busy
+    options.env["ZEBSIM_LATENCY_US"] = "3000";
+    const RunResult result = box.run(options);
+    EXPECT_EQ(result.exitStatus, 0) << result;
+}
+
 TEST_F(Probe, SaysOfWhatIsNotThereThatItWasNotAsked) {
     const auto noUnit = rowsOf(box.run(quick("backup_unit_absent")).out);
     for (const char* record : {"_MR_BBU_STATUS", "_MR_BBU_CAPACITY_INFO", "_MR_BBU_DESIGN_INFO", "_MR_BBU_PROPERTIES"})

@@ -130,20 +130,20 @@ void addJson(CLI::App& app, Options& options) {
     CLI::App* command = app.add_subcommand("json", "Print the facts as one JSON document");
     command->add_flag("--pretty", options.pretty, "Lay the document out for a person");
     addRedact(*command, options);
-    command->callback([&options] { options.command = Command::Json; });
+    command->callback([&options] { options.command = Command::kJson; });
 }
 
 void addMetrics(CLI::App& app, Options& options) {
     CLI::App* command = app.add_subcommand("metrics", "Print metrics in the text format of Prometheus");
     addOutput(*command, options);
-    command->callback([&options] { options.command = Command::Metrics; });
+    command->callback([&options] { options.command = Command::kMetrics; });
 }
 
 void addHtml(CLI::App& app, Options& options) {
     CLI::App* command = app.add_subcommand("html", "Print one self-contained page for a browser");
     addOutput(*command, options);
     addRedact(*command, options);
-    command->callback([&options] { options.command = Command::Html; });
+    command->callback([&options] { options.command = Command::kHtml; });
 }
 
 void addCheck(CLI::App& app, Options& options) {
@@ -164,7 +164,7 @@ void addCheck(CLI::App& app, Options& options) {
             return text == "warning" || text == "critical" ? "" : "'" + text + "' is unknown; give warning or critical";
         });
     command->callback([&options] {
-        options.command = Command::Check;
+        options.command = Command::kCheck;
         const facts::Thresholds& limits = options.thresholds;
         if (limits.warnTemperature > limits.criticalTemperature)
             throw CLI::ValidationError("--warn-temperature " + std::to_string(limits.warnTemperature),
@@ -208,7 +208,7 @@ void addWait(CLI::App& app, Options& options, Seconds& longest) {
     addSeconds(*command, "--max", longest, 0, kLongestWait, "Give up after this time");
     addSeconds(*command, "--interval", options.interval, kShortest, kLongest, "Look this often (default 5)");
     command->callback([&options, &longest, command] {
-        options.command = Command::Wait;
+        options.command = Command::kWait;
         if (command->count("--max") != 0)
             options.longest = longest;
     });
@@ -219,7 +219,7 @@ void addWatch(CLI::App& app, Options& options) {
     addSeconds(*command, "--interval", options.interval, kShortest, kLongest, "Look this often (default 5)");
     CLI::Option* once = command->add_flag("--once", options.once, "Show it once");
     command->add_flag("--until-done", options.untilDone, "End when no work is left")->excludes(once);
-    command->callback([&options] { options.command = Command::Watch; });
+    command->callback([&options] { options.command = Command::kWatch; });
 }
 
 void addAll(CLI::App& app, Options& options, Seconds& longest) {
@@ -239,7 +239,7 @@ void addAll(CLI::App& app, Options& options, Seconds& longest) {
     addWatch(app, options);
     addHtml(app, options);
     app.add_subcommand("schema", "Print the JSON schema of the document of json")->callback([&options] {
-        options.command = Command::Schema;
+        options.command = Command::kSchema;
     });
 }
 

@@ -14,7 +14,7 @@ namespace zebstat {
 
 using Seconds = std::chrono::duration<double>;
 
-enum class Command { Json, Metrics, Check, Wait, Watch, Html, Schema };
+enum class Command { kJson, kMetrics, kCheck, kWait, kWatch, kHtml, kSchema };
 
 /// An LD of one controller, or of every chosen one.
 struct LdTarget {
@@ -23,7 +23,7 @@ struct LdTarget {
 };
 
 struct Options {
-    Command command = Command::Json;
+    Command command = Command::kJson;
     std::string controllers = "all"; ///< as typed: "0,2" or "all"
     Seconds timeout{60};
     bool pretty = false;

@@ -57,7 +57,7 @@ Gauge dialOf(std::string name, double value, int decimals, double most, const st
     return gauge;
 }
 
-std::string lookOf(const Word& status) {
+std::string lookOfStatus(const Word& status) {
     if (status == "ok")
         return "good";
     if (status == "critical" || status == "unrecoverable")
@@ -78,7 +78,7 @@ Gauge gaugeOf(const Sensor& sensor) {
     else if (sensor.volts)
         gauge = dialOf(name, *sensor.volts, 2, kMostVolts, "V");
     gauge.name = name;
-    gauge.look = lookOf(sensor.status);
+    gauge.look = lookOfStatus(sensor.status);
     gauge.status = wordText(sensor.status);
     return gauge;
 }

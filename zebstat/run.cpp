@@ -45,7 +45,7 @@ int tellAll(const Options& options, Write write) {
 } // namespace
 
 int untold(Command command, const std::string& reason) {
-    if (command == Command::Check)
+    if (command == Command::kCheck)
         writeOutput(unknownLine(reason));
     else
         complain(reason);

@@ -32,19 +32,19 @@ using namespace zebstat;
 
 int run(const Options& options) {
     switch (options.command) {
-    case Command::Json:
+    case Command::kJson:
         return runJson(options);
-    case Command::Metrics:
+    case Command::kMetrics:
         return runMetrics(options);
-    case Command::Check:
+    case Command::kCheck:
         return runCheck(options);
-    case Command::Wait:
+    case Command::kWait:
         return runWait(options);
-    case Command::Watch:
+    case Command::kWatch:
         return runWatch(options);
-    case Command::Html:
+    case Command::kHtml:
         return runHtml(options);
-    case Command::Schema:
+    case Command::kSchema:
         return runSchema();
     }
     return kUntold;
@@ -64,9 +64,9 @@ int main(int argc, char** argv) {
             writeOutput(unknownLine(reading.complaint));
         return kUntold;
     }
-    if (reading.options->command == Command::Check)
+    if (reading.options->command == Command::kCheck)
         std::set_new_handler(endCheckWithoutMemory);
-    if (reading.options->command != Command::Schema && geteuid() != 0)
+    if (reading.options->command != Command::kSchema && geteuid() != 0)
         return untold(reading.options->command, "only root can ask the controllers; run it as root");
     return run(*reading.options);
 }

@@ -14,7 +14,6 @@
 
 namespace {
 
-constexpr char kNone[] = "-";
 constexpr unsigned kErrInfoSize = 32;
 
 void printLd(Controller ctrl, unsigned char ldNo) {

@@ -31,6 +31,8 @@ void judgeText(const Inspection& inspection, const Cell& text, bool typed = fals
 void judgeTime(const Inspection& inspection, const Cell& time);
 /// The same, and within ten years of the controller's clock.
 void judgeNearClock(const Inspection& inspection, const Cell& time);
+/// The most of what is said in percent.
+inline constexpr std::uint64_t kPercent = 100;
 /// Not above the most that its unit or its table admits.
 void judgeAtMost(const Inspection& inspection, const Cell& number, std::uint64_t most);
 /// Both say the same of one thing. Where both are one kind of record, that says nothing of its own fields.

@@ -12,7 +12,6 @@ namespace {
 
 constexpr std::uint32_t kBadController = 0x800A;
 constexpr std::uint64_t kMostImages = 8;
-constexpr std::uint64_t kPercent = 100;
 
 /// Whether a request whose answer names its object named the one that was asked for; nothing without such an answer.
 struct Identities {
@@ -96,7 +95,7 @@ void judgeCounts(const Inspection& inspection, const Cell& info) {
         inspection.bounds("counts fit each other", info.at(part).value() <= disks.value(), {info.at(part), disks});
 }
 
-void judgeInformation(const Inspection& inspection, const Cell& info) {
+void judgeControllerInformation(const Inspection& inspection, const Cell& info) {
     for (const char* text : {"productName", "serialNo", "packageVersion"})
         judgeText(inspection, info.at(text));
     judgeImages(inspection, info, "imageComponentCount", "imageComponent");
@@ -180,7 +179,7 @@ void judgeLibrary(const Inspection& inspection) {
 
 void judgeController(const Inspection& inspection) {
     if (const Cell info = inspection.cell(kCtrlInfo); info.there())
-        judgeInformation(inspection, info);
+        judgeControllerInformation(inspection, info);
     if (const Cell properties = inspection.cell(kCtrlProp); properties.there())
         judgeProperties(inspection, properties);
     if (const Cell pci = inspection.cell(kPci); pci.there())

@@ -13,7 +13,7 @@ constexpr std::size_t kMostEnclosures = 32;
 constexpr std::uint64_t kAnyProgress =
     wire::kPdProgRebuild | wire::kPdProgPatrolRead | wire::kPdProgClear | wire::kPdProgCopyback;
 
-void judgeList(const Inspection& inspection, const Cell& list) {
+void judgeDriveList(const Inspection& inspection, const Cell& list) {
     const Cell count = list.at("count");
     judgeAtMost(inspection, count, wire::kMaxSlots);
     const std::size_t entries = std::min<std::uint64_t>(count.value(), wire::kMaxSlots);
@@ -55,13 +55,13 @@ void judgeEnclosure(const Inspection& inspection, const Cell& info) {
 }
 
 // A copyback reports in the rebuild's place.
-constexpr std::initializer_list<Work> kKindsOfWork = {{wire::kPdProgRebuild | wire::kPdProgCopyback, "rebuild"},
-                                                      {wire::kPdProgPatrolRead, "patrolRead"},
-                                                      {wire::kPdProgClear, "clear"}};
+constexpr std::initializer_list<Work> kKindsOfDriveWork = {{wire::kPdProgRebuild | wire::kPdProgCopyback, "rebuild"},
+                                                           {wire::kPdProgPatrolRead, "patrolRead"},
+                                                           {wire::kPdProgClear, "clear"}};
 
-void judgeProgress(const Inspection& inspection, const Cell& progress) {
+void judgeDriveProgress(const Inspection& inspection, const Cell& progress) {
     judgeAtMost(inspection, progress.at("active"), kAnyProgress);
-    judgeWork(inspection, progress, kKindsOfWork);
+    judgeWork(inspection, progress, kKindsOfDriveWork);
 }
 
 /// The information against what else is said of the same drive.
@@ -85,7 +85,7 @@ void judgeAgainstOthers(const Inspection& inspection, const Cell& info, std::uin
                   progress.at("active"));
 }
 
-void judgeInformation(const Inspection& inspection, const Cell& info, std::uint32_t deviceId) {
+void judgeDriveInformation(const Inspection& inspection, const Cell& info, std::uint32_t deviceId) {
     inspection.tells("the asked object answers", info.at("ref").at("deviceId").value() == deviceId,
                      {info.at("ref").at("deviceId")});
     for (const char* text : {"vendor", "product", "revision"})
@@ -105,21 +105,21 @@ void judgeInformation(const Inspection& inspection, const Cell& info, std::uint3
                      {info.at("coercedSize"), info.at("rawSize")});
     judgeEnclosure(inspection, info);
     judgeAgainstOthers(inspection, info, deviceId);
-    judgeProgress(inspection, info.at("progress"));
+    judgeDriveProgress(inspection, info.at("progress"));
     judgeElapsed(inspection, info.at("progress"), inspection.cell(kPdInfo, deviceId, true).at("progress"),
-                 kKindsOfWork);
+                 kKindsOfDriveWork);
 }
 
 } // namespace
 
 void judgeDrives(const Inspection& inspection) {
     if (const Cell list = inspection.cell(kPdList); list.there())
-        judgeList(inspection, list);
+        judgeDriveList(inspection, list);
     for (const std::uint32_t drive : inspection.survey.drives(inspection.ctrl)) {
         if (const Cell info = inspection.cell(kPdInfo, drive); info.there())
-            judgeInformation(inspection, info, drive);
+            judgeDriveInformation(inspection, info, drive);
         if (const Cell progress = inspection.cell(kPdProgress, drive); progress.there())
-            judgeProgress(inspection, progress);
+            judgeDriveProgress(inspection, progress);
     }
 }
 

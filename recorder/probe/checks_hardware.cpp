@@ -11,8 +11,6 @@ namespace zebprobe {
 
 namespace {
 
-constexpr std::uint64_t kPercent = 100;
-
 void judgeStatus(const Inspection& inspection, const Cell& status, const Cell& capacity) {
     constexpr std::uint64_t kLastType = 15;
     constexpr std::uint64_t kHottest = 150; // degrees Celsius

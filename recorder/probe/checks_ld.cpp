@@ -20,7 +20,7 @@ Cell configuredLd(const Inspection& inspection, std::uint32_t targetId) {
     return {};
 }
 
-void judgeList(const Inspection& inspection, const Cell& list) {
+void judgeLdList(const Inspection& inspection, const Cell& list) {
     const Cell count = list.at("count");
     judgeAtMost(inspection, count, wire::kMaxLds);
     const ConfigCells config = configOf(inspection.survey, inspection.ctrl);
@@ -44,13 +44,13 @@ void judgeList(const Inspection& inspection, const Cell& list) {
     }
 }
 
-constexpr std::initializer_list<Work> kKindsOfWork = {
+constexpr std::initializer_list<Work> kKindsOfLdWork = {
     {wire::kLdProgCheck, "cc"}, {wire::kLdProgBgi, "bgi"}, {wire::kLdProgInit, "init"}, {wire::kLdProgRecon, "recon"}};
 
-void judgeProgress(const Inspection& inspection, const Cell& progress) {
+void judgeLdProgress(const Inspection& inspection, const Cell& progress) {
     judgeAtMost(inspection, progress.at("active"),
                 wire::kLdProgCheck | wire::kLdProgBgi | wire::kLdProgInit | wire::kLdProgRecon);
-    judgeWork(inspection, progress, kKindsOfWork);
+    judgeWork(inspection, progress, kKindsOfLdWork);
 }
 
 /// What every LD's configuration must look like, wherever it stands.
@@ -134,7 +134,7 @@ void judgeMembers(const Inspection& inspection, const Cell& members, const Cell&
                                ld.at("span").entry(0).at("arrayRef")});
 }
 
-void judgeInformation(const Inspection& inspection, const Cell& info, std::uint32_t targetId) {
+void judgeLdInformation(const Inspection& inspection, const Cell& info, std::uint32_t targetId) {
     const Cell config = info.at("config");
     const Cell asked = config.at("properties").at("ref").at("targetId");
     inspection.tells("the asked object answers", asked.value() == targetId, {asked});
@@ -147,21 +147,21 @@ void judgeInformation(const Inspection& inspection, const Cell& info, std::uint3
         judgeMembers(inspection, members, config, all);
     judgeSame(inspection, "the properties say the same as the LD", config.at("properties"),
               inspection.cell(kLdProperties, targetId));
-    judgeProgress(inspection, info.at("progress"));
+    judgeLdProgress(inspection, info.at("progress"));
     judgeElapsed(inspection, info.at("progress"), inspection.cell(kLdInfo, targetId, true).at("progress"),
-                 kKindsOfWork);
+                 kKindsOfLdWork);
 }
 
 } // namespace
 
 void judgeLds(const Inspection& inspection) {
     if (const Cell list = inspection.cell(kLdList); list.there())
-        judgeList(inspection, list);
+        judgeLdList(inspection, list);
     for (const std::uint32_t ld : inspection.survey.lds(inspection.ctrl)) {
         if (const Cell info = inspection.cell(kLdInfo, ld); info.there())
-            judgeInformation(inspection, info, ld);
+            judgeLdInformation(inspection, info, ld);
         if (const Cell progress = inspection.cell(kLdProgress, ld); progress.there()) {
-            judgeProgress(inspection, progress);
+            judgeLdProgress(inspection, progress);
             judgeSame(inspection, "the work under way is the same", progress.at("active"),
                       inspection.cell(kLdInfo, ld).at("progress").at("active"));
         }

@@ -8,7 +8,7 @@ namespace {
 
 // LDs 0 and 1 share an array; drive 3 is lost from LD 2, whose check runs; LD 3 initializes. Drive 8 fits as a spare, 9
 // is a global and 10 a dedicated one, 11 is bad.
-constexpr char kScenario[] = R"({"controllers": [{"id": 3, "maxPds": 16, "cacheBackup": {},
+constexpr char kFreshScenario[] = R"({"controllers": [{"id": 3, "maxPds": 16, "cacheBackup": {},
     "drives": [{"repeat": 3}, {"state": "offline"}, {"repeat": 4}, {}, {}, {}, {"state": "bad"}],
     "arrays": [{"drives": [0, 1]}, {"drives": [2, 3]}, {"drives": [4, 5]}, {"drives": [6, 7]}],
     "lds": [{"name": "ZERO", "level": 1, "spans": [{"blocks": 1000000}], "cachePolicy": "0x13"},
@@ -16,7 +16,7 @@ constexpr char kScenario[] = R"({"controllers": [{"id": 3, "maxPds": 16, "cacheB
             {"level": 1, "spans": [{"array": 2}], "init": 50}, {"level": 1, "spans": [{"array": 3}], "check": 50}],
     "spares": [{"drive": 9}, {"drive": 10, "arrays": [0]}]}]})";
 
-constexpr char kCtrl[] = R"("type": 1, "cmd": 0)";
+constexpr char kCtrlAnswer[] = R"("type": 1, "cmd": 0)";
 constexpr char kProperties[] = R"("type": 1, "cmd": 1)";
 constexpr char kPd[] = R"("type": 2, "cmd": 0)";
 constexpr char kPatrolRead[] = R"("type": 1, "cmd": 15)";
@@ -67,14 +67,16 @@ const FreshValues kCases[] = {
      .record = kPd,
      .fields = {R"("fwState": 0)", R"("ddfType": 8)", R"("seqNo": 1)"}},
     {.args = "-pdhsp -rmv -nochk -pd[:10] -a0", .record = kPd, .fields = {R"("ddfType": 12)"}},
-    {.args = "-ctrlsetprop -hddcpybkenbl -a0", .record = kCtrl, .fields = {R"("rebuildRate": 77)", R"("onOff": 35)"}},
-    {.args = "-ctrlsetprop -pdfailenbl -a0", .record = kCtrl, .fields = {R"("onOff": 1)"}},
+    {.args = "-ctrlsetprop -hddcpybkenbl -a0",
+     .record = kCtrlAnswer,
+     .fields = {R"("rebuildRate": 77)", R"("onOff": 35)"}},
+    {.args = "-ctrlsetprop -pdfailenbl -a0", .record = kCtrlAnswer, .fields = {R"("onOff": 1)"}},
     {.args = "-ctrlsetprop -trh -a0",
-     .record = kCtrl,
+     .record = kCtrlAnswer,
      .fields = {R"("cacheFlushInterval": 77)", R"("alarmEnable": 7)", R"("disableAutoRebuild": 7)"},
      .decides = kProperties},
     {.args = "-ctrlautorbld -enbl -a0",
-     .record = kCtrl,
+     .record = kCtrlAnswer,
      .fields = {R"("rebuildRate": 77)", R"("patrolReadRate": 77)", R"("bgiRate": 77)", R"("ccRate": 77)",
                 R"("reconRate": 77)", R"("cacheFlushInterval": 77)", R"("alarmEnable": 7)", R"("onOff": 35)"},
      .decides = kProperties},
@@ -93,13 +95,13 @@ class FreshValuesTest : public OperationTest, public testing::WithParamInterface
   protected:
     /// What the operator sees and what the library gets.
     std::string outcome(const std::string& faults) {
-        auto options = optionsFor(kScenario, GetParam().args);
+        auto options = optionsFor(kFreshScenario, GetParam().args);
         options.input = Input::kPipe;
         options.inputText = GetParam().input;
         options.env["ZEBSIM_FAULTS"] = "[" + faults + "]";
         const auto result = box.run(options);
         EXPECT_EQ(0, result.exitStatus) << result;
-        return result.out + requestsAfterSnapshot(kScenario, result.trace);
+        return result.out + requestsAfterSnapshot(kFreshScenario, result.trace);
     }
 };
 

@@ -32,8 +32,8 @@ const std::string kPdList = R"("type":1,"cmd":4)";
 const std::string kLdList = R"("type":1,"cmd":13)";
 const std::string kConfig = R"("type":4,"cmd":0)";
 const std::string kArray = R"("type":4,"cmd":8)";
-const std::string kPd = R"("type":2,"cmd":0)";
-const std::string kLd = R"("type":3,"cmd":0)";
+const std::string kPdAnswer = R"("type":2,"cmd":0)";
+const std::string kLdAnswer = R"("type":3,"cmd":0)";
 const std::string kInfo = R"("type":1,"cmd":0)";
 const std::string kEnclosures = R"("type":1,"cmd":5)";
 const std::string kElements = R"("type":8,"cmd":5)";
@@ -79,18 +79,18 @@ const Lie kGroupLies[] = {
 
 /// Of drives and LDs.
 const Lie kDriveLies[] = {
-    {"255 paths", kPd, patch({{ZEB_AT(_MR_PD_INFO, pathCount), 255}}), {"-ldpdprog", "-ldpdinfo -aAll"}},
-    {"PD of ones", kPd, R"("fill":255)"},
+    {"255 paths", kPdAnswer, patch({{ZEB_AT(_MR_PD_INFO, pathCount), 255}}), {"-ldpdprog", "-ldpdinfo -aAll"}},
+    {"PD of ones", kPdAnswer, R"("fill":255)"},
     {"copyback partner unknown",
-     kPd,
+     kPdAnswer,
      patch({{ZEB_AT(_MR_PD_INFO, copybackPartner), 0x3412}}),
      {"-ldpdprog", "-ldpdinfo -aAll"}},
-    {"255 spans", kLd, patch({{ZEB_AT(_MR_LD_INFO, config.spanDepth), 255}})},
-    {"spans on arrays 128 and 65535", kLd,
+    {"255 spans", kLdAnswer, patch({{ZEB_AT(_MR_LD_INFO, config.spanDepth), 255}})},
+    {"spans on arrays 128 and 65535", kLdAnswer,
      patch(
          {{ZEB_AT(_MR_LD_INFO, config.span[0].arrayRef), 128}, {ZEB_AT(_MR_LD_INFO, config.span[1].arrayRef), kOnes}})},
-    {"LD of ones", kLd, R"("fill":255)"},
-    {"LD of another number", kLd, patch({{ZEB_AT(_MR_LD_INFO, config.properties.ref.targetId), 255}})},
+    {"LD of ones", kLdAnswer, R"("fill":255)"},
+    {"LD of another number", kLdAnswer, patch({{ZEB_AT(_MR_LD_INFO, config.properties.ref.targetId), 255}})},
 };
 
 /// Of the controller and its enclosures.
@@ -120,14 +120,14 @@ const Lie kLoops[] = {
     {"the same LD twice", kLdList, patch({{ZEB_AT(_MR_LD_LIST, ld[1].targetId), 0}})},
     {"two arrays of the same number", kConfig, patch({{inArray(1, ZEB_AT(_MR_ARRAY, arrayRef)), 0}})},
     {"an array of one drive twice", kConfig, patch({{inArray(0, ZEB_AT(_MR_ARRAY, pd[1].ref.deviceId)), 8}})},
-    {"eight spans on one array", kLd,
+    {"eight spans on one array", kLdAnswer,
      patch({{ZEB_AT(_MR_LD_INFO, config.spanDepth), 8}, {ZEB_AT(_MR_LD_INFO, config.span[1].arrayRef), 0}})},
     {"groups that hold each other's LDs", kArray,
      R"("nth":1,)" + patch({{ZEB_AT(_SL_ARRAY_INFO_T, ldCount), 3},
                             {ZEB_AT(_SL_ARRAY_INFO_T, ldTargetId[0]), 1},
                             {ZEB_AT(_SL_ARRAY_INFO_T, ldTargetId[1]), 0},
                             {ZEB_AT(_SL_ARRAY_INFO_T, ldTargetId[2]), 1}})},
-    {"a copyback partner of itself", kPd,
+    {"a copyback partner of itself", kPdAnswer,
      patch({{ZEB_AT(_MR_PD_INFO, fwState), kPdCopyback}, {ZEB_AT(_MR_PD_INFO, copybackPartner), 8}})},
 };
 
@@ -140,7 +140,7 @@ const Lie kEverything[] = {
 };
 
 /// Two controllers with something of everything.
-constexpr char kScenario[] = R"({"controllers":[
+constexpr char kProgressScenario[] = R"({"controllers":[
     {"enclosures":[{"slots":8,"temperatures":[{},{"celsius":40}],"fans":[{"rpm":1000}],"powerSupplies":[{}],
         "voltages":[{"hundredths":500}]}],"connectors":[{"location":"external","name":"Port 0 - 3"}],"cacheBackup":{},
         "images":[{"name":"APP","version":"1.2"},{"name":"BIOS","version":"3"}],
@@ -157,7 +157,7 @@ TEST_P(HostileAnswers, EveryReportSurvives) {
     const Lie& lie = GetParam();
     for (const char* report : kReports) {
         SCOPED_TRACE(report);
-        auto options = optionsFor(kScenario, report);
+        auto options = optionsFor(kProgressScenario, report);
         const auto honest = lie.unchanged.contains(report) ? box.run(options) : RunResult{};
         options.env["ZEBSIM_FAULTS"] = lie.fault();
         const auto result = box.run(options);
@@ -186,7 +186,7 @@ INSTANTIATE_TEST_SUITE_P(Everything, HostileAnswers, testing::ValuesIn(kEverythi
 using HostileSizes = OperationTest;
 
 TEST_F(HostileSizes, SnapshotOf4GigabytesIsReadUpToOneMegabyte) {
-    auto options = optionsFor(kScenario, "-ldpdprog");
+    auto options = optionsFor(kProgressScenario, "-ldpdprog");
     options.env["ZEBSIM_FAULTS"] =
         R"([{"type":6,"cmd":3,"opcode":"0x030F0800","nth":1,"patch":[{"offset":0,"hex":"ffffffff"}]}])"; // the size
     const auto result = box.run(options);
@@ -197,11 +197,11 @@ TEST_F(HostileSizes, SnapshotOf4GigabytesIsReadUpToOneMegabyte) {
     EXPECT_THAT(sizes, testing::ElementsAre(4, 0x100000, 4, testing::_));
     EXPECT_THAT(LogFile(box.log()).messages(),
                 testing::Contains("!ERR func=UpdateDriveInfo: size 4294967295 is not believed, contNo=0, ldNo=0"));
-    EXPECT_EQ(box.run(optionsFor(kScenario, "-ldpdprog")).out, result.out);
+    EXPECT_EQ(box.run(optionsFor(kProgressScenario, "-ldpdprog")).out, result.out);
 }
 
 TEST_F(HostileSizes, ConfigurationOf4GigabytesIsNotRead) {
-    auto options = optionsFor(kScenario, "-ldpdprog");
+    auto options = optionsFor(kProgressScenario, "-ldpdprog");
     options.env["ZEBSIM_FAULTS"] = R"([{"type":4,"cmd":0,"nth":1,"patch":[{"offset":0,"hex":"ffffffff"}]}])";
     EXPECT_EQ(255, box.run(options).exitStatus);
     EXPECT_THAT(LogFile(box.log()).messages(),

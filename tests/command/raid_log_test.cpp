@@ -12,7 +12,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr char kFailed[] = "Error - The Collection of the RAID log Failed.\n";
-constexpr char kQuestion[] = "Information - RAID log already exists.\nDoes it overwrite?(Y/N)?\n";
+constexpr char kOverwriteQuestion[] = "Information - RAID log already exists.\nDoes it overwrite?(Y/N)?\n";
 constexpr char kSucceeded[] = "Information - The Collection of the RAID log succeeded.\n"
                               "  /opt/quorvel/zeb/log2/log_FlashROMLog.log\n"
                               "  /opt/quorvel/zeb/log2/log_UART.log\n"
@@ -118,14 +118,14 @@ TEST_F(RaidLog, PresentFilesAreOverwrittenOnlyAfterYes) {
     for (const char* present : {"log_FlashROMLog.log", "log_UART.log", "log_AdapterInfo.log"}) {
         fs::remove_all(folder());
         writeFile(folder() / present, "old");
-        EXPECT_EQ(kQuestion, collect("-log", "N\n").out) << present;
+        EXPECT_EQ(kOverwriteQuestion, collect("-log", "N\n").out) << present;
         EXPECT_EQ("", calls());
         EXPECT_EQ("old", collected(present));
-        EXPECT_EQ(std::string(kQuestion) + kSucceeded, collect("-log", "y\n").out);
+        EXPECT_EQ(std::string(kOverwriteQuestion) + kSucceeded, collect("-log", "y\n").out);
         EXPECT_EQ(callsOf("MegaCli64"), calls());
         EXPECT_NE("old", collected(present));
     }
-    EXPECT_EQ(std::string(kQuestion) + kQuestion + kSucceeded, collect("-log", "yes\nY\n").out)
+    EXPECT_EQ(std::string(kOverwriteQuestion) + kOverwriteQuestion + kSucceeded, collect("-log", "yes\nY\n").out)
         << "three files, one question at a time";
 }
 

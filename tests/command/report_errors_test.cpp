@@ -9,13 +9,14 @@
 namespace zebtest {
 namespace {
 
-constexpr char kBuiltIn[] = "";
+constexpr char kBuiltInHardware[] = "";
 
 using ReportErrors = OperationTest;
 
 TEST_F(ReportErrors, DriveOptionSelectsBySlotInOrder) {
     const auto headings = [this](const std::string& args) {
-        return masked(box.run(optionsFor(kBuiltIn, args)).out, {{"\\n(?!PD[0-9]|RAID)[^\n]*", ""}, {"\\([^\n]*", ""}});
+        return masked(box.run(optionsFor(kBuiltInHardware, args)).out,
+                      {{"\\n(?!PD[0-9]|RAID)[^\n]*", ""}, {"\\([^\n]*", ""}});
     };
     EXPECT_EQ("RAID Controller: 0\r\nPD0\nPD13", headings("-pdinfo -pd[7:13,:256] -a0"));
     EXPECT_EQ("RAID Controller: 0\r\nPD2", headings("-pdinfo -a1 -pd[252:2]"));

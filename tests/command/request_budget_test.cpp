@@ -73,7 +73,7 @@ const Budget kBudgets[] = {
 };
 
 /// "01/05 ctrl=2 ref=00000000 size=4616"; of a controller command also its opcode, of a SCSI command its first bytes.
-std::string requestLine(const TracedRequest& request) {
+std::string keptLine(const TracedRequest& request) {
     const auto& header = request.header;
     char text[96];
     std::snprintf(text, sizeof text, " ctrl=%u ref=%08x size=%u", header.ctrlId, header.ref.all, header.dataSize);
@@ -103,7 +103,7 @@ TEST_P(RequestBudget, IsKept) {
     ASSERT_EQ(result.exitStatus, 0) << result;
     std::string text = budget.args + std::string(*budget.input != '\0' ? " <answers" : "") + "\n";
     for (const auto& request : parseTrace(result.trace))
-        text += requestLine(request);
+        text += keptLine(request);
     EXPECT_TRUE(matchesKept(std::string("requests/") + budget.name + ".txt", text));
 }
 

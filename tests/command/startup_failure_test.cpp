@@ -9,7 +9,7 @@
 namespace zebtest {
 namespace {
 
-constexpr char kScenario[] = R"({"controllers":[
+constexpr char kStartScenario[] = R"({"controllers":[
     {"id":4,"enclosures":[{"slots":8}],"drives":[{"repeat":2}],"arrays":[{"drives":[0,1]}],"lds":[
         {"level":1,"spans":[{"blocks":2097152}],"snapshotSource":true},
         {"id":1,"level":1,"spans":[{"startBlock":2097152}],"repository":true}]},
@@ -83,7 +83,7 @@ class StartUpFailure : public OperationTest {
   protected:
     RunResult runWithFault(const std::string& fault) {
         std::filesystem::remove(box.log());
-        auto options = optionsFor(kScenario, "-help");
+        auto options = optionsFor(kStartScenario, "-help");
         options.env["ZEBSIM_FAULTS"] = fault;
         return box.run(options);
     }

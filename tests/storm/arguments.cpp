@@ -17,10 +17,6 @@ struct View {
     const Controller* ctrl = nullptr; ///< null when there is none
 };
 
-std::string number(std::size_t value) {
-    return std::to_string(value);
-}
-
 template <class T>
 std::string joined(const std::vector<T>& items) {
     std::string text;
@@ -42,7 +38,7 @@ std::string controllerWord(View& view) {
         return view.random.oneOf(kOdd);
     }
     default:
-        return "-a" + number(view.contNo);
+        return "-a" + std::to_string(view.contNo);
     }
 }
 
@@ -57,13 +53,13 @@ std::string ldWord(View& view) {
     std::vector<std::string> ids;
     for (const LogicalDrive& ld : view.ctrl == nullptr ? std::vector<LogicalDrive>{} : view.ctrl->lds)
         if (view.random.percent(40))
-            ids.push_back(number(ld.id));
-    return "-L" + (ids.empty() ? number(view.random.below(4)) : joined(ids));
+            ids.push_back(std::to_string(ld.id));
+    return "-L" + (ids.empty() ? std::to_string(view.random.below(4)) : joined(ids));
 }
 
 std::string place(View& view, const Drive& drive) {
     const bool named = drive.enclosureId != kNoDevice && view.random.percent(70);
-    return (named ? number(drive.enclosureId) : "") + ":" + number(drive.slot);
+    return (named ? std::to_string(drive.enclosureId) : "") + ":" + std::to_string(drive.slot);
 }
 
 /// "[252:1,:2]" of drives that the wish holds for; of any when there are too few or now and then.
@@ -241,8 +237,8 @@ std::vector<std::string> creationWords(View& view) {
         for (std::size_t span = 0; span < count; ++span) {
             const std::size_t first = drives.find(',');
             const std::size_t cut = first == std::string::npos ? first : drives.find(',', first + 1);
-            words.push_back("-array" + number(random.percent(97) ? span : random.below(12)) + drives.substr(0, cut) +
-                            (cut == std::string::npos ? "" : "]"));
+            words.push_back("-array" + std::to_string(random.percent(97) ? span : random.below(12)) +
+                            drives.substr(0, cut) + (cut == std::string::npos ? "" : "]"));
             if (cut == std::string::npos)
                 break;
             drives = "[" + drives.substr(cut + 1);
@@ -278,19 +274,19 @@ std::string answers(View& view, const std::string& word) {
     Random& random = view.random;
     std::vector<std::string> lines;
     if ((word == "lddel" || word == "lde") && view.controllers.size() > 1)
-        lines.push_back(number(view.contNo));
+        lines.push_back(std::to_string(view.contNo));
     if (word == "lddel") {
         std::vector<std::string> ids;
         for (const LogicalDrive& ld : view.ctrl == nullptr ? std::vector<LogicalDrive>{} : view.ctrl->lds)
             if (random.percent(35))
-                ids.push_back(number(ld.id));
+                ids.push_back(std::to_string(ld.id));
         lines.push_back(ids.empty() ? "0" : joined(ids));
     }
     if (word == "lde")
         for (std::size_t menus = random.between(1, 4); menus > 0; --menus)
-            lines.push_back(number(random.between(1, random.percent(60) ? 2 : 9)));
+            lines.push_back(std::to_string(random.between(1, random.percent(60) ? 2 : 9)));
     if (word == "pdhsp" && random.percent(70))
-        lines.push_back(number(random.below(4)));
+        lines.push_back(std::to_string(random.below(4)));
     constexpr const char* kReplies[] = {"y", "y", "y", "Y", "n"};
     for (int i = 0; i < 6; ++i)
         lines.emplace_back(random.oneOf(kReplies));

@@ -137,15 +137,15 @@ void cutLds(Random& random, Controller& ctrl, std::uint8_t level, const std::vec
 
 /// One RAID group of free drives that go together; nothing when there are too few.
 void addGroup(Random& random, Controller& ctrl) {
-    struct Shape {
+    struct GroupShape {
         std::uint8_t level;
         std::size_t least;
         std::size_t most;
         std::size_t spans;
     };
-    static constexpr Shape kShapes[] = {{0, 1, 4, 1}, {1, 2, 2, 1},  {5, 3, 6, 1}, {5, 3, 6, 1},
-                                        {6, 3, 6, 1}, {10, 2, 2, 2}, {10, 2, 2, 3}};
-    const Shape& shape = random.oneOf(kShapes);
+    static constexpr GroupShape kGroupShapes[] = {{0, 1, 4, 1}, {1, 2, 2, 1},  {5, 3, 6, 1}, {5, 3, 6, 1},
+                                                  {6, 3, 6, 1}, {10, 2, 2, 2}, {10, 2, 2, 3}};
+    const GroupShape& shape = random.oneOf(kGroupShapes);
     auto drives = freeDrives(ctrl, random.oneOf(ctrl.drives));
     const std::size_t width = random.between(shape.least, shape.most);
     if (drives.size() < width * shape.spans || ctrl.arrays.size() + shape.spans > 16)

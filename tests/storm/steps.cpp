@@ -21,21 +21,17 @@ constexpr Code kChanges[] = {{1, 2},  {1, 16}, {1, 17}, {1, 18}, {2, 1}, {2, 2},
                              {2, 19}, {3, 2},  {3, 3},  {3, 6},  {3, 7}, {3, 9}, {3, 10}, {5, 3},  {6, 3}};
 constexpr const char* kStatuses[] = {"2", "4", "12", "50", "84", "103", "32777", "32789", "32796"};
 
-std::string number(std::size_t value) {
-    return std::to_string(value);
-}
-
 /// What happens to the hardware: a drive or an LD of it, sometimes one that is not there.
 std::string randomEvent(Random& random, const Model& model) {
     const Controller& ctrl = random.oneOf(model.controllers);
-    const std::string where = "{\"ctrl\": " + number(ctrl.id);
+    const std::string where = "{\"ctrl\": " + std::to_string(ctrl.id);
     if (random.percent(20)) {
         const std::size_t id = ctrl.lds.empty() || random.percent(10) ? random.below(64) : random.oneOf(ctrl.lds).id;
-        return where + ", \"ld\": " + number(id) + ", \"gone\": true}";
+        return where + ", \"ld\": " + std::to_string(id) + ", \"gone\": true}";
     }
     const std::size_t device =
         ctrl.drives.empty() || random.percent(5) ? random.between(8, 40) : random.oneOf(ctrl.drives).deviceId;
-    const std::string drive = where + ", \"drive\": {\"deviceId\": " + number(device) + "}, ";
+    const std::string drive = where + ", \"drive\": {\"deviceId\": " + std::to_string(device) + "}, ";
     constexpr const char* kStates[] = {"failed", "failed", "offline", "online", "good", "bad", "spare", "rebuild"};
     if (random.percent(20))
         return drive + "\"gone\": true}";
@@ -45,16 +41,16 @@ std::string randomEvent(Random& random, const Model& model) {
 std::string randomAction(Random& random, const Model& model) {
     switch (random.below(10)) {
     case 0:
-        return "\"truncate\": " + number(random.below(700));
+        return "\"truncate\": " + std::to_string(random.below(700));
     case 1:
-        return "\"random\": " + number(random.below(1000000));
+        return "\"random\": " + std::to_string(random.below(1000000));
     case 2:
-        return "\"fill\": " + number(random.percent(50) ? 255 : random.below(256));
+        return "\"fill\": " + std::to_string(random.percent(50) ? 255 : random.below(256));
     case 3: {
         char hex[8];
         std::snprintf(hex, sizeof hex, "%02x", static_cast<unsigned>(random.below(256)));
-        return "\"patch\": [{\"offset\": " + number(random.below(random.percent(50) ? 64 : 512)) + ", \"hex\": \"" +
-               hex + "\"}]";
+        return "\"patch\": [{\"offset\": " + std::to_string(random.below(random.percent(50) ? 64 : 512)) +
+               ", \"hex\": \"" + hex + "\"}]";
     }
     case 4:
         return "\"bumpSeq\": true";
@@ -68,15 +64,15 @@ std::string randomAction(Random& random, const Model& model) {
 
 std::string randomFault(Random& random, const Model& model) {
     if (random.percent(15)) // killed at any request
-        return "[{\"nth\": " + number(random.between(1, 60)) + ", \"kill\": \"" +
+        return "[{\"nth\": " + std::to_string(random.between(1, 60)) + ", \"kill\": \"" +
                (random.percent(50) ? "before" : "after") + "\"}]";
     const Code code = random.percent(50) ? random.oneOf(kReads) : random.oneOf(kChanges);
-    const std::string when = (random.percent(80) ? "\"nth\": " : "\"from\": ") + number(random.between(1, 4));
+    const std::string when = (random.percent(80) ? "\"nth\": " : "\"from\": ") + std::to_string(random.between(1, 4));
     std::string action = randomAction(random, model);
     if (random.percent(10)) // any request: the snapshot's as well as those of the last look
-        return "[{\"nth\": " + number(random.between(1, 120)) + ", " + action + "}]";
-    return "[{\"type\": " + number(static_cast<std::size_t>(code.type)) +
-           ", \"cmd\": " + number(static_cast<std::size_t>(code.cmd)) + ", " + when + ", " + action + "}]";
+        return "[{\"nth\": " + std::to_string(random.between(1, 120)) + ", " + action + "}]";
+    return "[{\"type\": " + std::to_string(static_cast<std::size_t>(code.type)) +
+           ", \"cmd\": " + std::to_string(static_cast<std::size_t>(code.cmd)) + ", " + when + ", " + action + "}]";
 }
 
 std::string quoted(const std::string& text) {
@@ -113,7 +109,7 @@ std::string lastAnswers() {
     for (int round = 0; round < 24; ++round) {
         text += "n\n";
         for (int choice = 0; choice < 24; ++choice)
-            text += number(static_cast<std::size_t>(choice)) + "\n";
+            text += std::to_string(static_cast<std::size_t>(choice)) + "\n";
     }
     for (int round = 0; round < 40; ++round)
         text += "n\nq\n";
@@ -122,7 +118,7 @@ std::string lastAnswers() {
 
 std::string Step::asCommand() const {
     if (kind == Kind::time)
-        return "# " + number(static_cast<std::size_t>(seconds)) + " seconds pass";
+        return "# " + std::to_string(static_cast<std::size_t>(seconds)) + " seconds pass";
     if (kind == Kind::event)
         return "# this happens: " + event;
     std::string line = faults.empty() ? "" : "ZEBSIM_FAULTS=" + quoted(faults) + " ";

@@ -13,11 +13,11 @@
 
 namespace zebtest {
 
+inline constexpr unsigned char kCont = 1; ///< the controller that is filled
+
 /// The snapshot of two controllers, of which the second is filled.
 class SnapshotModel {
   public:
-    static constexpr unsigned char kCont = 1;
-
     SnapshotModel() { EXPECT_EQ(1, AllocDriveInfo(conts_.data(), 2)); }
     ~SnapshotModel() { FreeDriveInfo(conts_.data(), 2); }
     SnapshotModel(const SnapshotModel&) = delete;

@@ -15,7 +15,6 @@
 namespace zebtest {
 namespace {
 
-constexpr unsigned char kCont = SnapshotModel::kCont;
 using Levels = std::vector<ZEB_RAID_LVL>;
 
 Levels levelsOf(const _configPat_T::Row& row) {

@@ -9,8 +9,6 @@
 namespace zebtest {
 namespace {
 
-constexpr unsigned char kCont = SnapshotModel::kCont;
-
 PlannedArray groupOf(ZEB_RAID_LVL level, std::uint16_t drives, std::uint8_t stripeSize = 7) {
     PlannedArray group{};
     group.level = level;

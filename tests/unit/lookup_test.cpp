@@ -11,7 +11,6 @@
 namespace zebtest {
 namespace {
 
-constexpr unsigned char kCont = SnapshotModel::kCont;
 using Slots = std::vector<int>;
 
 Slots slotsOf(unsigned char ldNo, const _AFCONT* conts) {

@@ -8,8 +8,6 @@
 namespace zebtest {
 namespace {
 
-constexpr unsigned char kCont = SnapshotModel::kCont;
-
 /// Arrays in another order than their references; LD 1 spans two of them, LDs 2 and 5 share one, one is CacheCade, one
 /// has no LD.
 struct UnitRaidGroups : testing::Test {

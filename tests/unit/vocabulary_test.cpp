@@ -11,8 +11,6 @@
 namespace zebtest {
 namespace {
 
-constexpr unsigned char kCont = SnapshotModel::kCont;
-
 TEST(UnitVocabulary, WordsForCodes) {
     const std::pair<unsigned short, const char*> states[] = {{0x18, "ONLINE"},   {0x40, "UNKNOWN"},
                                                              {0x03, "UNKNOWN"},  {0x20, "COPYBACK"},

@@ -25,8 +25,8 @@ View of(const char* name, std::size_t room, Count Record::*count, Look look) {
             }};
 }
 
-constexpr auto kEntries = [](const auto& record) { return entriesOf(record); };
-constexpr auto kDrives = [](const auto& record) { return drivesOf(record); };
+constexpr auto kEntriesOf = [](const auto& record) { return entriesOf(record); };
+constexpr auto kDrivesOf = [](const auto& record) { return drivesOf(record); };
 
 /// A configuration with room for this many of each of its three sections, one of which is told to hold `told`.
 template <class Look>
@@ -46,18 +46,18 @@ TEST(Views, CutEveryCountToTheRoomOfItsTable) {
     const View views[] = {
         of("controllers", 16, &_SL_CTRL_LIST_T::count, [](const auto& list) { return controllersOf(list); }),
         of("firmware images", 8, &_MR_CTRL_INFO::imageComponentCount, [](const auto& info) { return imagesOf(info); }),
-        of("OS mapping", 256, &_SL_LD_OS_MAP_T::count, kEntries),
-        of("PD list", 256, &_MR_PD_LIST::count, kEntries),
+        of("OS mapping", 256, &_SL_LD_OS_MAP_T::count, kEntriesOf),
+        of("PD list", 256, &_MR_PD_LIST::count, kEntriesOf),
         of("PD list to sort", 256, &_MR_PD_LIST::count, [](auto& list) { return entriesOf(list); }),
-        of("LD list", 64, &_MR_LD_LIST::count, kEntries),
+        of("LD list", 64, &_MR_LD_LIST::count, kEntriesOf),
         of("LD list to sort", 64, &_MR_LD_LIST::count, [](auto& list) { return entriesOf(list); }),
-        of("enclosure list", 32, &_MR_ENCL_LIST::count, kEntries),
-        of("SAS connectors", 8, &_MR_SAS_CONNECTORS::count, kEntries),
+        of("enclosure list", 32, &_MR_ENCL_LIST::count, kEntriesOf),
+        of("SAS connectors", 8, &_MR_SAS_CONNECTORS::count, kEntriesOf),
         of("SAS addresses", 4, &_MR_PD_INFO::pathCount, [](const auto& pd) { return sasAddressesOf(pd); }),
         of("drives of an LD", 256, &_SL_PD_IN_LD_T::count, [](const auto& drives) { return deviceIdsOf(drives); }),
         of("spans", 8, &_MR_LD_CONFIG::spanDepth, [](const auto& ld) { return spansOf(ld); }),
-        of("drives of an array", 32, &_MR_ARRAY::numDrives, kDrives),
-        of("drives of a RAID group record", 32, &_SL_ARRAY_INFO_T::pdCount, kDrives),
+        of("drives of an array", 32, &_MR_ARRAY::numDrives, kDrivesOf),
+        of("drives of a RAID group record", 32, &_SL_ARRAY_INFO_T::pdCount, kDrivesOf),
         of("LDs of a RAID group record", 64, &_SL_ARRAY_INFO_T::ldCount, [](const auto& rg) { return ldsOf(rg); }),
         of("free segments", 127, &_SL_ARRAY_INFO_T::freeCount, [](const auto& rg) { return freeSegmentsOf(rg); }),
         of("arrays of a spare", 16, &_MR_SPARE::arrayCount, [](const auto& spare) { return arrayRefsOf(spare); }),

@@ -12,8 +12,6 @@
 
 namespace {
 
-constexpr std::uint8_t kNoInitialization = 0;
-constexpr std::uint8_t kQuickInitialization = 1;
 constexpr unsigned kSsd = 1;
 
 /// One controller's checks.

@@ -14,8 +14,6 @@
 
 namespace {
 
-constexpr char kNone[] = "-";
-
 using ColumnText = char[kTextSize];
 
 bool isUnconfigured(unsigned char slotNo) {

@@ -25,7 +25,6 @@
 namespace {
 
 constexpr Speaker kHandler{kLdSource, "CliCmdExecCfgLDEasyMakeAdd"};
-constexpr std::uint8_t kQuickInitialization = 1;
 
 /// Keeps the usable drives as the unconfigured ones, shows the table of all drives, and says why a drive that looks
 /// unconfigured is not used.

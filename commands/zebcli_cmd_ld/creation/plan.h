@@ -15,6 +15,10 @@
 using LdSizes = BoundedList<std::uint32_t, kMaxLds>;
 using LdNumbers = BoundedList<std::uint8_t, kMaxLds>;
 
+/// The initialization that new LDs get.
+inline constexpr std::uint8_t kNoInitialization = 0;
+inline constexpr std::uint8_t kQuickInitialization = 1;
+
 struct CreationPlan {
     Controller ctrl;
     _SL_CREATE_LD_INFO_T info;

@@ -3,13 +3,13 @@
 #include "main/zebcli_cmd_com/base/string_shims.h"
 #include "main/zebcli_cmd_com/model/lookup.h"
 #include "main/zebcli_cmd_com/model/raid_groups.h"
+#include "main/zebcli_cmd_com/text/vocabulary.h"
 
 #include <algorithm>
 #include <array>
 
 namespace {
 
-constexpr char kNone[] = "-";
 constexpr unsigned kRgNameSize = 16;
 
 const _MR_SPARE* spareOf(const _AFCONT& cont, std::uint16_t deviceId) {

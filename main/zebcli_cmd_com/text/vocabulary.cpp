@@ -10,7 +10,6 @@
 namespace {
 
 constexpr char kUnknown[] = "UNKNOWN";
-constexpr char kNone[] = "-";
 constexpr unsigned kProgressFull = 65535;
 
 struct StateWord {

@@ -11,6 +11,9 @@
 /// Room for any text of this family, the longest list of LDs or groups included.
 inline constexpr unsigned kTextSize = 1024;
 
+/// What stands where there is nothing to name.
+inline constexpr char kNone[] = "-";
+
 /// The word for a small code, what is said otherwise for one beyond the table.
 const char* wordOf(std::span<const char* const> words, unsigned code, const char* otherwise);
 

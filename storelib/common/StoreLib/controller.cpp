@@ -112,8 +112,8 @@ std::uint32_t SLSetMFCDefaults(unsigned char contNo, _MR_MFC_DEFAULTS* defaults)
 }
 
 std::uint32_t SLGetOSDriveName(unsigned char contNo, int ldNo, char (&name)[kOsDriveNameSize]) {
-    constexpr char kNone[] = "NULL";
-    std::memcpy(name, kNone, sizeof kNone);
+    constexpr char kNullName[] = "NULL";
+    std::memcpy(name, kNullName, sizeof kNullName);
     HeapRecord<_SL_LD_OS_MAP_T> map;
     if (const std::uint32_t status = readLdOsMap(__func__, contNo, map); status != kSlSuccess)
         return status;

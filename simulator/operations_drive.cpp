@@ -129,8 +129,8 @@ std::uint32_t makeDedicatedSpare(Call& call, Drive& drive) {
     if (status != kSuccess)
         return status;
     const auto wanted = received<_SL_DEDICATED_SPARE_T>(call);
-    constexpr unsigned kMostArrays = 16;
-    if (wanted.arrayCount == 0 || wanted.arrayCount > kMostArrays)
+    constexpr unsigned kMostServed = 16;
+    if (wanted.arrayCount == 0 || wanted.arrayCount > kMostServed)
         return kInvalidParameter;
     std::vector<std::uint16_t> arrays;
     for (unsigned i = 0; i < wanted.arrayCount; ++i) {

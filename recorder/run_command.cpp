@@ -16,9 +16,10 @@ volatile pid_t theCommand = 0;
 struct sigaction childrenBefore {};
 
 void handOn(int number, siginfo_t* info, void* /*context*/) {
-    // What is typed reaches the command by itself.
+    // What is typed reaches the command by itself, and what it sends to its own group.
     const bool typed = info->si_code > 0 && (number == SIGINT || number == SIGQUIT);
-    if (theCommand > 0 && !typed)
+    const bool itsOwn = info->si_code <= 0 && info->si_pid == theCommand;
+    if (theCommand > 0 && !typed && !itsOwn)
         ::kill(theCommand, number);
 }
 

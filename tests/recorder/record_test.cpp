@@ -140,6 +140,7 @@ TEST_F(Record, EveryReportOfALargeServerStaysSmall) {
 }
 
 TEST_F(Record, EndsWithTheStatusOfTheCommand) {
+    useRelease();
     const auto statusOf = [&](const std::string& script) {
         fs::remove(recording());
         RunOptions options = tool("built_in", {""});
@@ -149,6 +150,10 @@ TEST_F(Record, EndsWithTheStatusOfTheCommand) {
     };
     EXPECT_EQ(statusOf("exit 42"), 42);
     EXPECT_EQ(statusOf("kill -TERM $$"), 128 + SIGTERM);
+    // What the command sends to its whole group comes to it but once.
+    EXPECT_EQ(statusOf("n=0; trap 'n=$((n+1))' USR1; for i in 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 19 20; do "
+                       "kill -USR1 0; sleep 0.01; done; exit $n"),
+              20);
 
     // A caller that does not want to know how its children end.
     RunOptions options = tool("built_in", {""});

@@ -129,8 +129,9 @@ Json logicalDriveOf(const LogicalDrive& ld) {
     putWord(object, "disk_cache", word(&Info::diskCache));
     putWord(object, "read_policy", word(&Info::readPolicy));
     putWord(object, "io_policy", word(&Info::ioPolicy));
-    Json& writePolicy = object["write_policy"] = nullptr;
+    object["write_policy"] = nullptr;
     if (info) {
+        Json& writePolicy = object["write_policy"];
         putWord(writePolicy, "default", info->defaultWritePolicy);
         putWord(writePolicy, "current", info->currentWritePolicy);
     }

@@ -129,6 +129,7 @@ lacks "$timer"
 has usr/lib/systemd/system/zebstat-metrics.timer
 mkdir -p -- "$root/${timer%/*}" "$root/$metrics"
 ln -s /usr/lib/systemd/system/zebstat-metrics.timer "$root/$timer"
+# shellcheck disable=SC2016  # for the shell in there to expand
 must 'the command of the service writes no metrics' sh -c 'LD_LIBRARY_PATH=/usr/lib/zebcli/simulator \
   $(sed -n s/^ExecStart=//p /usr/lib/systemd/system/zebstat-metrics.service) || [ $? -eq 2 ]'
 

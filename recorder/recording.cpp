@@ -19,7 +19,7 @@ using Kind = FlatObject::Value::Kind;
 using Outcome = FlatObject::Outcome;
 
 constexpr char kFormat[] = "zebrec";
-constexpr int kVersion = 1;
+constexpr int kFormatVersion = 1;
 constexpr std::size_t kMostBytes = 64U << 20U; ///< of one request's data
 
 /// A line that does not say what a line must say.
@@ -97,9 +97,9 @@ Head headOf(const FlatObject& object) {
     const auto* format = object.find("format", Kind::kText);
     if (format == nullptr || format->text != kFormat)
         throw Malformed{"this is no recording"};
-    if (const std::uint64_t version = numberOf(object, "version", kAnyNumber); version != kVersion)
+    if (const std::uint64_t version = numberOf(object, "version", kAnyNumber); version != kFormatVersion)
         throw Malformed{"a recording of version " + std::to_string(version) + ", this program reads version " +
-                        std::to_string(kVersion)};
+                        std::to_string(kFormatVersion)};
     return {textOf(object, "tool"), textOf(object, "library"), textOf(object, "time"), flagOf(object, "redacted")};
 }
 
@@ -183,7 +183,7 @@ std::optional<std::string> textOfFile(const std::string& path, std::string& reas
 
 std::string writeHead(const Head& head) {
     std::string text = std::string("{\"format\":\"") + kFormat + '"';
-    put(text, "version", kVersion);
+    put(text, "version", kFormatVersion);
     for (const auto& [key, value] : {std::pair("tool", &head.tool), {"library", &head.library}, {"time", &head.time}})
         text += std::string(",\"") + key + "\":" + quoted(*value);
     text += std::string(",\"redacted\":") + (head.redacted ? "true}" : "false}");

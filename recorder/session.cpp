@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::uint8_t kLibraryType = 0x00;
 constexpr std::uint8_t kInitialise = 0x00;
-constexpr std::uint8_t kVersion = 0x04;
+constexpr std::uint8_t kLibraryVersion = 0x04;
 constexpr std::uint8_t kExit = 0x09;
 
 } // namespace
@@ -70,7 +70,7 @@ void Session::learn(const Exchange& exchange) {
         std::memcpy(&list, data.data(), sizeof list);
         controllers_.learn(list);
     }
-    if (header[kCommandAt] == kVersion && data.size() >= sizeof(wire::_SL_LIB_VER_T) && page_ != nullptr &&
+    if (header[kCommandAt] == kLibraryVersion && data.size() >= sizeof(wire::_SL_LIB_VER_T) && page_ != nullptr &&
         !page_->versionKnown) {
         std::memcpy(page_->version, data.data(), sizeof(wire::_SL_LIB_VER_T));
         page_->versionKnown = true;

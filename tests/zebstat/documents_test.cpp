@@ -103,6 +103,17 @@ TEST_F(DocumentForm, IsAsKept) {
     }
 }
 
+/// Hardware that is arranged as no kept scenario has it: device ids against the slots, a mirror of four drives with
+/// room behind its LD.
+TEST_F(DocumentForm, TellsAnUnusualArrangement) {
+    const Json scenario = Json::parse(R"({"controllers": [{
+        "drives": [{"deviceId": 30}, {"deviceId": 29}, {"deviceId": 28}, {"deviceId": 27}],
+        "arrays": [{"drives": [0, 1, 2, 3]}],
+        "lds": [{"level": 1, "spans": [{"blocks": 2097152}]}]}]})");
+    const RunResult result = box.run(zebstatRunOn(box, scenario, "json"));
+    EXPECT_EQ(differences(Json::parse(result.out), expectedDocument(scenario)), "");
+}
+
 /// What a person reads of each finding.
 TEST_F(DocumentForm, FindingsAreSaidAsKept) {
     const std::pair<const char*, const char*> runs[] = {

@@ -109,7 +109,8 @@ TEST_F(DocumentForm, TellsAnUnusualArrangement) {
     const Json scenario = Json::parse(R"({"controllers": [{
         "drives": [{"deviceId": 30}, {"deviceId": 29}, {"deviceId": 28}, {"deviceId": 27}],
         "arrays": [{"drives": [0, 1, 2, 3]}],
-        "lds": [{"level": 1, "spans": [{"blocks": 2097152}]}]}]})");
+        "lds": [{"level": 1, "spans": [{"blocks": 2097152}],
+                 "name": "\u00ed\u00a0\u0080\u00e0\u0080\u0080\u00f4\u0090\u0080\u0080\u00f0\u008f\u00bf\u00bfA"}]}]})");
     const RunResult result = box.run(zebstatRunOn(box, scenario, "json"));
     EXPECT_EQ(differences(Json::parse(result.out), expectedDocument(scenario)), "");
 }

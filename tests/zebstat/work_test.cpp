@@ -100,6 +100,11 @@ TEST_F(Work, WaitLooksAtWhatItIsToldToOnly) {
         EXPECT_EQ(result.exitStatus, c.status) << c.line << result;
         EXPECT_EQ(result.err, c.status == 0 ? "" : "zebstat: time is up; still under way: PD1 rebuild\n");
     }
+    // A copyback concerns the LDs of the drive that it comes from.
+    const Json copying = mirror(
+        Json::array({Json::object(), Json{{"copybackPartner", 10}}, Json{{"copyback", 1}, {"copybackPartner", 9}}}));
+    EXPECT_EQ(box.run(runOn(copying, "wait --for-logical-drive 0 --max 0")).err,
+              "zebstat: time is up; still under way: PD2 copyback\n");
 }
 
 TEST_F(Work, WhatCouldNotBeReadCountsAsWork) {

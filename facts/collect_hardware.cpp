@@ -69,7 +69,7 @@ Sensor sensorOf(const SensorType& type, unsigned index, const _SL_ENCL_ELEMENT& 
         return sensor;
     const auto& value = element.value;
     if (type.element == kElemTemperature)
-        sensor.celsius = static_cast<std::int8_t>(value[0]); // it can freeze, but not be hotter than 127
+        sensor.celsius = value[0];
     else if (type.element == kElemFan)
         sensor.rpm = ((value[0] & 0x03) * 256 + value[1]) * 10;
     else if (type.element == kElemVoltage)

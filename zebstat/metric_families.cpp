@@ -59,10 +59,6 @@ void MetricFamilies::sample(const Labels& labels, std::uint64_t value) {
     add(labels, std::to_string(value));
 }
 
-void MetricFamilies::sample(const Labels& labels, std::int64_t value) {
-    add(labels, std::to_string(value));
-}
-
 void MetricFamilies::states(const Labels& labels, std::string_view label, std::span<const facts::WordRow> set,
                             std::string_view current) {
     bool unknownListed = false;

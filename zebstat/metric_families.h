@@ -25,13 +25,11 @@ class MetricFamilies {
 
     void sample(const Labels& labels, double value);
     void sample(const Labels& labels, std::uint64_t value);
-    void sample(const Labels& labels, std::int64_t value);
     /// No sample for a value that is not known.
     template <class T>
     void sample(const Labels& labels, const std::optional<T>& value) {
-        using Integer = std::conditional_t<std::is_signed_v<T>, std::int64_t, std::uint64_t>;
         if (value)
-            sample(labels, static_cast<std::conditional_t<std::is_floating_point_v<T>, double, Integer>>(*value));
+            sample(labels, static_cast<std::conditional_t<std::is_floating_point_v<T>, double, std::uint64_t>>(*value));
     }
     /// One sample for each word of the set, "unknown" included; 1 for the one in force.
     void states(const Labels& labels, std::string_view label, std::span<const facts::WordRow> set,

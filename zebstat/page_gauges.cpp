@@ -69,11 +69,9 @@ Gauge gaugeOf(const Sensor& sensor) {
     constexpr double kMostRpm = 10230; // the largest speed that a sensor can tell
     const std::string name = wordText(sensor.type) + " " + std::to_string(sensor.index);
     Gauge gauge;
-    if (sensor.celsius) {
+    if (sensor.celsius)
         gauge = dialOf(name, *sensor.celsius, 0, kMostCelsius, kCelsius);
-        if (*sensor.celsius < 0)
-            gauge.share = 0;
-    } else if (sensor.rpm)
+    else if (sensor.rpm)
         gauge = dialOf(name, *sensor.rpm, 0, kMostRpm, "rpm");
     else if (sensor.volts)
         gauge = dialOf(name, *sensor.volts, 2, kMostVolts, "V");

@@ -50,7 +50,7 @@ Json sensor(const char* type, std::size_t index, const Json& form, const char* u
     if (status < 1 || status > 4)
         return out;
     if (std::string(key) == "celsius")
-        out[key] = static_cast<std::int8_t>(value);
+        out[key] = value & 0xFF;
     else if (std::string(key) == "rpm")
         out[key] = value / 10 % 1024 * 10;
     else

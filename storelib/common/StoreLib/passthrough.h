@@ -31,7 +31,7 @@ std::uint32_t SCSISENSEPassthru(unsigned char contNo, unsigned char slotNo, unsi
 /// 1 when the drive lists the temperature log page (SPC-3, page 0x0D), else 0.
 std::uint32_t SLIsTempPageSupported(unsigned char contNo, unsigned char slotNo, int* supported);
 
-/// The drive's temperature, degrees Celsius; 0 stands for 0 and below (SPC-3).
+/// The drive's temperature, degrees Celsius.
 std::uint32_t SLGetPDTemperature(unsigned char contNo, unsigned char slotNo, unsigned char* temperature);
 
 /// The same pair for the drive with that device id: one request each. kSlScsiStatus when the drive refuses the page.

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
@@ -62,7 +63,7 @@ void Originals::number(std::uint64_t number) {
 std::string Originals::in(const std::string& text) const {
     std::string found;
     for (const std::string& original : found_)
-        if (text.find(original) != std::string::npos)
+        if (::memmem(text.data(), text.size(), original.data(), original.size()) != nullptr)
             found += visible(original) + " ";
     return found;
 }

@@ -2,11 +2,11 @@
 #include "recorder/request.h"
 
 #include "tests/support/paths.h"
+#include "tests/support/patterns.h"
 #include "tests/support/sandbox.h"
 
 #include <filesystem>
 #include <map>
-#include <regex>
 #include <set>
 
 #include <gtest/gtest.h>
@@ -22,9 +22,8 @@ using Codes = std::map<std::string, std::string>;
 
 /// Walks over the wrappers. A function's name is known from the line that begins it, a constant's from its own line.
 Codes codesOfWrappers(const std::string& pattern) {
-    const std::regex code(pattern);
-    const std::regex function(R"(^(?:std::uint32_t|int) (\w+)\()");
-    const std::regex constant(R"(constexpr [\w:]+ k(\w+)[{ =])");
+    const std::string function = R"(^(?:std::uint32_t|int) (\w+)\()";
+    const std::string constant = R"(constexpr [\w:]+ k(\w+)[{ =])";
     Codes codes;
     for (const auto& entry : fs::directory_iterator(fs::path(paths::sourceDir) / "storelib/common/StoreLib")) {
         if (entry.path().extension() != ".cpp")
@@ -32,22 +31,20 @@ Codes codesOfWrappers(const std::string& pattern) {
         std::string name;
         std::istringstream text(readFile(entry.path()));
         for (std::string line; std::getline(text, line);) {
-            std::smatch match;
-            if (std::regex_search(line, match, function))
+            for (const Match& match : matchesIn(line, function))
                 name = match[1];
             std::string here = name;
-            if (std::regex_search(line, match, constant))
+            for (const Match& match : matchesIn(line, constant))
                 here = match[1];
-            if (std::regex_search(line, match, code))
-                codes.emplace(match[1].str() + (match.size() > 2 ? "/" + match[2].str() : ""), here);
+            for (const Match& match : matchesIn(line, pattern))
+                codes.emplace(match[1] + (match.size() > 2 ? "/" + match[2] : ""), here);
         }
     }
     return codes;
 }
 
 bool readsByName(const std::string& name) {
-    static const std::regex reading("^(SL)?(Get|Read|Scan|Is|Check|Opcode|LogSense)");
-    return std::regex_search(name, reading);
+    return !matchesIn(name, "^(SL)?(Get|Read|Scan|Is|Check|Opcode|LogSense)").empty();
 }
 
 std::string hex(unsigned value, int width) {
@@ -94,9 +91,8 @@ TEST(RequestTable, KnowsEveryScsiCommandOfTheWrappers) {
         EXPECT_NE(zebrec::findScsi(static_cast<std::uint8_t>(std::stoul(code, nullptr, 16))), nullptr) << code;
     // A third command byte must come with a name of its own, and so into the test above.
     const std::string wrappers = readFile(fs::path(paths::sourceDir) / "storelib/common/StoreLib/passthrough.cpp");
-    const std::regex assignment(R"(cdb\[0\] = (\w+);)");
-    for (std::sregex_iterator at(wrappers.begin(), wrappers.end(), assignment); at != std::sregex_iterator(); ++at)
-        EXPECT_TRUE((*at)[1] == "kLogSense" || (*at)[1] == "kRead10") << (*at)[1];
+    for (const Match& assignment : matchesIn(wrappers, R"(cdb\[0\] = (\w+);)"))
+        EXPECT_TRUE(assignment[1] == "kLogSense" || assignment[1] == "kRead10") << assignment[1];
 }
 
 TEST(RequestTable, WhatItDoesNotKnowChanges) {

@@ -1,10 +1,10 @@
 #include "tests/storm/claims.h"
 
 #include <algorithm>
-#include <regex>
 #include <set>
 
 #include "simulator/scenario.h"
+#include "tests/support/patterns.h"
 
 namespace zebstorm {
 namespace {
@@ -59,14 +59,14 @@ LdNames ldsOf(const Model& model) {
 
 /// The LDs that lines like "Information - Controller[0] LD(Logical Drive) 5,6 has been created." name.
 LdNames ldsThatHaveBeen(const std::string& what, const std::string& printed) {
-    const std::regex line("Information - Controller\\[(\\d+)\\] LD\\(Logical Drive\\) ([\\d,]+) has been " + what +
-                          "\\.");
+    const std::string line =
+        "Information - Controller\\[(\\d+)\\] LD\\(Logical Drive\\) ([\\d,]+) has been " + what + "\\.";
     LdNames names;
-    for (std::sregex_iterator it(printed.begin(), printed.end(), line), end; it != end; ++it) {
-        std::string ids = (*it)[2];
+    for (const zebtest::Match& match : zebtest::matchesIn(printed, line)) {
+        const std::string& ids = match[2];
         for (std::size_t at = 0; at <= ids.size();) {
             const std::size_t comma = std::min(ids.find(',', at), ids.size());
-            names.insert((*it)[1].str() + ":" + ids.substr(at, comma - at));
+            names.insert(match[1] + ":" + ids.substr(at, comma - at));
             at = comma + 1;
         }
     }

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <regex>
 
 #include "tests/support/sandbox.h"
 
@@ -29,12 +28,6 @@ std::string shownLine(std::string_view text, std::size_t start) {
 }
 
 } // namespace
-
-std::string masked(std::string text, const std::vector<Mask>& masks) {
-    for (const auto& mask : masks)
-        text = std::regex_replace(text, std::regex(mask.pattern), mask.replacement);
-    return text;
-}
 
 std::string visible(std::string_view text) {
     std::string result;

@@ -4,18 +4,12 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include <gtest/gtest.h>
 
-namespace zebtest {
+#include "tests/support/patterns.h"
 
-/// Replaces what differs from run to run: every match of the ECMAScript regular expression.
-struct Mask {
-    std::string pattern;
-    std::string replacement;
-};
-std::string masked(std::string text, const std::vector<Mask>& masks);
+namespace zebtest {
 
 /// A text with its control and non-ASCII bytes made visible ("^M", "M-b"), each newline as "$" and a newline.
 std::string visible(std::string_view text);

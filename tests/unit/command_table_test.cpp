@@ -4,7 +4,6 @@
 
 #include <fstream>
 #include <map>
-#include <regex>
 #include <set>
 #include <sstream>
 #include <string>
@@ -12,6 +11,7 @@
 #include <gmock/gmock.h>
 
 #include "tests/support/paths.h"
+#include "tests/support/patterns.h"
 
 namespace zebtest {
 namespace {
@@ -27,10 +27,9 @@ std::string fileText(const std::string& name) {
 
 /// What matches in a text, its first group.
 std::vector<std::string> allOf(const std::string& text, const char* pattern) {
-    const std::regex regex(pattern);
     std::vector<std::string> found;
-    for (std::sregex_iterator match(text.begin(), text.end(), regex), end; match != end; ++match)
-        found.push_back(match->str(1));
+    for (const Match& match : matchesIn(text, pattern))
+        found.push_back(match[1]);
     return found;
 }
 
@@ -105,11 +104,9 @@ Words manPageHeads() {
 
 Commands completion() {
     Commands commands;
-    const std::string script = fileText("packaging/zebcli.bash");
-    const std::regex row("\n    \\[([a-z?]+)\\]='([^']*)'");
-    for (std::sregex_iterator match(script.begin(), script.end(), row), end; match != end; ++match) {
-        const auto words = allOf(match->str(2), "-?([A-Za-z]+)");
-        commands[match->str(1)] = Words(words.begin(), words.end());
+    for (const Match& row : matchesIn(fileText("packaging/zebcli.bash"), "\n    \\[([a-z?]+)\\]='([^']*)'")) {
+        const auto words = allOf(row[2], "-?([A-Za-z]+)");
+        commands[row[1]] = Words(words.begin(), words.end());
     }
     return commands;
 }

@@ -1,5 +1,6 @@
 #include "recorder/real_library.h"
 
+#include "recorder/load_error.h"
 #include "recorder/session_page.h"
 
 #include <array>
@@ -70,11 +71,11 @@ std::string whyNotLoadable(const std::string& path) {
     if (child == 0) {
         ::close(ends[0]);
         void* handle = ::dlopen(path.c_str(), RTLD_LAZY | RTLD_LOCAL);
-        const char* reason = handle == nullptr ? ::dlerror() : nullptr;
+        std::string_view reason = handle == nullptr ? loadError() : "";
         if (handle != nullptr && ::dlsym(handle, "ProcessLibCommand") == nullptr)
             reason = "it has no entry point ProcessLibCommand";
-        const bool said = reason == nullptr || ::write(ends[1], reason, std::strlen(reason)) > 0;
-        ::_exit(reason == nullptr && said ? 0 : 1);
+        const bool said = reason.empty() || ::write(ends[1], reason.data(), reason.size()) > 0;
+        ::_exit(reason.empty() && said ? 0 : 1);
     }
     ::close(ends[1]);
     std::array<char, 512> text{};

@@ -1,5 +1,7 @@
 #include "recorder/session.h"
 
+#include "recorder/load_error.h"
+
 #include <cerrno>
 #include <cstring>
 #include <dlfcn.h>
@@ -23,8 +25,7 @@ LoadedLibrary::LoadedLibrary(const char* path) {
         entry_ = reinterpret_cast<EntryPoint>(::dlsym(handle_, "ProcessLibCommand"));
     if (entry_ != nullptr)
         return;
-    const char* reason = path == nullptr ? "its path is not set" : ::dlerror();
-    failure_ = reason != nullptr ? reason : "no reason given";
+    failure_ = path == nullptr ? "its path is not set" : loadError();
 }
 
 LoadedLibrary::~LoadedLibrary() {

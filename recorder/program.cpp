@@ -11,9 +11,9 @@ int refuse(const std::string& program, const std::string& message) {
     return kCannotStart;
 }
 
-int runProgram(const char* program, int (*run)(int argc, char** argv), int argc, char** argv) {
+int runProgram(const char* program, const std::function<int()>& run) {
     try {
-        return run(argc, argv);
+        return run();
     } catch (const std::bad_alloc&) {
         std::fprintf(stderr, "%s: not enough memory\n", program);
     } catch (const std::exception& error) {

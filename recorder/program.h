@@ -15,8 +15,8 @@ inline constexpr int kCannotStart = 3;
 /// Says one line on standard error, with the program's name before it, and returns kCannotStart.
 int refuse(const std::string& program, const std::string& message);
 
-/// Runs what a program does. What is thrown ends it with one line and kCannotStart.
-int runProgram(const char* program, int (*run)(int argc, char** argv), int argc, char** argv);
+/// Runs what a program does, and returns its status. What is thrown ends it with one line and kCannotStart.
+int runProgram(const char* program, const std::function<int()>& run);
 
 /// Says what is to be said when the command has ended; its status stays the same when there is no memory for that.
 void sayAtEnd(const char* program, const std::function<void()>& say);

@@ -12,6 +12,8 @@ namespace zebrec {
 
 namespace {
 
+constexpr int kSignalled = 128; ///< added to the signal's number
+
 volatile pid_t theCommand = 0;
 struct sigaction childrenBefore {};
 
@@ -44,14 +46,6 @@ void takeOver(int number) {
     ::_exit(said == sizeof reason ? 127 : 126);
 }
 
-int waitFor(pid_t child) {
-    int status = 0;
-    while (::waitpid(child, &status, 0) != child)
-        if (errno != EINTR)
-            return kCannotStart;
-    return WIFSIGNALED(status) ? kSignalled + WTERMSIG(status) : WEXITSTATUS(status);
-}
-
 } // namespace
 
 void expectChildren() {
@@ -79,6 +73,14 @@ std::vector<std::string> environmentWith(const std::map<std::string, std::string
     for (const auto& [name, value] : further)
         all.push_back(std::string(name).append("=").append(value));
     return all;
+}
+
+int waitFor(pid_t child) {
+    int status = 0;
+    while (::waitpid(child, &status, 0) != child)
+        if (errno != EINTR)
+            return kCannotStart;
+    return WIFSIGNALED(status) ? kSignalled + WTERMSIG(status) : WEXITSTATUS(status);
 }
 
 std::optional<int> runCommand(const std::vector<std::string>& command, const std::map<std::string, std::string>& env) {

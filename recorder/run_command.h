@@ -7,6 +7,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <sys/types.h>
 #include <vector>
 
 namespace zebrec {
@@ -20,8 +21,9 @@ std::vector<char*> argvOf(const std::vector<std::string>& words);
 /// This program's environment with further variables.
 std::vector<std::string> environmentWith(const std::map<std::string, std::string>& further);
 
-/// Added to its number, the status of a command that a signal ended.
-inline constexpr int kSignalled = 128;
+/// Waits for a child and returns its status, 128 and the number when a signal ended it, or kCannotStart when it cannot
+/// be waited for.
+int waitFor(pid_t child);
 
 /// Runs the command with the further environment and waits for it. Signals of the terminal reach the command alone;
 /// those that a program sends are handed on. Returns its status, 128 and the number when a signal ended it, or nothing

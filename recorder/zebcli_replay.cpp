@@ -44,5 +44,5 @@ int run(int argc, char** argv) {
 } // namespace
 
 int main(int argc, char** argv) {
-    return zebrec::runProgram(kProgram, run, argc, argv);
+    return zebrec::runProgram(kProgram, [&] { return run(argc, argv); });
 }

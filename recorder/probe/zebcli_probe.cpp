@@ -7,8 +7,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <new>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace {
@@ -51,21 +49,11 @@ int probeInChild(const Start& start, const char* recording) {
     const pid_t child = ::fork();
     if (child < 0)
         return refuse(kProgram, std::string("no process: ") + std::strerror(errno));
-    if (child == 0) {
-        int status = kCannotStart;
-        try {
-            status = probe(start, recording);
-        } catch (const std::bad_alloc&) {
-            std::fprintf(stderr, "%s: not enough memory\n", kProgram);
-        }
-        std::exit(status);
-    }
-    int status = 0;
-    while (::waitpid(child, &status, 0) != child)
-        if (errno != EINTR)
-            return kCannotStart;
+    if (child == 0)
+        std::exit(runProgram(kProgram, [&] { return probe(start, recording); }));
+    const int status = waitFor(child);
     sayAtEnd(kProgram, [&] { sayHowItEnded(kProgram, *start.page); });
-    return WIFSIGNALED(status) ? kSignalled + WTERMSIG(status) : WEXITSTATUS(status);
+    return status;
 }
 
 int probe(const std::optional<std::string>& library, const std::optional<std::string>& path) {
@@ -99,5 +87,5 @@ int run(int argc, char** argv) {
 } // namespace
 
 int main(int argc, char** argv) {
-    return zebrec::runProgram(kProgram, run, argc, argv);
+    return zebrec::runProgram(kProgram, [&] { return run(argc, argv); });
 }

@@ -1,7 +1,8 @@
-// The recorder over a library that writes past its data, crashes, hangs or answers nonsense.
+// The recorder over a library that cannot be loaded, writes past its data, crashes, hangs or answers nonsense.
 #include "tests/recorder/recorded.h"
 
 #include "recorder/recording.h"
+#include "recorder/session.h"
 #include "storelib/records/physical_drive.h"
 #include "tests/support/paths.h"
 
@@ -30,6 +31,11 @@ class RoughLibrary : public RecorderTest {
         return recorded.value_or(zebrec::Recording{});
     }
 };
+
+// Without memory the C library's own reason can be rubbish.
+TEST(LoadError, IsOneLine) {
+    EXPECT_EQ(zebrec::LoadedLibrary("/nowhere\n\x01/libstorelib.so").failure(), "/nowhere");
+}
 
 TEST_F(RoughLibrary, AWriteBehindTheDataIsNotedAndHarmsNobody) {
     const RunResult result = run("past");

@@ -3,7 +3,6 @@
 #include "tests/recorder/recorded.h"
 
 #include "recorder/recording.h"
-#include "recorder/session.h"
 #include "tests/support/expected.h"
 #include "tests/support/paths.h"
 
@@ -148,11 +147,6 @@ TEST_P(RecorderCallSweep, NoFailureEndsARunBySignal) {
         }
         EXPECT_GT(swept, 0) << call << " was never made to fail";
     }
-}
-
-// Without memory the C library's reason can be rubbish.
-TEST(LoadError, IsOneLine) {
-    EXPECT_EQ(zebrec::LoadedLibrary("/nowhere\n\x01/libstorelib.so").failure(), "/nowhere");
 }
 
 INSTANTIATE_TEST_SUITE_P(Programs, RecorderCallSweep, testing::ValuesIn(kSwept),

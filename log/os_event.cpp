@@ -92,7 +92,7 @@ std::string_view fieldOf(std::string_view line, std::size_t number) {
 }
 
 /// The number at the start of a field, 0 for text that is none.
-long numberOf(std::string_view field) {
+long fieldNumber(std::string_view field) {
     char text[32] = {};
     std::copy_n(field.begin(), std::min(field.size(), sizeof text - 1), text);
     return std::strtol(text, nullptr, 10);
@@ -103,12 +103,12 @@ bool parseEvent(std::string_view line, ZEBSRV_EVT_INFO& record) {
     std::string_view message = fieldOf(line, kFieldMessage);
     if (message.ends_with('\r'))
         message.remove_suffix(1);
-    const long index = numberOf(fieldOf(line, kFieldMessageIndex));
-    const long suppress = numberOf(fieldOf(line, kFieldSuppress));
+    const long index = fieldNumber(fieldOf(line, kFieldMessageIndex));
+    const long suppress = fieldNumber(fieldOf(line, kFieldSuppress));
     if (index < 1 || index > static_cast<long>(kIdentifiers.size()) || suppress < 0 || suppress > 1 || message.empty())
         return false;
     record = ZEBSRV_EVT_INFO{};
-    record.eventCode = static_cast<std::uint32_t>(numberOf(fieldOf(line, kFieldEventCode)));
+    record.eventCode = static_cast<std::uint32_t>(fieldNumber(fieldOf(line, kFieldEventCode)));
     record.messageIndex = static_cast<std::uint16_t>(index);
     record.suppress = static_cast<std::uint8_t>(suppress);
     std::copy_n(message.begin(), std::min(message.size(), sizeof record.message - 1), record.message);

@@ -34,7 +34,7 @@ struct LogState {
 };
 
 LogState logState;
-LostRecords lost;
+LostRecords lostSoFar;
 
 int systemCallFailed(const char* call) {
     DLLSetLastError(kErrSystemCall, call);
@@ -43,9 +43,9 @@ int systemCallFailed(const char* call) {
 
 /// Counts a record that a failed call, the last one in the library error registry, kept out of the log.
 int recordLost() {
-    if (lost.count++ == 0) {
-        lost.error = errno;
-        DLLGetLastError(&lost.call);
+    if (lostSoFar.count++ == 0) {
+        lostSoFar.error = errno;
+        DLLGetLastError(&lostSoFar.call);
     }
     return 0;
 }
@@ -134,23 +134,23 @@ class MarkerScan {
 };
 
 /// Room for what is read of the file, then for what is written to it.
-std::array<char, kScanBlock> block;
+std::array<char, kScanBlock> fileBlock;
 
 bool findMarker() {
     MarkerScan scan(logState.lineBudget());
     std::size_t kept = 0;
     for (bool atEnd = false; !atEnd && !scan.over();) {
         const ssize_t got =
-            pread(logState.fd, block.data() + kept, kScanBlock - kept, scan.offset() + static_cast<off_t>(kept));
+            pread(logState.fd, fileBlock.data() + kept, kScanBlock - kept, scan.offset() + static_cast<off_t>(kept));
         if (got < 0 && errno == EINTR)
             continue;
         if (got < 0)
             return systemCallFailed("pread") != 0;
         atEnd = got == 0;
-        const std::string_view text(block.data(), kept + static_cast<std::size_t>(got));
+        const std::string_view text(fileBlock.data(), kept + static_cast<std::size_t>(got));
         const std::size_t used = scan.feed(text, atEnd);
         kept = text.size() - used;
-        std::memmove(block.data(), block.data() + used, kept);
+        std::memmove(fileBlock.data(), fileBlock.data() + used, kept);
     }
     logState.toTop();
     if (scan.found()) {
@@ -225,11 +225,11 @@ class RecordWriter {
     }
 
     static void put(const LogLine& line, std::size_t at) {
-        char* to = block.data() + at * kLogLineSize;
+        char* to = fileBlock.data() + at * kLogLineSize;
         *std::copy(line.begin(), line.end(), to) = '\n';
     }
     static std::string_view lines(std::size_t first, std::size_t count) {
-        return {block.data() + first * kLogLineSize, count * kLogLineSize};
+        return {fileBlock.data() + first * kLogLineSize, count * kLogLineSize};
     }
 
     std::size_t count_ = 0;
@@ -269,7 +269,7 @@ void closeLog() {
 
 int initLog(const char* fileName, unsigned int maxFileSize) {
     closeLog();
-    lost = LostRecords{};
+    lostSoFar = LostRecords{};
     if (fileName == nullptr || *fileName == '\0') {
         DLLSetLastError(kErrNoFileName, "initLog");
         return 0;
@@ -289,7 +289,7 @@ int finContData() {
 }
 
 const LostRecords& lostRecords() {
-    return lost;
+    return lostSoFar;
 }
 
 int dumpLog(const char* sourceFile, int line, const char* message, const unsigned char* data, unsigned int dataLen) {

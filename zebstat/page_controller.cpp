@@ -42,7 +42,7 @@ FactTable identityOf(const Controller& controller, const ControllerInfo& info) {
          {"Clock", plainText(controller.clock)}}};
 }
 
-FactTable settingsOf(const Controller& controller) {
+FactTable settingsTable(const Controller& controller) {
     const auto& settings = controller.settings;
     const auto flag = [&](bool Settings::*member) { return settings ? plainText(*settings.*member) : kUntoldText; };
     const auto rate = [&](unsigned Settings::*member) {
@@ -70,7 +70,7 @@ FactTable settingsOf(const Controller& controller) {
              {"Alarm enabled", hasAlarm ? alarm : "no alarm is fitted"}}};
 }
 
-FactTable capabilitiesOf(const Capabilities& capabilities) {
+FactTable capabilitiesTable(const Capabilities& capabilities) {
     const auto bytes = [](const std::optional<std::uint32_t>& size) {
         return size ? sizeText(std::uint64_t{*size}) : kUntoldText;
     };
@@ -111,8 +111,8 @@ void writeControllerTables(ControllerPart& part) {
     {
         const auto box = part.out.element("div", {{"class", "facttables"}});
         writeFacts(part.out, identityOf(part.controller, info));
-        writeFacts(part.out, settingsOf(part.controller));
-        writeFacts(part.out, capabilitiesOf(info.capabilities));
+        writeFacts(part.out, settingsTable(part.controller));
+        writeFacts(part.out, capabilitiesTable(info.capabilities));
     }
     Table images{"Firmware images", {"Image", "Version", "Built", "Runs"}, {}};
     addImages(images, info.images, "now");

@@ -19,7 +19,7 @@
 
 namespace {
 
-constexpr Speaker kHandler{kCtrlSource, "CliCmdExecAdpInfo"};
+constexpr Speaker kInformationHandler{kCtrlSource, "CliCmdExecAdpInfo"};
 
 struct ControllerData {
     _MR_CTRL_INFO info{};
@@ -32,11 +32,12 @@ struct ControllerData {
 
 bool queryController(unsigned char contNo, ControllerData& data) {
     const Subject subject = onController(contNo);
-    return succeeded(SLGetCtrlInfo(contNo, &data.info), kHandler, "SLGetCtrlInfo error", subject) &&
-           succeeded(SLGetCtrlProp(contNo, &data.properties), kHandler, "SLGetCtrlProp error", subject) &&
-           succeeded(SLGetPciInfo(contNo, &data.pci), kHandler, "SLGetPciInfo error", subject) &&
-           succeeded(SLGetPatrolReadProp(contNo, &data.patrolRead), kHandler, "SLGetPatrolReadProp error", subject) &&
-           succeeded(SLGetMFCDefaults(contNo, &data.defaults), kHandler, "SLGetMFCDefaults error", subject);
+    return succeeded(SLGetCtrlInfo(contNo, &data.info), kInformationHandler, "SLGetCtrlInfo error", subject) &&
+           succeeded(SLGetCtrlProp(contNo, &data.properties), kInformationHandler, "SLGetCtrlProp error", subject) &&
+           succeeded(SLGetPciInfo(contNo, &data.pci), kInformationHandler, "SLGetPciInfo error", subject) &&
+           succeeded(SLGetPatrolReadProp(contNo, &data.patrolRead), kInformationHandler, "SLGetPatrolReadProp error",
+                     subject) &&
+           succeeded(SLGetMFCDefaults(contNo, &data.defaults), kInformationHandler, "SLGetMFCDefaults error", subject);
 }
 
 const char* yesNo(bool yes) {
@@ -58,7 +59,7 @@ const char* patrolReadInterval(std::uint32_t seconds, unsigned char contNo) {
     case 2592000:
         return "Monthly";
     default:
-        traceFailure(kHandler, "ExecFreq invalid", {contNo, "seconds", seconds});
+        traceFailure(kInformationHandler, "ExecFreq invalid", {contNo, "seconds", seconds});
         return "Unknown";
     }
 }
@@ -160,7 +161,8 @@ bool reportController(Controller ctrl) {
     Report report;
     addGeneral(report, ctrl.contNo, data);
     addFirmware(report, data.info);
-    if (!succeeded(SLGetDrvVer(ctrl.contNo, &data.driver), kHandler, "SLGetDrvVer error", onController(ctrl.contNo)))
+    if (!succeeded(SLGetDrvVer(ctrl.contNo, &data.driver), kInformationHandler, "SLGetDrvVer error",
+                   onController(ctrl.contNo)))
         return false;
     addSettings(report, ctrl.contNo, data);
     report.emit();

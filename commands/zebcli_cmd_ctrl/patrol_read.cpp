@@ -24,7 +24,7 @@
 
 namespace {
 
-constexpr Speaker kHandler{kCtrlSource, "CliCmdExecAdpPR"};
+constexpr Speaker kPatrolReadHandler{kCtrlSource, "CliCmdExecAdpPR"};
 
 enum PatrolBit : unsigned {
     kDisable = 0x001,
@@ -152,7 +152,7 @@ class Patrols {
 bool readPatrol(Patrol& patrol) {
     if (SLGetPatrolReadProp(patrol.contNo, &patrol.properties) == kSlSuccess)
         return true;
-    saySettingsFailed(kHandler, "SLGetPatrolReadProp error", patrol.contNo);
+    saySettingsFailed(kPatrolReadHandler, "SLGetPatrolReadProp error", patrol.contNo);
     return false;
 }
 
@@ -160,7 +160,7 @@ bool readPatrol(Patrol& patrol) {
 bool liesAhead(std::uint32_t startTime, unsigned char contNo) {
     unsigned int now = 0;
     if (SLGetTime(contNo, &now) != kSlSuccess) {
-        saySettingsFailed(kHandler, "SLGetTime error", contNo);
+        saySettingsFailed(kPatrolReadHandler, "SLGetTime error", contNo);
         return false;
     }
     if (startTime > now)
@@ -228,14 +228,14 @@ struct Run {
     const char* done;
     const char* advice;
 };
-constexpr Run kStop{SLStopPatrolReadOpe, "SLStopPatrolReadOpe error", "stop", "stopped",
-                    "Please confirm whether to have already ended."};
-constexpr Run kStart{SLStartPatrolReadOpe, "SLStartPatrolReadOpe error", "start", "started",
-                     "Please confirm PD(Physical Drive) state."};
+constexpr Run kStopRun{SLStopPatrolReadOpe, "SLStopPatrolReadOpe error", "stop", "stopped",
+                       "Please confirm whether to have already ended."};
+constexpr Run kStartRun{SLStartPatrolReadOpe, "SLStartPatrolReadOpe error", "start", "started",
+                        "Please confirm PD(Physical Drive) state."};
 
 void runNow(const Run& run, unsigned char contNo) {
     const std::uint32_t status = run.send(contNo);
-    if (succeeded(status, kHandler, run.error, onController(contNo)))
+    if (succeeded(status, kPatrolReadHandler, run.error, onController(contNo)))
         CliLogging(kPrint, kCtrlSource, __LINE__, "Information - Controller[%d] Patrol Read has been %s.", contNo,
                    run.done);
     else
@@ -251,7 +251,7 @@ bool writeSettings(const Wanted& wanted, const Patrol& patrol) {
     changed.executionFrequency = wanted.interval.value_or(changed.executionFrequency);
     changed.nextExecution = wanted.nextStart.value_or(changed.nextExecution);
     if (SLSetPatrolReadProp(patrol.contNo, &patrol.properties, &changed) != kSlSuccess) {
-        saySettingsFailed(kHandler, "SLSetPatrolReadProp error", patrol.contNo);
+        saySettingsFailed(kPatrolReadHandler, "SLSetPatrolReadProp error", patrol.contNo);
         return false;
     }
     saySettingsChanged(patrol.contNo);
@@ -261,11 +261,11 @@ bool writeSettings(const Wanted& wanted, const Patrol& patrol) {
 /// Changes one controller. Returns false when the command is over.
 bool change(const Wanted& wanted, const Patrol& patrol) {
     if (wanted.stop)
-        runNow(kStop, patrol.contNo);
+        runNow(kStopRun, patrol.contNo);
     if (wanted.changesSettings() && !writeSettings(wanted, patrol))
         return false;
     if (wanted.start)
-        runNow(kStart, patrol.contNo);
+        runNow(kStartRun, patrol.contNo);
     return true;
 }
 

@@ -96,12 +96,13 @@ std::uint8_t pdFailValue(const Options& options, const SL_CTRL_SETTING_INFO& set
 
 /// Changes one controller. Returns false when the command is over.
 bool changeSettings(unsigned char contNo, const Options& options, const _AFCONT& cont) {
-    constexpr Speaker kHandler{kCtrlSource, "CliCmdExecAdpSetProp"};
+    constexpr Speaker kSettingsHandler{kCtrlSource, "CliCmdExecAdpSetProp"};
     _MR_CTRL_INFO info{};
-    if (!succeeded(SLGetCtrlInfo(contNo, &info), kHandler, "SLGetCtrlInfo error", onController(contNo)))
+    if (!succeeded(SLGetCtrlInfo(contNo, &info), kSettingsHandler, "SLGetCtrlInfo error", onController(contNo)))
         return false;
     _MR_MFC_DEFAULTS defaults{};
-    if (!succeeded(SLGetMFCDefaults(contNo, &defaults), kHandler, "SLGetMFCDefaults error", onController(contNo)))
+    if (!succeeded(SLGetMFCDefaults(contNo, &defaults), kSettingsHandler, "SLGetMFCDefaults error",
+                   onController(contNo)))
         return false;
     if (SLIsCopybackSupported(&cont.ctrlInfo) == 0 && options.has(kHddCopyback | kSsdCopyback | kPdFail)) {
         sayParameterNotSupported();
@@ -114,11 +115,11 @@ bool changeSettings(unsigned char contNo, const Options& options, const _AFCONT&
         return true;
     }
     if (SLSetCtrlProp(contNo, &settings) != kSlSuccess) {
-        saySettingsFailed(kHandler, "SLSetCtrlProp error", contNo);
+        saySettingsFailed(kSettingsHandler, "SLSetCtrlProp error", contNo);
         return false;
     }
     if (SLSetFailPDOnSmartTer(contNo, pdFailValue(options, settings, defaults.failPdOnSmartError)) != kSlSuccess) {
-        saySettingsFailed(kHandler, "SLSetFailPDOnSmartTer error", contNo);
+        saySettingsFailed(kSettingsHandler, "SLSetFailPDOnSmartTer error", contNo);
         return false;
     }
     saySettingsChanged(contNo);

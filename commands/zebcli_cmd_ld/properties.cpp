@@ -22,7 +22,7 @@
 
 namespace {
 
-constexpr Speaker kHandler{kLdSource, "CliCmdExecLDSetProp"};
+constexpr Speaker kPropertiesHandler{kLdSource, "CliCmdExecLDSetProp"};
 constexpr unsigned kName = 0x0001;
 constexpr unsigned kAccessGroup = 0x0100 | 0x0200 | 0x0400;
 constexpr unsigned kDiskCacheGroup = 0x0800 | 0x1000 | 0x2000;
@@ -57,7 +57,7 @@ constexpr auto makeWords() {
         *next++ = word.option;
     return words;
 }
-constexpr auto kWords = makeWords();
+constexpr auto kPropertyWords = makeWords();
 
 /// The value of the group's option when one was given, else what is kept of the current value.
 std::uint8_t policyOr(const Options& options, unsigned group, std::uint8_t kept) {
@@ -99,14 +99,14 @@ bool askAlwaysWriteBack(const Options& options, std::span<const unsigned char> c
 
 /// Reads an LD afresh; a failure is traced.
 bool readLd(Controller ctrl, unsigned char ldNo, _MR_LD_INFO& ld) {
-    return succeeded(SLGetLDInfo(ctrl.contNo, ldNo, &ld), kHandler, "SLGetLDInfo error",
+    return succeeded(SLGetLDInfo(ctrl.contNo, ldNo, &ld), kPropertiesHandler, "SLGetLDInfo error",
                      onLdWithoutCommas(ctrl.contNo, ldNo));
 }
 
 /// Reads the group of an LD afresh, that of its first span; a failure is traced.
 bool readGroup(Controller ctrl, const _MR_LD_CONFIG& ld, _SL_ARRAY_INFO_T& group) {
     const std::uint16_t arrayRef = ld.span[0].arrayRef;
-    return succeeded(SLGetArrayInfo(ctrl.contNo, arrayRef, &group), kHandler, "SLGetArrayInfo error",
+    return succeeded(SLGetArrayInfo(ctrl.contNo, arrayRef, &group), kPropertiesHandler, "SLGetArrayInfo error",
                      onArray(ctrl.contNo, arrayRef));
 }
 
@@ -150,7 +150,7 @@ bool writeLd(Change& change, unsigned char ldNo, const Policies& policies) {
     properties.defaultCachePolicy = policies.cache;
     properties.accessPolicy = policies.access;
     properties.diskCachePolicy = policies.diskCache;
-    if (!succeeded(SLSetLDProperties(change.ctrl.contNo, &properties), kHandler, "SLSetLDProperties error",
+    if (!succeeded(SLSetLDProperties(change.ctrl.contNo, &properties), kPropertiesHandler, "SLSetLDProperties error",
                    onLd(change.ctrl.contNo, ldNo)))
         return false;
     change.done.add(ldNo);
@@ -207,7 +207,7 @@ void sayDone(unsigned char contNo, const NumberList& lds) {
 
 } // namespace
 
-constexpr OptionTable kLdSetPropOptions = ldOptions(kWords);
+constexpr OptionTable kLdSetPropOptions = ldOptions(kPropertyWords);
 
 int CliCmdExecLDSetProp(int argc, char** argv, _AFCONT* conts, int contCount) {
     dumpLog(kLdSource, __LINE__, __func__);

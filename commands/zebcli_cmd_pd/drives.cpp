@@ -20,7 +20,7 @@
 
 namespace {
 
-constexpr Speaker kHandler{kPdSource, "CliCmdExecPDInfo"};
+constexpr Speaker kDrivesHandler{kPdSource, "CliCmdExecPDInfo"};
 
 void mkRoleStr(Controller ctrl, unsigned char slotNo, std::span<char> out) {
     mkLDAssignStr(ctrl.contNo, ctrl.conts, slotNo, out);
@@ -39,10 +39,11 @@ void addTemperature(Report& report, unsigned char contNo, unsigned char slotNo) 
     const Subject subject = onPd(contNo, slotNo);
     int supported = 0;
     unsigned char temperature = 0;
-    if (succeeded(SLIsTempPageSupported(contNo, slotNo, &supported), kHandler, "SLIsTempPageSupported error",
+    if (succeeded(SLIsTempPageSupported(contNo, slotNo, &supported), kDrivesHandler, "SLIsTempPageSupported error",
                   subject) &&
         supported != 0 &&
-        succeeded(SLGetPDTemperature(contNo, slotNo, &temperature), kHandler, "SLGetPDTemperature error", subject))
+        succeeded(SLGetPDTemperature(contNo, slotNo, &temperature), kDrivesHandler, "SLGetPDTemperature error",
+                  subject))
         report.field("Temperature", "%d C", temperature);
 }
 

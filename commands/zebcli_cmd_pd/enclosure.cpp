@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr Speaker kHandler{kPdSource, "CliCmdExecEnclInfo"};
+constexpr Speaker kEnclosureHandler{kPdSource, "CliCmdExecEnclInfo"};
 
 /// What is asked of one enclosure.
 struct EnclosureData {
@@ -91,7 +91,7 @@ void addConnector(Report& report, const _MR_ENCL_ENTRY& enclosure, const _MR_SAS
 bool gather(Report& report, int position, unsigned char contNo, _SL_ENCL_STATUS_EX_T& status) {
     static constexpr const char* kModels[] = {"Unknown", "SAFTE", "SES", "Backplane"};
     _MR_ENCL_LIST list{};
-    if (!succeeded(SLGetEnclList(contNo, &list), kHandler, "SLGetEnclList error", onController(contNo)))
+    if (!succeeded(SLGetEnclList(contNo, &list), kEnclosureHandler, "SLGetEnclList error", onController(contNo)))
         return false;
     // The first entry is what is reported, whatever the count says.
     const _MR_ENCL_ENTRY& enclosure = list.encl[0];
@@ -105,11 +105,11 @@ bool gather(Report& report, int position, unsigned char contNo, _SL_ENCL_STATUS_
         return true;
     }
     EnclosureData data;
-    if (!succeeded(SLGetEnclConfig(contNo, enclosure.deviceId, &data.config), kHandler, "SLGetEnclConfig error",
+    if (!succeeded(SLGetEnclConfig(contNo, enclosure.deviceId, &data.config), kEnclosureHandler,
+                   "SLGetEnclConfig error", onController(contNo)) ||
+        !succeeded(SLGetEnclStatus(contNo, enclosure.deviceId, &status), kEnclosureHandler, "SLGetEnclStatus error",
                    onController(contNo)) ||
-        !succeeded(SLGetEnclStatus(contNo, enclosure.deviceId, &status), kHandler, "SLGetEnclStatus error",
-                   onController(contNo)) ||
-        !succeeded(SLGetSASConnector(contNo, &data.connectors), kHandler, "SLGetSASConnector error",
+        !succeeded(SLGetSASConnector(contNo, &data.connectors), kEnclosureHandler, "SLGetSASConnector error",
                    onController(contNo)))
         return false;
     addConnector(report, enclosure, data.connectors);

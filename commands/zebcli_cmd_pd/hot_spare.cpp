@@ -23,11 +23,11 @@
 
 namespace {
 
-constexpr Speaker kHandler{kPdSource, "CliCmdExecPDHSP"};
+constexpr Speaker kHotSpareHandler{kPdSource, "CliCmdExecPDHSP"};
 
 enum SpareBit : unsigned { kGlobal = 1, kDedicated = 2, kRemove = 4, kNoCheck = 8 };
 constexpr unsigned kModes = kGlobal | kDedicated | kRemove;
-constexpr auto kWords = std::to_array<OptionWord>({
+constexpr auto kHotSpareWords = std::to_array<OptionWord>({
     {.word = "ghs", .bit = kGlobal, .refusedAfter = kModes},
     {.word = "dhs", .bit = kDedicated, .refusedAfter = kModes},
     {.word = "rmv", .bit = kRemove, .refusedAfter = kModes},
@@ -63,7 +63,7 @@ Outcome refuseRelease(int line = __builtin_LINE()) {
 }
 
 bool succeeded(std::uint32_t status, const char* text, const Target& target, int line = __builtin_LINE()) {
-    return succeeded(status, {kHandler, line}, text, onPd(target.ctrl.contNo, target.slotNo));
+    return succeeded(status, {kHotSpareHandler, line}, text, onPd(target.ctrl.contNo, target.slotNo));
 }
 
 bool readPd(const Target& target, _MR_PD_INFO& pd) {
@@ -235,7 +235,7 @@ bool changeOnController(Controller ctrl, const Options& options) {
 
 } // namespace
 
-constexpr OptionTable kHotSpareOptions = pdOptions(kWords);
+constexpr OptionTable kHotSpareOptions = pdOptions(kHotSpareWords);
 
 int CliCmdExecPDHSP(int argc, char** argv, _AFCONT* conts, int contCount) {
     dumpLog(kPdSource, __LINE__, __func__);

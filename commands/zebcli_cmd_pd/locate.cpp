@@ -12,10 +12,10 @@
 
 namespace {
 
-constexpr Speaker kHandler{kPdSource, "CliCmdExecPDLocate"};
+constexpr Speaker kLocateHandler{kPdSource, "CliCmdExecPDLocate"};
 constexpr unsigned char ucLocateLEDsts = 0;
 
-bool isComplete(const Options& options) {
+bool completeForLocate(const Options& options) {
     return options.pdGiven && options.bits != 0;
 }
 
@@ -27,7 +27,7 @@ void startOnController(unsigned char contNo, const PdList& pds) {
             blinking.add(slotNo);
             continue;
         }
-        traceFailure(kHandler, "SLStartLocatePD error", onPd(contNo, slotNo));
+        traceFailure(kLocateHandler, "SLStartLocatePD error", onPd(contNo, slotNo));
         CliLogging(kPrintAndLog, kPdSource, __LINE__,
                    "Error - Controller[%d] Failed to blink PD(Physical Drive) %d location LED.", contNo, slotNo);
     }
@@ -42,7 +42,7 @@ void stopOnController(unsigned char contNo, const PdList& pds) {
     NumberList off;
     for (const unsigned char slotNo : listedDrives(pds)) {
         if (SLStopLocatePD(contNo, slotNo) != kSlSuccess) {
-            traceFailure(kHandler, "SLStopLocatePD error", onPd(contNo, slotNo));
+            traceFailure(kLocateHandler, "SLStopLocatePD error", onPd(contNo, slotNo));
             CliLogging(kPrintAndLog, kPdSource, __LINE__,
                        "Error - Controller[%d] Failed to off PD(Physical Drive) %d location LED.", contNo, slotNo);
             break;
@@ -62,7 +62,7 @@ constexpr OptionTable kPdLocateOptions = pdOptions(kStartStopWords);
 int CliCmdExecPDLocate(int argc, char** argv, _AFCONT* conts, int contCount) {
     dumpLog(kPdSource, __LINE__, __func__);
     Options options;
-    if (!parsePdCommand(kPdLocateOptions, isComplete, argc, argv, contCount, conts, options))
+    if (!parsePdCommand(kPdLocateOptions, completeForLocate, argc, argv, contCount, conts, options))
         return 1;
     for (const unsigned char contNo : selectedControllers(options.ctrls, contCount)) {
         if (options.has(kStart))

@@ -13,19 +13,19 @@
 
 namespace {
 
-constexpr Speaker kHandler{kPdSource, "CliCmdExecPDRbld"};
+constexpr Speaker kRebuildHandler{kPdSource, "CliCmdExecPDRbld"};
 
 /// Stands in the failure list for a drive whose allowed operations could not be read.
 constexpr unsigned kNoDriveNumber = 255;
 
 /// Deliberate: both words start a rebuild; there is none that stops it.
-constexpr auto kWords = std::to_array<OptionWord>({
+constexpr auto kRebuildWords = std::to_array<OptionWord>({
     {.word = "start", .bit = kStart, .refusedAfter = kStart | kStop},
     {.word = "stop", .bit = kStop, .refusedAfter = kStart | kStop, .offered = false},
 });
 
 /// Deliberate: a PD list together with a controller option needs a word, one without does not.
-bool isComplete(const Options& options) {
+bool completeForRebuild(const Options& options) {
     return (options.pdGiven && !options.ctrlGiven) || options.bits != 0;
 }
 
@@ -38,7 +38,7 @@ struct RebuildResult {
 void rebuildDrive(Controller ctrl, unsigned char slotNo, RebuildResult& result) {
     const unsigned char contNo = ctrl.contNo;
     const auto fail = [&](int line) {
-        traceUntagged({kHandler, line}, "SLStartRebuild error", onSlot(contNo, slotNo));
+        traceUntagged({kRebuildHandler, line}, "SLStartRebuild error", onSlot(contNo, slotNo));
         result.failed.add(slotNo);
     };
     _MR_PD_INFO pd{};
@@ -53,7 +53,7 @@ void rebuildDrive(Controller ctrl, unsigned char slotNo, RebuildResult& result) 
     _MR_PD_ALLOWED_OPS allowed{};
     if (SLGetPDAllowedOperation(contNo, slotNo, &allowed) != kSlSuccess) {
         // Counted twice on purpose: here without a drive number, below as a drive that must not rebuild.
-        traceUntagged(kHandler, "SLGetPDAllowedOperation error", onSlot(contNo, slotNo));
+        traceUntagged(kRebuildHandler, "SLGetPDAllowedOperation error", onSlot(contNo, slotNo));
         CliLogging(kPrint, kPdSource, __LINE__, "%s", "");
         result.failed.add(kNoDriveNumber);
         allowed = _MR_PD_ALLOWED_OPS{};
@@ -81,12 +81,12 @@ void rebuildOnController(Controller ctrl, const PdList& pds) {
 
 } // namespace
 
-constexpr OptionTable kPdRebuildOptions = pdOptions(kWords);
+constexpr OptionTable kPdRebuildOptions = pdOptions(kRebuildWords);
 
 int CliCmdExecPDRbld(int argc, char** argv, _AFCONT* conts, int contCount) {
     dumpLog(kPdSource, __LINE__, __func__);
     Options options;
-    if (!parsePdCommand(kPdRebuildOptions, isComplete, argc, argv, contCount, conts, options))
+    if (!parsePdCommand(kPdRebuildOptions, completeForRebuild, argc, argv, contCount, conts, options))
         return 1;
     for (const unsigned char contNo : selectedControllers(options.ctrls, contCount))
         rebuildOnController({contNo, conts}, options.pds);

@@ -18,7 +18,7 @@
 
 namespace {
 
-constexpr Speaker kHandler{kLdSource, "CliCmdExecCfgLDCustomMakeAdd"};
+constexpr Speaker kCustomHandler{kLdSource, "CliCmdExecCfgLDCustomMakeAdd"};
 
 using Plans = std::span<CreationPlan>;
 
@@ -26,7 +26,7 @@ using Plans = std::span<CreationPlan>;
 bool makePlans(const CustomRequest& request, std::span<const unsigned char> controllers, const _AFCONT* conts,
                Plans plans) {
     for (std::size_t i = 0; i < plans.size(); ++i)
-        if (!planOnController(request, {controllers[i], conts}, kHandler, plans[i]))
+        if (!planOnController(request, {controllers[i], conts}, kCustomHandler, plans[i]))
             return false;
     for (CreationPlan& plan : plans)
         setUpPlan(request, plan);
@@ -80,7 +80,7 @@ int CliCmdExecCfgLDCustomMakeAdd(int argc, char** argv, _AFCONT* conts, int cont
     if (!isConfirmed(request, plans) || !lookAgainAtPlans(plans, conts, contCount))
         return 1;
     const bool created = std::all_of(plans.begin(), plans.end(), [&](CreationPlan& plan) {
-        return create(plan, kHandler, conts, contCount) && associate(plan, kHandler);
+        return create(plan, kCustomHandler, conts, contCount) && associate(plan, kCustomHandler);
     });
     return created ? 0 : 1;
 }

@@ -17,9 +17,9 @@ constexpr auto policyWords() {
                    [](const CachePolicyWord& word) { return word.option; });
     return words;
 }
-constexpr auto kWords = policyWords();
+constexpr auto kCustomWords = policyWords();
 constexpr OptionTable kOptions{
-    .source = kLdSource, .badToken = BadToken::Itself, .words = kWords, .takesControllers = true};
+    .source = kLdSource, .badToken = BadToken::Itself, .words = kCustomWords, .takesControllers = true};
 
 /// A layout word with drives behind it.
 struct LayoutWord {

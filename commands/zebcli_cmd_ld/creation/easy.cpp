@@ -24,7 +24,7 @@
 
 namespace {
 
-constexpr Speaker kHandler{kLdSource, "CliCmdExecCfgLDEasyMakeAdd"};
+constexpr Speaker kEasyHandler{kLdSource, "CliCmdExecCfgLDEasyMakeAdd"};
 
 /// Keeps the usable drives as the unconfigured ones, shows the table of all drives, and says why a drive that looks
 /// unconfigured is not used.
@@ -105,7 +105,7 @@ bool makeSpares(const CreationPlan& plan) {
     NumberList made;
     bool allMade = true;
     for (const SeenDrive& spare : plan.spares) {
-        if (succeeded(SLMakeGlobalHotspare(contNo, spare.slotNo), kHandler, "SLMakeGlobalHotspare error",
+        if (succeeded(SLMakeGlobalHotspare(contNo, spare.slotNo), kEasyHandler, "SLMakeGlobalHotspare error",
                       onPd(contNo, spare.slotNo))) {
             made.add(spare.slotNo);
             continue;
@@ -143,5 +143,5 @@ int CliCmdExecCfgLDEasyMakeAdd(int argc, char** argv, _AFCONT* conts, int contCo
     warnOfDrives(plan);
     if (!isConfirmed(plan) || !lookAgainAtPlans({&plan, 1}, conts, contCount))
         return 1;
-    return create(plan, kHandler, conts, contCount) && makeSpares(plan) ? 0 : 1;
+    return create(plan, kEasyHandler, conts, contCount) && makeSpares(plan) ? 0 : 1;
 }

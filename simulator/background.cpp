@@ -11,7 +11,6 @@ namespace zebsim {
 namespace {
 
 constexpr double kNever = std::numeric_limits<double>::infinity();
-constexpr double kAll = 100;
 constexpr std::uint8_t kAutomatic = 0;
 
 using Finish = void (*)(Controller&, std::uint16_t owner);
@@ -122,7 +121,7 @@ std::vector<Job> jobsOf(Controller& ctrl) {
 }
 
 double timeLeft(const Job& job) {
-    return job.duration * (kAll - (*job.task)->percent) / kAll;
+    return job.duration * (kWholePercent - (*job.task)->percent) / kWholePercent;
 }
 
 /// Seconds until a scheduled start, counted from now.
@@ -200,7 +199,7 @@ bool advanceController(Controller& ctrl, double seconds) {
             step = std::min(step, timeLeft(job));
         for (const Job& job : jobs) {
             Progress& progress = **job.task;
-            progress.percent = std::min(kAll, progress.percent + step / job.duration * kAll);
+            progress.percent = std::min<double>(kWholePercent, progress.percent + step / job.duration * kWholePercent);
             progress.elapsed += step;
             moved = true;
         }

@@ -10,14 +10,13 @@ namespace zebsim {
 /// The properties. Bytes of the record that have no key of their own are kept as one row of hexadecimal digits.
 template <class Io>
 void describeProperties(Io& io, Properties& properties) {
-    constexpr std::uint8_t kAll = 100;
     const Properties usual;
     io.number("seq", properties.seq, usual.seq);
-    io.number("rebuildRate", properties.rebuildRate, usual.rebuildRate, 0, kAll);
-    io.number("patrolReadRate", properties.patrolReadRate, usual.patrolReadRate, 0, kAll);
-    io.number("bgiRate", properties.bgiRate, usual.bgiRate, 0, kAll);
-    io.number("ccRate", properties.ccRate, usual.ccRate, 0, kAll);
-    io.number("reconRate", properties.reconRate, usual.reconRate, 0, kAll);
+    io.number("rebuildRate", properties.rebuildRate, usual.rebuildRate, 0, kWholePercent);
+    io.number("patrolReadRate", properties.patrolReadRate, usual.patrolReadRate, 0, kWholePercent);
+    io.number("bgiRate", properties.bgiRate, usual.bgiRate, 0, kWholePercent);
+    io.number("ccRate", properties.ccRate, usual.ccRate, 0, kWholePercent);
+    io.number("reconRate", properties.reconRate, usual.reconRate, 0, kWholePercent);
     io.number("cacheFlushInterval", properties.cacheFlushInterval, usual.cacheFlushInterval);
     io.number("alarmEnable", properties.alarmEnable, usual.alarmEnable);
     io.number("disableAutoRebuild", properties.disableAutoRebuild, usual.disableAutoRebuild);

@@ -15,6 +15,9 @@
 
 namespace zebsim {
 
+/// The whole, in percent: of progress and of the rates.
+inline constexpr std::uint8_t kWholePercent = 100;
+
 /// Background work that is under way.
 struct Progress {
     double percent = 0;

@@ -16,9 +16,8 @@ bool isStale(const Call& call) {
 }
 
 bool ratesAreValid(const _MR_CTRL_PROP& record) {
-    constexpr std::uint8_t kAll = 100;
-    return record.rebuildRate <= kAll && record.patrolReadRate <= kAll && record.bgiRate <= kAll &&
-           record.ccRate <= kAll && record.reconRate <= kAll;
+    return record.rebuildRate <= kWholePercent && record.patrolReadRate <= kWholePercent &&
+           record.bgiRate <= kWholePercent && record.ccRate <= kWholePercent && record.reconRate <= kWholePercent;
 }
 
 /// Takes over a written record. The bytes that have a field of their own are zeroed among the others.

@@ -6,8 +6,6 @@ namespace zebsim {
 
 namespace {
 
-constexpr double kAll = 100.0;
-
 /// The integer in text such as "0x1F" or "31"; false when it is no number.
 bool integerOfText(const std::string& text, std::uint64_t& value) {
     const bool hex = text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
@@ -239,11 +237,11 @@ void Reader::task(const char* key, Task& task) {
     Progress progress;
     if (node->is_object()) {
         Reader reader(*node, at(key));
-        reader.real("percent", progress.percent, 0, 0, kAll);
+        reader.real("percent", progress.percent, 0, 0, kWholePercent);
         reader.real("elapsed", progress.elapsed, 0, 0, 1e9);
         reader.finish();
     } else {
-        if (!node->is_number() || !(node->get<double>() >= 0 && node->get<double>() <= kAll))
+        if (!node->is_number() || !(node->get<double>() >= 0 && node->get<double>() <= kWholePercent))
             throw ScenarioError(at(key), "give how far it is, in percent from 0 to 100, or null");
         progress.percent = node->get<double>();
     }

@@ -1,13 +1,7 @@
 #!/usr/bin/env bash
-# Each file compiles alone, and no two objects of what is built here call each other in a ring. rings.sh SOURCE-FOLDER
+# No two objects of what is built here call each other in a ring. rings.sh BUILD-FOLDER, of a build file by file
 set -u
-objects=$(mktemp -d)
-trap 'rm -rf "$objects"' EXIT
-{
-  cmake -S "$1" -B "$objects" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG= -DZEB_WERROR=ON -DZEB_TESTS=OFF &&
-    cmake --build "$objects"
-} >"$objects/log" || { cat "$objects/log"; exit 2; }
-cd "$objects" || exit 2
+cd "$1" || exit 2
 edges=$(find CMakeFiles zebstat recorder simulator -name '*.o' -exec nm --print-file-name --extern-only {} + | awk '
   { object = $1; sub(/:.*/, "", object); sub(/CMakeFiles\/[^\/]*\.dir\//, "", object); sub(/^[a-z]+\/__\//, "", object)
     sub(/\.cpp\.o$/, "", object)
@@ -21,7 +15,7 @@ edges=$(find CMakeFiles zebstat recorder simulator -name '*.o' -exec nm --print-
         print part[1], home[part[2]]
     }
   }' | sort -u)
-[ "$(wc -l <<<"$edges")" -gt 500 ] || { echo "no calls found between the objects"; exit 2; }
+[ "$(wc -l <<<"$edges")" -gt 500 ] || { echo "no calls found between the objects of $1"; exit 2; }
 rings=$(tsort <<<"$edges" 2>&1 >/dev/null | sed 's/^tsort: //; s/^-: input contains a loop:$/A ring of objects:/')
 [ -z "$rings" ] && exit 0
 printf '%s\n' "$rings"

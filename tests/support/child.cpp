@@ -6,11 +6,11 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
-#include <grp.h>
 #include <sched.h>
 #include <sys/ioctl.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 namespace zebtest {
@@ -109,7 +109,8 @@ bool takeStandardDescriptors(const RunOptions& options, const Channels& channels
     return true;
 }
 
-/// Between fork and exec in a process with threads: nothing here allocates, locks or touches stdio.
+/// Between vfork and exec, in its parent's memory: nothing here allocates, locks or touches stdio, and the rights go by
+/// system calls, since the C library's functions would take them from the parent's threads.
 [[noreturn]] void becomeProgram(const Launch& what, const RunOptions& options, const Channels& channels, int programFd,
                                 char* const* argv, char* const* env, int report) {
     const auto need = [report](bool done, const char* step) {
@@ -132,7 +133,9 @@ bool takeStandardDescriptors(const RunOptions& options, const Channels& channels
     need(takeStandardDescriptors(options, channels), "dup2");
     need(limitFileSize(options.fileSizeLimit), "setrlimit");
     if (options.uid != 0)
-        need(setgroups(0, nullptr) == 0 && setgid(options.uid) == 0 && setuid(options.uid) == 0, "setuid");
+        need(syscall(SYS_setgroups, 0, nullptr) == 0 && syscall(SYS_setgid, options.uid) == 0 &&
+                 syscall(SYS_setuid, options.uid) == 0,
+             "setuid");
     execveat(programFd, "", argv, env, AT_EMPTY_PATH);
     need(false, "exec");
     _exit(127);
@@ -177,7 +180,7 @@ pid_t launch(const Launch& what, const RunOptions& options, const Channels& chan
         error = "cannot open " + what.program + ": " + std::strerror(errno);
         return -1;
     }
-    const pid_t pid = fork();
+    const pid_t pid = vfork(); // a fork would copy the tables of all the memory that the tests hold
     if (pid == 0)
         becomeProgram(what, options, channels, program.get(), argv.data(), env.data(), reportWrite.get());
     const int forkError = errno;

@@ -127,5 +127,4 @@ def main():
         sys.exit("A ring of files: " + " <- ".join(error.args[1]))
 
 
-
 main()
